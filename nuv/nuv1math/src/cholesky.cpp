@@ -1,0 +1,181 @@
+// cholesky.cpp: normal equations and Cholesky factorisation in packed lower-triangular storage.
+// Copyright (c) 2026 the nuv1math authors
+// SPDX-License-Identifier: MIT
+
+#include "functionsimp.h"
+#include "nuv1math.h"
+
+#include <stddef.h>
+#include <stdlib.h>
+#include <string.h>
+
+namespace nuv {
+
+// ---------------------------------------------------------------------------------------------------------------------
+// Normal equations and Cholesky factorisation
+//
+// Model      N = sum(a a^T), u = sum(a l) over the observations a.x = l; N = L L^T; L y = u, L^T x = y.
+// Method     Column by column: L(i,i) = sqrt(N(i,i) - sum L(i,k)^2), L(j,i) = (N(j,i) - sum L(j,k) L(i,k)) / L(i,i)
+//            with one reciprocal per column. No pivoting and no tolerance.
+// Special    A negative or NaN radicand fails; one of exactly 0 passes, and its column becomes infinite or NaN.
+// Order      Products first, then added or subtracted one at a time. A diagonal takes the squares of its row from the
+//            one next to the diagonal back to the first; every other element takes its products from the first column
+//            on. The forward substitution runs ascending, the backward one descending, and both divide by the
+//            diagonal.
+// Storage    Lower triangle row by row, row i at i(i+1)/2.
+// Source     G. H. Golub, C. F. Van Loan, Matrix Computations, 4th ed., sections 4.2 and 5.3.
+// ---------------------------------------------------------------------------------------------------------------------
+
+// Where the rows of a lower triangle stand: row i begins at i*iStride + iGrowth*i(i-1)/2, its diagonal i further on.
+struct TTriangleRows
+{
+    ptrdiff_t iStride; // from row 0 to row 1
+    ptrdiff_t iGrowth; // by which every further row is longer
+};
+
+static const TTriangleRows PACKED_ROWS = {1, 1}; // row i at i(i+1)/2
+
+static ptrdiff_t RowStart(const TTriangleRows& a_Rows, ptrdiff_t a_iRow)
+{
+    return a_iRow * a_Rows.iStride + a_Rows.iGrowth * (a_iRow * (a_iRow - 1) / 2);
+}
+
+void InitCholLowTri(int a_iUnknowns, double** a_vdMatrix, double** a_vdVector)
+{
+    const size_t iUnknowns = a_iUnknowns < 1 ? 0 : static_cast<size_t>(a_iUnknowns);
+    // n(n+1)/2 as a product of two whole numbers: the even one of n and n+1 is halved, the odd one is n|1.
+    *a_vdMatrix = AllocateDoubles((iUnknowns + 1) / 2, iUnknowns | 1);
+    *a_vdVector = AllocateDoubles(iUnknowns, 1);
+    if (*a_vdMatrix == NULL || *a_vdVector == NULL)
+    {
+        DeleteCholLowTri(*a_vdMatrix, *a_vdVector);
+        *a_vdMatrix = NULL;
+        *a_vdVector = NULL;
+        return;
+    }
+    memset(*a_vdMatrix, 0, (iUnknowns + 1) / 2 * (iUnknowns | 1) * sizeof(double));
+    memset(*a_vdVector, 0, iUnknowns * sizeof(double));
+}
+
+void DeleteCholLowTri(double* a_vdMatrix, double* a_vdVector)
+{
+    free(a_vdMatrix);
+    free(a_vdVector);
+}
+
+void UpdateNormMatrixLowTri(int a_iUnknowns, double* a_vdMatrix, double* a_vdVector, const double* a_vdRow,
+                            double a_dValue)
+{
+    double* pElement = a_vdMatrix; // walks the packed triangle from end to end
+    for (int i = 0; i < a_iUnknowns; ++i)
+    {
+        const double dCoefficient = a_vdRow[i];
+        for (int j = 0; j <= i; ++j)
+        {
+            *pElement += dCoefficient * a_vdRow[j];
+            ++pElement;
+        }
+        a_vdVector[i] += dCoefficient * a_dValue;
+    }
+}
+
+void UpdateNormMatrixLowTri(int /* a_iUnknowns */, double* a_vdMatrix, double* a_vdVector, int a_iCount,
+                            const double* a_vdValues, const int* a_viIndices, double a_dValue)
+{
+    for (int p = 0; p < a_iCount; ++p)
+    {
+        const ptrdiff_t iP = a_viIndices[p];
+        if (iP < 0)
+        {
+            continue; // an unused entry
+        }
+        for (int q = 0; q <= p; ++q)
+        {
+            const ptrdiff_t iQ = a_viIndices[q];
+            if (iQ < 0)
+            {
+                continue;
+            }
+            const ptrdiff_t iElement = iP > iQ ? RowStart(PACKED_ROWS, iP) + iQ : RowStart(PACKED_ROWS, iQ) + iP;
+            a_vdMatrix[iElement] += a_vdValues[p] * a_vdValues[q];
+        }
+        a_vdVector[iP] += a_vdValues[p] * a_dValue;
+    }
+}
+
+// Scales column i below the diagonal, after taking the products of the columns before it, ascending, off it.
+static void FactoriseColumn(ptrdiff_t i, ptrdiff_t a_iN, const TTriangleRows& a_Rows, double* a_vdMatrix)
+{
+    const double* const vdRowI = a_vdMatrix + RowStart(a_Rows, i);
+    const double dReciprocal = 1.0 / vdRowI[i];
+    for (ptrdiff_t j = i + 1; j < a_iN; ++j)
+    {
+        double* const vdRowJ = a_vdMatrix + RowStart(a_Rows, j);
+        double dRest = vdRowJ[i];
+        for (ptrdiff_t k = 0; k < i; ++k)
+        {
+            dRest -= vdRowJ[k] * vdRowI[k];
+        }
+        vdRowJ[i] = dReciprocal * dRest;
+    }
+}
+
+static bool Factorise(ptrdiff_t a_iN, const TTriangleRows& a_Rows, double* a_vdMatrix)
+{
+    for (ptrdiff_t i = 0; i < a_iN; ++i)
+    {
+        double* const vdRow = a_vdMatrix + RowStart(a_Rows, i);
+        double dRadicand = vdRow[i];
+        for (ptrdiff_t k = i - 1; k >= 0; --k) // from the diagonal back to the row's first element
+        {
+            dRadicand -= vdRow[k] * vdRow[k];
+        }
+        if (!(dRadicand >= 0.0)) // a NaN fails too
+        {
+            return false;
+        }
+        vdRow[i] = sqrt(dRadicand);
+        if (i < a_iN - 1) // the last column has nothing to scale and forms no reciprocal
+        {
+            FactoriseColumn(i, a_iN, a_Rows, a_vdMatrix);
+        }
+    }
+    return true;
+}
+
+// L y = u in place.
+static void SubstituteForward(ptrdiff_t a_iN, const TTriangleRows& a_Rows, const double* a_vdFactor, double* a_vdVector)
+{
+    for (ptrdiff_t i = 0; i < a_iN; ++i)
+    {
+        const double* const vdRow = a_vdFactor + RowStart(a_Rows, i);
+        double dRest = a_vdVector[i];
+        for (ptrdiff_t k = 0; k < i; ++k)
+        {
+            dRest -= vdRow[k] * a_vdVector[k];
+        }
+        a_vdVector[i] = dRest / vdRow[i];
+    }
+}
+
+bool CholeskyLowTri(int a_iUnknowns, double* a_vdMatrix)
+{
+    return Factorise(a_iUnknowns, PACKED_ROWS, a_vdMatrix);
+}
+
+void SolveCholLowTri(int a_iUnknowns, const double* a_vdFactor, double* a_vdVector)
+{
+    SubstituteForward(a_iUnknowns, PACKED_ROWS, a_vdFactor, a_vdVector);
+    // L^T x = y: column i of L from the last row upwards, a step of k from element (k, i) to (k-1, i).
+    for (ptrdiff_t i = static_cast<ptrdiff_t>(a_iUnknowns) - 1; i >= 0; --i)
+    {
+        double dRest = a_vdVector[i];
+        for (ptrdiff_t k = static_cast<ptrdiff_t>(a_iUnknowns) - 1; k > i; --k)
+        {
+            dRest -= a_vdFactor[RowStart(PACKED_ROWS, k) + i] * a_vdVector[k];
+        }
+        a_vdVector[i] = dRest / a_vdFactor[RowStart(PACKED_ROWS, i) + i];
+    }
+}
+
+} // namespace nuv

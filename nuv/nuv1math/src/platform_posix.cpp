@@ -1,0 +1,61 @@
+// platform_posix.cpp: the assertion report's platform operations on Linux and other POSIX systems.
+// Copyright (c) 2026 the nuv1math authors
+// SPDX-License-Identifier: MIT
+
+#include "assertion.h"
+
+#include <stdio.h>
+#include <string.h>
+#include <unistd.h>
+
+namespace nuv {
+
+namespace {
+
+// Writes the whole text to standard error; nothing is left to do where that cannot be written.
+void WriteToStandardError(const char* a_szText)
+{
+    size_t iLeft = strlen(a_szText);
+    while (iLeft > 0)
+    {
+        const ssize_t iWritten = write(STDERR_FILENO, a_szText, iLeft);
+        if (iWritten <= 0)
+        {
+            return;
+        }
+        a_szText += iWritten;
+        iLeft -= static_cast<size_t>(iWritten);
+    }
+}
+
+// Takes one line, or the end of the input, from standard input.
+void SkipAnswer()
+{
+    char cAnswer = 0;
+    while (cAnswer != '\n' && read(STDIN_FILENO, &cAnswer, 1) == 1)
+    {}
+}
+
+} // namespace
+
+void FormatReport(TReportChar* a_szText, const TReportChar* a_szPath, int a_iLine, const TReportChar* a_szCondition)
+{
+    snprintf(a_szText, REPORT_LENGTH, "%s:%d assertion failure:\n%s", a_szPath, a_iLine, a_szCondition);
+}
+
+void ShowTextAndWait(const TReportChar* a_szText)
+{
+    WriteToStandardError(a_szText);
+    if (isatty(STDIN_FILENO))
+    {
+        WriteToStandardError("\nRetry or Cancel? ");
+        SkipAnswer();
+    }
+}
+
+void EndProcess()
+{
+    _exit(0); // no destructors and no exit handlers, as TerminateProcess does
+}
+
+} // namespace nuv

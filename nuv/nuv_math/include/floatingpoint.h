@@ -1,0 +1,38 @@
+// floatingpoint.h: the arithmetic that every source of the library relies on, checked when it is compiled.
+// Copyright (c) 2026 the nuv1math authors
+// SPDX-License-Identifier: MIT
+//
+// Results are the same bits on every platform because every operation is the IEC 559 (IEEE 754) double operation
+// that is written, rounded once and in the written order. The compiler must therefore not contract a*b + c into one
+// rounding, evaluate in a wider format or reorder sums. cmake/FloatingPointPolicy.cmake holds the flags; this header
+// refuses the builds that it can recognise, and the tests contain a canary for contraction, which no macro tells.
+
+#ifndef NUV_FLOATINGPOINT_H
+#define NUV_FLOATINGPOINT_H
+
+#include <float.h>
+#include <limits>
+
+#if defined(__FAST_MATH__) || defined(_M_FP_FAST)
+#error "nuv1math must not be compiled with fast-math: it changes results and breaks the tests for NaN"
+#endif
+
+#if defined(__FLT_EVAL_METHOD__)
+#if __FLT_EVAL_METHOD__ != 0
+#error "nuv1math needs double operations without excess precision (32-bit x86: -msse2 -mfpmath=sse)"
+#endif
+#elif defined(FLT_EVAL_METHOD)
+#if FLT_EVAL_METHOD != 0
+#error "nuv1math needs double operations without excess precision"
+#endif
+#endif
+
+namespace nuv {
+
+// C++98 has no static_assert: an array of negative size does not compile.
+typedef char TCheckIec559[std::numeric_limits<double>::is_iec559 && sizeof(double) == 8 ? 1 : -1];
+typedef char TCheckInt32[sizeof(int) == 4 ? 1 : -1];
+
+} // namespace nuv
+
+#endif // NUV_FLOATINGPOINT_H

@@ -1,0 +1,83 @@
+// functionsimp.h: small inline helpers and the constants that the families share. Internal: not installed.
+// Copyright (c) 2026 the nuv1math authors
+// SPDX-License-Identifier: MIT
+
+#ifndef NUV_FUNCTIONSIMP_H
+#define NUV_FUNCTIONSIMP_H
+
+#include "assertion.h"
+#include "floatingpoint.h"
+
+#include <math.h>
+#include <stddef.h>
+#include <stdlib.h>
+
+namespace nuv {
+
+// The result code of a function that computed all its outputs. The failure codes are in nuv1math.h.
+const int RET_SUCCESS = 1;
+
+// A quantity within this band counts as zero. Absolute: it is not scaled by the size of the data.
+const double TOLERANCE_DEGENERATE = 1e-12;
+
+const double ANGLE_2PI = 6.283185307179586; // the double nearest to 2 pi
+
+// True for -1e-12 <= a_dValue <= 1e-12, both ends included; never for a NaN. One comparison does for both bounds
+// because the band is symmetric, and fabs costs a single bit operation without floating-point hardware.
+inline bool IsNegligible(double a_dValue)
+{
+    return fabs(a_dValue) <= TOLERANCE_DEGENERATE;
+}
+
+// Allocates a_iRows * a_iColumns doubles, not initialised; null if they cannot be had or if their size in bytes does
+// not fit size_t. The caller releases them by free.
+inline double* AllocateDoubles(size_t a_iRows, size_t a_iColumns)
+{
+    const size_t iMost = static_cast<size_t>(-1) / sizeof(double);
+    if (a_iRows != 0 && a_iColumns > iMost / a_iRows)
+    {
+        return NULL;
+    }
+    return static_cast<double*>(malloc(a_iRows * a_iColumns * sizeof(double)));
+}
+
+// sqrt(a^2 + b^2) without overflow of the squares: the greater magnitude g is factored out, g*sqrt((s/g)^2 + 1), so
+// that only a ratio of at most 1 is squared, and is multiplied last.
+//
+// Special cases, which follow from the comparisons and are kept: (0, 0) gives 0; (NaN, 0) gives 0, because neither
+// comparison holds; (0, NaN) gives NaN; (inf, inf) gives NaN, because the ratio is inf/inf.
+inline double CalcHypot(double a_dA, double a_dB)
+{
+    const double dA = fabs(a_dA);
+    const double dB = fabs(a_dB);
+    if (dA > dB)
+    {
+        const double dRatio = dB / dA;
+        return sqrt(dRatio * dRatio + 1.0) * dA;
+    }
+    if (dB != 0.0)
+    {
+        const double dRatio = dA / dB;
+        return sqrt(dRatio * dRatio + 1.0) * dB;
+    }
+    return 0.0;
+}
+
+// x reduced into [0, y], closed at both ends: a negative multiple of the period gives y itself, a non-negative one
+// gives 0, and a tiny negative x gives y by rounding. -0.0 stays -0.0. The period must be positive: anything else,
+// NaN included, is reported and ends the process.
+inline double ReduceToPeriod(double x, double y)
+{
+    // clang-format off: the text of the condition is part of the report
+    NUV_ASSERT_AT("nuv\\nuv_math\\include\\functionsimp.h", 254, y > 0);
+    // clang-format on
+    if (x >= 0)
+    {
+        return fmod(x, y);
+    }
+    return y - fmod(-x, y);
+}
+
+} // namespace nuv
+
+#endif // NUV_FUNCTIONSIMP_H

@@ -1,0 +1,454 @@
+// nuv1math.h: planar coordinate transformations and the numerical analysis that they need.
+// Copyright (c) 2026 the nuv1math authors
+// SPDX-License-Identifier: MIT
+
+#ifndef NUV_NUV1MATH_H
+#define NUV_NUV1MATH_H
+
+/** @file
+ *  The public interface of nuv1math: everything that the library exports, in namespace nuv.
+ *
+ *  @par Result codes
+ *  Nothing is thrown and nothing is logged; every function tells its outcome by its return value.
+ *  | value | name              | meaning                                                                         |
+ *  |-------|-------------------|---------------------------------------------------------------------------------|
+ *  |     1 |                   | success: all outputs are written                                                |
+ *  |    -1 | RET_IMPOSSIBLE    | no result: too few points, a degenerate record, or a system without solution    |
+ *  |    -2 | RET_INDETERMINATE | no unique result: a singular system, or an omographic fit that cannot be solved |
+ *
+ *  Functions that return bool return true for success. Outputs that were written before a failure was found stay
+ *  written; each function says which, and everything else is untouched. Functions that return nothing cannot fail.
+ *
+ *  @par Degeneracy tolerance
+ *  "v is zero" below means -1e-12 <= v <= 1e-12, both ends included. The band is absolute: it is not scaled by the
+ *  size of the data. A NaN is never zero.
+ *
+ *  @par Special values
+ *  Arguments are not checked for NaN or infinity: such values run through the arithmetic and come out as IEC 559
+ *  (IEEE 754) has it, with the result code of the tests as they are written here.
+ *
+ *  @par Aliasing
+ *  Unless a function says otherwise, no output may overlap an input or another output.
+ *
+ *  @par Threads
+ *  Every function touches only its arguments and its own scratch: calls on different threads
+ *  with different outputs run independently. No function keeps state between calls.
+ *
+ *  @par Memory
+ *  Arrays and records belong to the caller. No function allocates, but InitCholLowTri (for the caller) and CalcCoefs
+ *  (one scratch array, for the orientation-reversing similarity only).
+ *
+ *  @par The same bits everywhere
+ *  Every operation is a double operation in the order given here, without contraction or excess precision, so results
+ *  made of + - * / and sqrt are the same bits on every platform. Functions that take or return angles
+ *  depend on the platform's sin, cos, tan, atan and atan2, which differ in the last place or two.
+ *
+ *  @par Broken invariants
+ *  A few checks guard what must hold whatever the caller passes, and one guards a promise of the caller
+ *  (AffineUntransform). A check that fails shows "<source>:<line> assertion failure:\n<condition>" in a message box
+ *  (on POSIX systems on standard error) and then ends the process with exit code 0.
+ *
+ *  @par Units
+ *  Angles are in radians and grow counter-clockwise from the x axis towards the y axis. Coordinates are in the
+ *  caller's units; scales are target units per source unit. Control points come as four parallel arrays of equal
+ *  length: a_vdX, a_vdY (x and y in the source system) and a_vdXa, a_vdYa (X and Y of the same points in the target
+ *  system). Fits map the source onto the target, every point counting once.
+ */
+
+#if defined(_WIN32)
+#if defined(NUV1MATH_BUILD)
+#define NUV1MATH_API __declspec(dllexport)
+#else
+#define NUV1MATH_API __declspec(dllimport)
+#endif
+#elif defined(__GNUC__)
+#define NUV1MATH_API __attribute__((visibility("default")))
+#else
+#define NUV1MATH_API
+#endif
+
+/** The library. */
+namespace nuv {
+
+/** No result: too few points, a degenerate coefficient record, or a system without solution. */
+const int RET_IMPOSSIBLE = -1;
+
+/** No unique result: a singular system with a consistent right-hand side, or an omographic fit without solution. */
+const int RET_INDETERMINATE = -2;
+
+/** @name Records
+ *  Plain records of doubles, without padding, in the order given. @{ */
+
+/** An affine transformation: X = a x + b y + c, Y = d x + e y + f. */
+struct TAffineCoefs
+{
+    double dA; /**< a: coefficient of x in X */
+    double dB; /**< b: coefficient of y in X */
+    double dC; /**< c: translation of X, target units */
+    double dD; /**< d: coefficient of x in Y */
+    double dE; /**< e: coefficient of y in Y */
+    double dF; /**< f: translation of Y, target units */
+};
+
+/** A conformal transformation (similarity) that keeps the orientation: X = A x + B y + Tx, Y = -B x + A y + Ty with
+ *  A = s cos(theta) and B = -s sin(theta), and beside it the linear part of its inverse. The functions take the
+ *  fields as they are: none recomputes the inverse fields from the others. */
+struct TConformalCoefs
+{
+    double dA;    /**< A = s cos(theta): coefficient of x in X and of y in Y */
+    double dB;    /**< B = -s sin(theta): coefficient of y in X; -B is that of x in Y */
+    double dTx;   /**< Tx: translation of X, target units */
+    double dTy;   /**< Ty: translation of Y, target units */
+    double dInvA; /**< cos(theta)/s = A/(A^2 + B^2): the dA of the inverse */
+    double dInvB; /**< sin(theta)/s = -B/(A^2 + B^2): the dB of the inverse */
+};
+
+/** An omographic (projective) transformation: X = (A x + B y + C)/W, Y = (D x + E y + F)/W with W = G x + H y + 1.
+ *  The affine transformations are those with G = H = 0.
+ *
+ *  Limit: the constant of W is fixed at 1, so a transformation that takes the source origin to infinity (W = 0 at
+ *  x = y = 0) has no such record, and one whose vanishing line W = 0 runs close by the source origin has coefficients
+ * of unbounded size. A source origin among the control points avoids both. At a point with W = 0 the formulas give an
+ * infinity or NaN. */
+struct TOmographicParams
+{
+    double dA; /**< A: coefficient of x in the numerator of X */
+    double dB; /**< B: coefficient of y in the numerator of X */
+    double dC; /**< C: constant of the numerator of X */
+    double dD; /**< D: coefficient of x in the numerator of Y */
+    double dE; /**< E: coefficient of y in the numerator of Y */
+    double dF; /**< F: constant of the numerator of Y */
+    double dG; /**< G: coefficient of x in the denominator */
+    double dH; /**< H: coefficient of y in the denominator */
+};
+
+/** @} */
+
+/** The kinds of transformation among which CalcCoefs chooses, from the poorest to the richest. */
+enum enumMethodUsed
+{
+    METHOD_CONFORMAL = 0, /**< similarity, four coefficients, at least 2 points (CalcConformalCoefs) */
+    METHOD_AFFINE = 1,    /**< affine, six coefficients, at least 3 points (CalcAffineCoefs) */
+    METHOD_OMOGRAPHIC = 2 /**< projective, eight coefficients, at least 4 points (CalcOmographicCoefs) */
+};
+
+/** @name Transformation from control points @{ */
+
+/** The richest transformation that the control points support, as one record whatever its kind.
+ *
+ *  Limits: the omographic result is judged by finiteness alone (read the limits of CalcOmographicCoefs), the affine
+ *  one by its determinant alone (points on one line can pass, see CalcAffineCoefs). Subtract a local origin from large
+ *  coordinates first, and look at the residuals.
+ *
+ *  Method: the kinds are tried from a_Requested downwards and the first usable one is taken.
+ *  1. Omographic, if requested and a_iPoints >= 4; used if CalcOmographicCoefs returns 1 and all eight coefficients
+ *     are finite.
+ *  2. Affine, if omographic or affine is requested and a_iPoints >= 3; used if CalcAffineCoefs returns 1 and the
+ *     determinant ea - db is not zero (a zero one collapses the plane onto a line or a point; a NaN one is used).
+ *  3. Conformal, in every other case, a_Requested outside the enumeration included.
+ *
+ *  @param a_iPoints          number of control points
+ *  @param a_vdX              x of the points in the source system, a_iPoints values
+ *  @param a_vdY              y in the source system, a_iPoints values
+ *  @param a_vdXa             X in the target system, a_iPoints values
+ *  @param a_vdYa             Y in the target system, a_iPoints values
+ *  @param a_bSameOrientation for the conformal kind only: true for a similarity that keeps the orientation of the
+ *                            axes, false for one that reverses it (a reflection of the target's Y axis, besides
+ *                            rotation and scale: X = A x + B y + C, Y = B x - A y + F)
+ *  @param a_Requested        the richest kind that the caller accepts
+ *  @param a_Used             out: the kind of the result
+ *  @param a_Params           out: the transformation; dG = dH = 0 for the affine and conformal kinds
+ *  @return true if a_Used and a_Params hold a transformation. False if a_iPoints < 2 (both untouched); if every allowed
+ *          kind failed, or the scratch array for a_bSameOrientation = false cannot be allocated: a_Used is then
+ *          untouched, and a_Params too unless the omographic fit was tried, whose left-overs it then holds. */
+NUV1MATH_API bool CalcCoefs(int a_iPoints, const double* a_vdX, const double* a_vdY, const double* a_vdXa,
+                            const double* a_vdYa, bool a_bSameOrientation, enumMethodUsed a_Requested,
+                            enumMethodUsed& a_Used, TOmographicParams& a_Params);
+
+/** The conformal transformation (similarity) that maps the source points onto the target points with the least sum
+ *  of squared residuals in X and Y. It keeps the orientation; CalcCoefs offers the reversing one.
+ *
+ *  Limits: with all target points equal and a_bRigidInverse false it returns 1 with A = B = 0 and NaN in the inverse
+ *  fields. The test for equal source points is absolute: it also rejects a spread below about 1e-6 units, and it can
+ *  miss equal points of so large coordinates that their mean is rounded by more than that (three times 1e11 + 0.1).
+ *
+ *  Method: closed form about the centroids. With centred coordinates, S = sum(dx^2 + dy^2), A = sum(dX dx + dY dy)/S,
+ *  B = sum(dX dy - dY dx)/S; a large common offset of the coordinates does no harm. Source: the four-parameter
+ *  (Helmert) transformation, as in C. D. Ghilani, Adjustment Computations, chapter on coordinate transformations; and
+ *  S. Umeyama, IEEE Trans. Pattern Anal. Mach. Intell. 13 (1991) 376-380, for the same minimum in any dimension.
+ *
+ *  @param a_iPoints       number of control points, at least 2
+ *  @param a_vdX           x of the points in the source system, a_iPoints values
+ *  @param a_vdY           y in the source system, a_iPoints values
+ *  @param a_vdXa          X in the target system, a_iPoints values
+ *  @param a_vdYa          Y in the target system, a_iPoints values
+ *  @param a_bRigidInverse false: the inverse fields are those of the inverse. True: they are A and -B whatever the
+ *                         scale, which is the inverse of a rigid motion (A^2 + B^2 = 1) only
+ *  @param a_Coefs         out: the transformation
+ *  @return 1, or RET_IMPOSSIBLE with a_Coefs untouched if a_iPoints < 2 or S is zero (all source points equal). */
+NUV1MATH_API int CalcConformalCoefs(unsigned int a_iPoints, const double* a_vdX, const double* a_vdY,
+                                    const double* a_vdXa, const double* a_vdYa, bool a_bRigidInverse,
+                                    TConformalCoefs& a_Coefs);
+
+/** The affine transformation that maps the source points onto the target points with the least sum of squared
+ *  residuals, X and Y independently.
+ *
+ *  Limits: **source points on one line, or fewer than three different ones, are not detected.** The result is then
+ *  1 with very large or meaningless coefficients. A caller that cannot exclude them compares the spread of
+ *  the source points across their best line with the spread along it before the fit, as examples/fitpoints does;
+ *  the determinant ae - db of the result tells only a collapsed *target* reliably.
+ *
+ *  Method: normal equations in coordinates centred on the means, so that a large common offset does no harm; 3x3
+ *  Gaussian elimination with row pivoting, in which an exactly zero pivot becomes 1e-14. Source: G. H. Golub, C. F. Van
+ *  Loan, Matrix Computations, 4th ed., sections 3.4 (elimination) and 5.3 (normal equations).
+ *
+ *  @param a_iPoints number of control points, at least 3
+ *  @param a_vdX     x of the points in the source system, a_iPoints values
+ *  @param a_vdY     y in the source system, a_iPoints values
+ *  @param a_vdXa    X in the target system, a_iPoints values
+ *  @param a_vdYa    Y in the target system, a_iPoints values
+ *  @param a_Coefs   out: the transformation
+ *  @return 1, or RET_IMPOSSIBLE with a_Coefs untouched if a_iPoints < 3. */
+NUV1MATH_API int CalcAffineCoefs(unsigned int a_iPoints, const double* a_vdX, const double* a_vdY, const double* a_vdXa,
+                                 const double* a_vdYa, TAffineCoefs& a_Coefs);
+
+/** The omographic (projective) transformation that maps the source points onto the target points with the least sum
+ *  of squared residuals in X and Y.
+ *
+ *  Limits: **coordinates are taken as they are, without centring or scaling.** Where the offset of the source or
+ *  target coordinates from their origin exceeds some thousand times their extent, the result can be useless and still
+ *  1, or RET_INDETERMINATE for points that determine a transformation well: subtract a local origin from both
+ *  systems before the fit, as examples/fitpoints does. The constant of the denominator is fixed at 1 (see
+ *  TOmographicParams); a square whose origin goes to infinity gives 1 with eight NaN. Points that do not determine the
+ *  eight coefficients (fewer than four with no three on a line) may be reported, or give 1 with arbitrary values.
+ *  Test the result for finiteness and look at the residuals.
+ *
+ *  Method: the equations multiplied out by the denominator, X = Ax + By + C - GXx - HXy and the like for Y, are linear
+ *  in the eight coefficients and solved by normal equations (UpdateNormMatrixLowTri, CholeskyLowTri, SolveCholLowTri);
+ *  at most four Gauss-Newton iterations on the true residuals follow, until every correction is below 1e-8 in absolute
+ *  value. Ending after the fourth is no error; neither is an iteration that cannot be factorised, which ends the
+ *  refinement with the coefficients reached before it. Source: R. Hartley, A. Zisserman, Multiple View Geometry, 2nd
+ *  ed., sections 4.1 and 4.5 (and 4.4 for the normalisation that is *not* done here); A. Bjorck, Numerical Methods for
+ *  Least Squares Problems, section 9.2.
+ *
+ *  @param a_iPoints number of control points, at least 4
+ *  @param a_vdX     x of the points in the source system, a_iPoints values
+ *  @param a_vdY     y in the source system, a_iPoints values
+ *  @param a_vdXa    X in the target system, a_iPoints values
+ *  @param a_vdYa    Y in the target system, a_iPoints values
+ *  @param a_Params  out: the transformation
+ *  @return 1; RET_INDETERMINATE with a_Params untouched if a_iPoints < 4; RET_INDETERMINATE if the linear equations
+ *          cannot be factorised, a_Params then holding their right-hand side, which must not be used. */
+NUV1MATH_API int CalcOmographicCoefs(int a_iPoints, const double* a_vdX, const double* a_vdY, const double* a_vdXa,
+                                     const double* a_vdYa, TOmographicParams& a_Params);
+
+/** @} */
+
+/** @name Affine transformations
+ *  Geometric parameters: sx, the scale along the source x axis; theta, the rotation of its image; sy, the scale along
+ *  the source y axis, measured across the image of the x axis; phi, the skew: for sy > 0 the image of the y axis leans
+ *  by phi from the perpendicular towards the image of the x axis, and has length sy/cos(phi); tx and ty, the
+ *  translations.
+ *  a = sx cos(theta), b = sy (cos(theta) tan(phi) - sin(theta)), c = tx,
+ *  d = sx sin(theta), e = sy (sin(theta) tan(phi) + cos(theta)), f = ty. @{ */
+
+/** Affine coefficients from geometric parameters. A skew of +-pi/2 gives huge or infinite b and e.
+ *
+ *  @param a_dSx    sx: scale along the source x axis
+ *  @param a_dSy    sy: scale across the image of the x axis; negative for a mirror image
+ *  @param a_dPhi   phi: skew angle, radians
+ *  @param a_dTheta theta: rotation angle, radians
+ *  @param a_dTx    tx: translation of X, target units
+ *  @param a_dTy    ty: translation of Y, target units
+ *  @param a_Coefs  out: the transformation, all six fields */
+NUV1MATH_API void AffineParamsToCoefs(double a_dSx, double a_dSy, double a_dPhi, double a_dTheta, double a_dTx,
+                                      double a_dTy, TAffineCoefs& a_Coefs);
+
+/** Geometric parameters from affine coefficients.
+ *
+ *  Method: sx = sqrt(a^2 + d^2), the rotation of (a, d) onto the x axis is taken off the second column. sx
+ *  is never negative: a mirror image appears as a negative sy.
+ *
+ *  @param a_Coefs  the transformation
+ *  @param a_dSx    out: sx >= 0
+ *  @param a_dSy    out: sy
+ *  @param a_dPhi   out: phi in [-pi/2, pi/2]
+ *  @param a_dTheta out: theta in [0, 2 pi], both ends included (a tiny negative rotation gives 2 pi itself)
+ *  @param a_dTx    out: tx = c
+ *  @param a_dTy    out: ty = f
+ *  @return 1; RET_IMPOSSIBLE if sx is zero (only sx is written) or sy is zero (only sx, theta and sy are written). */
+NUV1MATH_API int AffineCoefsToParam(const TAffineCoefs& a_Coefs, double& a_dSx, double& a_dSy, double& a_dPhi,
+                                    double& a_dTheta, double& a_dTx, double& a_dTy);
+
+/** The inverse affine transformation (Cramer's rule).
+ *
+ *  @param a_Coefs   the transformation
+ *  @param a_Inverse out: its inverse; must be a different record: the same one gets wrong values
+ *  @return 1, or RET_IMPOSSIBLE with a_Inverse untouched if the determinant ae - db is zero. */
+NUV1MATH_API int AffineCoefsToInvCoefs(const TAffineCoefs& a_Coefs, TAffineCoefs& a_Inverse);
+
+/** Maps a target point back to the source: solves a x + b y = X - c, d x + e y = Y - f by the two-unknown Roots.
+ *
+ *  Limit: **a singular transformation whose equations contradict each other ends the process** (see Broken
+ *  invariants). If the determinant ae - db can be zero, use AffineCoefsToInvCoefs or Roots, which report it.
+ *
+ *  @param a_Coefs the transformation
+ *  @param a_dXa   X of the target point
+ *  @param a_dYa   Y of the target point
+ *  @param a_dX    out: x of the source point; 0 if the transformation is singular and the equations agree
+ *  @param a_dY    out: y of the source point; 0 likewise */
+NUV1MATH_API void AffineUntransform(const TAffineCoefs& a_Coefs, double a_dXa, double a_dYa, double& a_dX,
+                                    double& a_dY);
+
+/** @} */
+
+/** @name Conformal transformations @{ */
+
+/** Conformal coefficients from scale, rotation and translations. A zero scale gives infinities or NaN in the inverse
+ *  fields.
+ *
+ *  @param a_dScale s: scale
+ *  @param a_dAngle theta: rotation angle, radians, positive counter-clockwise
+ *  @param a_dTx    translation of X, target units
+ *  @param a_dTy    translation of Y, target units
+ *  @param a_Coefs  out: the transformation, all six fields */
+NUV1MATH_API void ConformalParamsToCoefs(double a_dScale, double a_dAngle, double a_dTx, double a_dTy,
+                                         TConformalCoefs& a_Coefs);
+
+/** Scale, rotation and translations from conformal coefficients.
+ *
+ *  @param a_Coefs  the transformation; the inverse fields are not used
+ *  @param a_dScale out: s >= 0
+ *  @param a_dAngle out: theta in [0, 2 pi], both ends included; 0 if the scale is zero
+ *  @param a_dTx    out: translation of X
+ *  @param a_dTy    out: translation of Y
+ *  @return 1, or RET_IMPOSSIBLE if the scale is zero; all four outputs are written in either case. */
+NUV1MATH_API int ConformalCoefsToParam(const TConformalCoefs& a_Coefs, double& a_dScale, double& a_dAngle,
+                                       double& a_dTx, double& a_dTy);
+
+/** The inverse conformal transformation, from the inverse fields of the record as they are.
+ *
+ *  @param a_Coefs   the transformation
+ *  @param a_Inverse out: its inverse, all six fields; must be a different record: the same one gets wrong values */
+NUV1MATH_API void ConformalCoefsToInvCoefs(const TConformalCoefs& a_Coefs, TConformalCoefs& a_Inverse);
+
+/** A conformal transformation as an affine one: a = e = A, b = B, d = -B, c = Tx, f = Ty.
+ *
+ *  @param a_Coefs  the transformation; the inverse fields are not used
+ *  @param a_Affine out: the same transformation, all six fields */
+NUV1MATH_API void ConformalCoefsToAffineCoefs(const TConformalCoefs& a_Coefs, TAffineCoefs& a_Affine);
+
+/** @} */
+
+/** @name Omographic transformations @{ */
+
+/** An affine transformation as an omographic one: the six coefficients in order, dG = dH = 0.
+ *
+ *  @param a_Affine the transformation
+ *  @param a_Params out: the same transformation, all eight fields */
+NUV1MATH_API void AffineCoefsToOmographicCoefs(const TAffineCoefs& a_Affine, TOmographicParams& a_Params);
+
+/** @} */
+
+/** @name Normal equations and Cholesky, packed
+ *  Linear least squares with n unknowns, one observation a.x = l at a time: the normal matrix N = sum(a a^T) and the
+ *  right-hand side u = sum(a l) are accumulated, N = L L^T is factorised, N x = u is solved. Every observation has
+ *  weight 1: for weight w multiply its coefficients and its value by sqrt(w).
+ *
+ *  A packed matrix holds the lower triangle of a symmetric n x n matrix row by row in n(n+1)/2 doubles: element
+ *  (i, j), j <= i, counted from 0, at i(i+1)/2 + j. The same array holds first N and then L.
+ *
+ *  Order of calls: InitCholLowTri (or arrays of the caller's own, filled with zeros); one UpdateNormMatrixLowTri per
+ *  observation; CholeskyLowTri; if that returned true, SolveCholLowTri; DeleteCholLowTri.
+ *
+ *  Nothing is validated: no null pointers, no indices beyond n. Source: G. H. Golub, C. F. Van Loan, Matrix
+ *  Computations, 4th ed., section 4.2 (Cholesky) and 5.3 (normal equations). @{ */
+
+/** Allocates a packed matrix and a vector for n unknowns, filled with zeros.
+ *
+ *  @param a_iUnknowns n; less than 1 counts as 0: what the allocator gives for no bytes, possibly null
+ *  @param a_vdMatrix  out: address of n(n+1)/2 doubles
+ *  @param a_vdVector  out: address of n doubles
+ *
+ *  If either cannot be allocated, both addresses are null and nothing is left allocated. Release by DeleteCholLowTri
+ *  only. */
+NUV1MATH_API void InitCholLowTri(int a_iUnknowns, double** a_vdMatrix, double** a_vdVector);
+
+/** Releases what InitCholLowTri allocated. Null pointers are harmless.
+ *
+ *  @param a_vdMatrix the packed matrix
+ *  @param a_vdVector the vector */
+NUV1MATH_API void DeleteCholLowTri(double* a_vdMatrix, double* a_vdVector);
+
+/** Adds one observation with all n coefficients: N += a a^T, u += a l.
+ *
+ *  @param a_iUnknowns n; nothing happens if it is less than 1
+ *  @param a_vdMatrix  in and out: packed N, n(n+1)/2 values
+ *  @param a_vdVector  in and out: u, n values
+ *  @param a_vdRow     a: the coefficients, n values
+ *  @param a_dValue    l: the observed value */
+NUV1MATH_API void UpdateNormMatrixLowTri(int a_iUnknowns, double* a_vdMatrix, double* a_vdVector, const double* a_vdRow,
+                                         double a_dValue);
+
+/** Adds one observation whose coefficients stand in a few columns: k values at k indices, in any order.
+ *
+ *  Limit: a repeated index is not merged. For two entries p > q of the same index the diagonal element receives the
+ *  product v[p] v[q] once (beside both squares), so it differs from the observation with the sum v[p] + v[q] there by
+ *  that product.
+ *
+ *  @param a_iUnknowns not used: indices are not checked against it
+ *  @param a_vdMatrix  in and out: packed N
+ *  @param a_vdVector  in and out: u
+ *  @param a_iCount    k; nothing happens if it is less than 1
+ *  @param a_vdValues  the coefficients, k values
+ *  @param a_viIndices their columns, counted from 0, k values; an entry with a negative index is skipped
+ *  @param a_dValue    l: the observed value */
+NUV1MATH_API void UpdateNormMatrixLowTri(int a_iUnknowns, double* a_vdMatrix, double* a_vdVector, int a_iCount,
+                                         const double* a_vdValues, const int* a_viIndices, double a_dValue);
+
+/** Factorises N = L L^T in place, column by column, without pivoting and without tolerance.
+ *
+ *  Limit: a radicand of exactly 0 passes. In the last row the result is then true and SolveCholLowTri divides by zero;
+ *  in an earlier one the column below becomes infinite or NaN, which normally fails at a later diagonal.
+ *
+ *  @param a_iUnknowns n; if it is less than 1 the result is true and nothing is touched
+ *  @param a_vdMatrix  in: packed N; out: packed L, n(n+1)/2 values
+ *  @return true, or false if a diagonal radicand is negative or NaN: the columns before that diagonal hold L, the rest
+ *          of the triangle, the diagonal included, is as it was. */
+NUV1MATH_API bool CholeskyLowTri(int a_iUnknowns, double* a_vdMatrix);
+
+/** Solves L L^T x = u in place, any number of times for one factor.
+ *
+ *  @param a_iUnknowns n; nothing happens if it is less than 1
+ *  @param a_vdFactor  packed L of CholeskyLowTri, n(n+1)/2 values
+ *  @param a_vdVector  in: u; out: x, n values */
+NUV1MATH_API void SolveCholLowTri(int a_iUnknowns, const double* a_vdFactor, double* a_vdVector);
+
+/** @} */
+
+/** @name Linear systems @{ */
+
+/** Solves a11 x + a12 y = b1, a21 x + a22 y = b2 by Cramer's rule.
+ *
+ *  Limits: the tolerances are absolute, so a well-conditioned system of small coefficients counts as singular: scale
+ *  the equations. For a singular system only the numerator of x, a22 b1 - a12 b2, is examined, not that of y: for
+ *  instance all coefficients 0 with b1 = 0 gives RET_INDETERMINATE whatever b2.
+ *
+ *  @param a_dA11 a11
+ *  @param a_dA12 a12
+ *  @param a_dA21 a21
+ *  @param a_dA22 a22
+ *  @param a_dB1  b1
+ *  @param a_dB2  b2
+ *  @param a_dX   out: x
+ *  @param a_dY   out: y
+ *  @return 1; or with x and y untouched, if the determinant a11 a22 - a12 a21 is zero: RET_INDETERMINATE (a continuum
+ *          of solutions) if the numerator of x is zero too, else RET_IMPOSSIBLE. */
+NUV1MATH_API int Roots(double a_dA11, double a_dA12, double a_dA21, double a_dA22, double a_dB1, double a_dB2,
+                       double& a_dX, double& a_dY);
+
+/** @} */
+
+} // namespace nuv
+
+#endif // NUV_NUV1MATH_H
