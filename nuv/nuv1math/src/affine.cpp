@@ -88,8 +88,9 @@ void AffineUntransform(const TAffineCoefs& a_Coefs, double a_dXa, double a_dYa, 
 {
     const int iResult =
         Roots(a_Coefs.dA, a_Coefs.dB, a_Coefs.dD, a_Coefs.dE, a_dXa - a_Coefs.dC, a_dYa - a_Coefs.dF, a_dX, a_dY);
-    // clang-format off: the text of the condition is part of the report
-    NUV_ASSERT_AT("nuv\\nuv1math\\src\\affine.cpp", 443, iResult != RET_IMPOSSIBLE);
+    // The text of the condition is part of the report.
+    // clang-format off
+    NUV_ASSERT_AT("nuv\\nuv1math\\src\\affine.cpp", 443, iResult!= RET_IMPOSSIBLE);
     // clang-format on
     if (iResult == RET_INDETERMINATE)
     {

@@ -68,8 +68,9 @@ inline double CalcHypot(double a_dA, double a_dB)
 // NaN included, is reported and ends the process.
 inline double ReduceToPeriod(double x, double y)
 {
-    // clang-format off: the text of the condition is part of the report
-    NUV_ASSERT_AT("nuv\\nuv_math\\include\\functionsimp.h", 254, y > 0);
+    // The text of the condition is part of the report.
+    // clang-format off
+    NUV_ASSERT_AT("nuv\\nuv_math\\include\\functionsimp.h", 254, y>0);
     // clang-format on
     if (x >= 0)
     {
