@@ -1,0 +1,24 @@
+# SPDX-License-Identifier: MIT
+#
+# The library's sources, and how every build of them is compiled.
+
+set(NUV1MATH_SOURCES src/affine.cpp src/assertion.cpp src/cholesky.cpp src/omographic.cpp src/poly.cpp)
+if(WIN32)
+  list(APPEND NUV1MATH_SOURCES src/platform_windows.cpp)
+else()
+  list(APPEND NUV1MATH_SOURCES src/platform_posix.cpp)
+endif()
+list(TRANSFORM NUV1MATH_SOURCES PREPEND ${PROJECT_SOURCE_DIR}/nuv/nuv1math/)
+set(NUV1MATH_INCLUDE_DIR ${PROJECT_SOURCE_DIR}/nuv/nuv_math/include)
+
+# Compiles the library's sources as objects of the given name, the same way for every use of them.
+function(nuv1math_add_objects name)
+  add_library(${name} OBJECT ${NUV1MATH_SOURCES})
+  target_include_directories(${name} PUBLIC ${NUV1MATH_INCLUDE_DIR} ${PROJECT_SOURCE_DIR}/nuv/nuv1math/src)
+  target_compile_definitions(${name} PRIVATE NUV1MATH_BUILD "NUV_SOURCE_ROOT=\"${NUV1MATH_SOURCE_ROOT}\"")
+  target_compile_options(${name} PRIVATE -pedantic -Wall -Wextra -Wshadow -Wconversion -fno-exceptions -fno-rtti)
+  target_link_libraries(${name} PRIVATE nuv_floating_point)
+  set_target_properties(${name} PROPERTIES
+    CXX_STANDARD 98 CXX_STANDARD_REQUIRED ON CXX_EXTENSIONS OFF
+    CXX_VISIBILITY_PRESET hidden VISIBILITY_INLINES_HIDDEN ON POSITION_INDEPENDENT_CODE ON)
+endfunction()

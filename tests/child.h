@@ -1,0 +1,31 @@
+// child.h: runs a statement that ends its process in a child, and tells what it said and how it ended.
+// Copyright (c) 2026 the nuv1math authors
+// SPDX-License-Identifier: MIT
+
+#ifndef NUV_TESTS_CHILD_H
+#define NUV_TESTS_CHILD_H
+
+#include <functional>
+#include <string>
+
+namespace nuv_tests {
+
+// Exit code of a child whose statement came back.
+constexpr int CameBack = 77;
+
+struct TChildEnd
+{
+    std::string szText; // all that it wrote to standard error
+    int iExitCode;      // -1 if a signal ended it
+};
+
+// Standard input is empty and no terminal; standard error is a pipe.
+TChildEnd RunInChild(const std::function<void()>& a_Statement);
+
+// Standard input and standard error are a terminal, whose user types a_szAnswer once a_szPrompt is to be read.
+TChildEnd RunAtTerminal(const std::function<void()>& a_Statement, const std::string& a_szPrompt,
+                        const std::string& a_szAnswer);
+
+} // namespace nuv_tests
+
+#endif // NUV_TESTS_CHILD_H
