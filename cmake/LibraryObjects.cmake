@@ -2,7 +2,9 @@
 #
 # The library's sources, and how every build of them is compiled.
 
-set(NUV1MATH_SOURCES src/affine.cpp src/assertion.cpp src/cholesky.cpp src/omographic.cpp src/poly.cpp)
+set(NUV1MATH_SOURCES
+  src/TRIG.cpp src/affine.cpp src/assertion.cpp src/cholesky.cpp src/module.cpp src/omographic.cpp src/poly.cpp
+  src/random.cpp)
 if(WIN32)
   list(APPEND NUV1MATH_SOURCES src/platform_windows.cpp)
 else()

@@ -216,13 +216,6 @@ struct TGaussSystem
     ptrdiff_t iLdb;
 };
 
-static void Swap(double& a_dFirst, double& a_dSecond)
-{
-    const double dHeld = a_dFirst;
-    a_dFirst = a_dSecond;
-    a_dSecond = dHeld;
-}
-
 // Swaps rows k and p of A from column k on (only zeros are left of it) and of every right-hand side.
 static void SwapRows(const TGaussSystem& a_System, ptrdiff_t k, ptrdiff_t p)
 {

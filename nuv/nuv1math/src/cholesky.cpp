@@ -1,4 +1,4 @@
-// cholesky.cpp: normal equations and Cholesky factorisation in packed lower-triangular storage.
+// cholesky.cpp: Cholesky factorisation and solution, dense and packed, and normal equations.
 // Copyright (c) 2026 the nuv1math authors
 // SPDX-License-Identifier: MIT
 
@@ -20,9 +20,10 @@ namespace nuv {
 // Special    A negative or NaN radicand fails; one of exactly 0 passes, and its column becomes infinite or NaN.
 // Order      Products first, then added or subtracted one at a time. A diagonal takes the squares of its row from the
 //            one next to the diagonal back to the first; every other element takes its products from the first column
-//            on. The forward substitution runs ascending, the backward one descending, and both divide by the
-//            diagonal.
-// Storage    Lower triangle row by row, row i at i(i+1)/2.
+//            on. The forward substitution runs ascending. The backward one runs descending in the packed form and
+//            ascending in the dense one; both divide by the diagonal.
+// Storage    Lower triangle row by row: packed, row i at i(i+1)/2; dense, row i at i n, the strict upper triangle being
+//            neither read nor written.
 // Source     G. H. Golub, C. F. Van Loan, Matrix Computations, 4th ed., sections 4.2 and 5.3.
 // ---------------------------------------------------------------------------------------------------------------------
 
@@ -34,6 +35,12 @@ struct TTriangleRows
 };
 
 static const TTriangleRows PACKED_ROWS = {1, 1}; // row i at i(i+1)/2
+
+static TTriangleRows DenseRows(int a_iN) // row i at i n
+{
+    const TTriangleRows Rows = {a_iN, 0};
+    return Rows;
+}
 
 static ptrdiff_t RowStart(const TTriangleRows& a_Rows, ptrdiff_t a_iRow)
 {
@@ -158,6 +165,33 @@ static void SubstituteForward(ptrdiff_t a_iN, const TTriangleRows& a_Rows, const
     }
 }
 
+// Element i of the backward substitution L^T x = y, the rows k below it taken from a_iFirst in steps of a_iStep.
+static void SubstituteBackward(ptrdiff_t i, ptrdiff_t a_iN, ptrdiff_t a_iFirst, ptrdiff_t a_iStep,
+                               const TTriangleRows& a_Rows, const double* a_vdFactor, double* a_vdVector)
+{
+    double dRest = a_vdVector[i];
+    for (ptrdiff_t k = a_iFirst; k > i && k < a_iN; k += a_iStep)
+    {
+        dRest -= a_vdFactor[RowStart(a_Rows, k) + i] * a_vdVector[k];
+    }
+    a_vdVector[i] = dRest / a_vdFactor[RowStart(a_Rows, i) + i];
+}
+
+bool Cholesky(int a_iN, double* a_vdMatrix)
+{
+    return Factorise(a_iN, DenseRows(a_iN), a_vdMatrix);
+}
+
+void SolveChol(int a_iN, const double* a_vdFactor, double* a_vdVector)
+{
+    const TTriangleRows Rows = DenseRows(a_iN);
+    SubstituteForward(a_iN, Rows, a_vdFactor, a_vdVector);
+    for (ptrdiff_t i = static_cast<ptrdiff_t>(a_iN) - 1; i >= 0; --i)
+    {
+        SubstituteBackward(i, a_iN, i + 1, 1, Rows, a_vdFactor, a_vdVector); // from the row below the diagonal down
+    }
+}
+
 bool CholeskyLowTri(int a_iUnknowns, double* a_vdMatrix)
 {
     return Factorise(a_iUnknowns, PACKED_ROWS, a_vdMatrix);
@@ -165,16 +199,11 @@ bool CholeskyLowTri(int a_iUnknowns, double* a_vdMatrix)
 
 void SolveCholLowTri(int a_iUnknowns, const double* a_vdFactor, double* a_vdVector)
 {
+    const ptrdiff_t iLast = static_cast<ptrdiff_t>(a_iUnknowns) - 1;
     SubstituteForward(a_iUnknowns, PACKED_ROWS, a_vdFactor, a_vdVector);
-    // L^T x = y: column i of L from the last row upwards, a step of k from element (k, i) to (k-1, i).
-    for (ptrdiff_t i = static_cast<ptrdiff_t>(a_iUnknowns) - 1; i >= 0; --i)
+    for (ptrdiff_t i = iLast; i >= 0; --i)
     {
-        double dRest = a_vdVector[i];
-        for (ptrdiff_t k = static_cast<ptrdiff_t>(a_iUnknowns) - 1; k > i; --k)
-        {
-            dRest -= a_vdFactor[RowStart(PACKED_ROWS, k) + i] * a_vdVector[k];
-        }
-        a_vdVector[i] = dRest / a_vdFactor[RowStart(PACKED_ROWS, i) + i];
+        SubstituteBackward(i, a_iUnknowns, iLast, -1, PACKED_ROWS, a_vdFactor, a_vdVector); // from the last row up
     }
 }
 

@@ -29,6 +29,13 @@ inline bool IsNegligible(double a_dValue)
     return fabs(a_dValue) <= TOLERANCE_DEGENERATE;
 }
 
+inline void Swap(double& a_dFirst, double& a_dSecond)
+{
+    const double dHeld = a_dFirst;
+    a_dFirst = a_dSecond;
+    a_dSecond = dHeld;
+}
+
 // Allocates a_iRows * a_iColumns doubles, not initialised; null if they cannot be had or if their size in bytes does
 // not fit size_t. The caller releases them by free.
 inline double* AllocateDoubles(size_t a_iRows, size_t a_iColumns)

@@ -10,11 +10,13 @@
  *
  *  @par Result codes
  *  Nothing is thrown and nothing is logged; every function tells its outcome by its return value.
- *  | value | name              | meaning                                                                         |
- *  |-------|-------------------|---------------------------------------------------------------------------------|
- *  |     1 |                   | success: all outputs are written                                                |
- *  |    -1 | RET_IMPOSSIBLE    | no result: too few points, a degenerate record, or a system without solution    |
- *  |    -2 | RET_INDETERMINATE | no unique result: a singular system, or an omographic fit that cannot be solved |
+ *  | value     | name              | meaning                                                                         |
+ *  |-----------|-------------------|---------------------------------------------------------------------------------|
+ *  |         1 |                   | success: all outputs are written                                                |
+ *  | 0 or more |                   | polynomial Roots, SolveLinTrig, SolveQuadTrig: how many solutions are written   |
+ *  |        -1 | RET_IMPOSSIBLE    | no result: too few points, a degenerate record, or an equation without solution |
+ *  |        -2 | RET_INDETERMINATE | no unique result: a singular system, an equation that everything solves, or an  |
+ *  |           |                   | omographic fit that cannot be solved                                            |
  *
  *  Functions that return bool return true for success. Outputs that were written before a failure was found stay
  *  written; each function says which, and everything else is untouched. Functions that return nothing cannot fail.
@@ -31,17 +33,18 @@
  *  Unless a function says otherwise, no output may overlap an input or another output.
  *
  *  @par Threads
- *  Every function touches only its arguments and its own scratch: calls on different threads
- *  with different outputs run independently. No function keeps state between calls.
+ *  Every function but those of the random numbers touches only its arguments and its own scratch: calls on different
+ *  threads with different outputs run independently. The random numbers have one state for the process and no lock.
  *
  *  @par Memory
- *  Arrays and records belong to the caller. No function allocates, but InitCholLowTri (for the caller) and CalcCoefs
- *  (one scratch array, for the orientation-reversing similarity only).
+ *  Arrays and records belong to the caller. No function allocates, but InitCholLowTri (for the caller), CalcCoefs
+ *  (one scratch array, for the orientation-reversing similarity only), the polynomial Roots, and SolveQuadTrig where it
+ *  calls them. All scratch is released before the return.
  *
  *  @par The same bits everywhere
  *  Every operation is a double operation in the order given here, without contraction or excess precision, so results
- *  made of + - * / and sqrt are the same bits on every platform. Functions that take or return angles
- *  depend on the platform's sin, cos, tan, atan and atan2, which differ in the last place or two.
+ *  made of + - * / and sqrt are the same bits on every platform. Functions that take or return angles, and Randn,
+ *  depend on the platform's sin, cos, tan, asin, acos, atan, atan2 and log, which differ in the last place or two.
  *
  *  @par Broken invariants
  *  A few checks guard what must hold whatever the caller passes, and one guards a promise of the caller
@@ -446,6 +449,155 @@ NUV1MATH_API void SolveCholLowTri(int a_iUnknowns, const double* a_vdFactor, dou
  *          of solutions) if the numerator of x is zero too, else RET_IMPOSSIBLE. */
 NUV1MATH_API int Roots(double a_dA11, double a_dA12, double a_dA21, double a_dA22, double a_dB1, double a_dB2,
                        double& a_dX, double& a_dY);
+
+/** @} */
+
+/** @name Cholesky, dense
+ *  The same factorisation and solution on a full n x n matrix, row by row: element (i, j), counted from 0, at i n + j.
+ *  Only the lower triangle with the diagonal is read and written: the strict upper triangle may hold anything and keeps
+ *  it.
+ *  Order of calls: Cholesky; if that returned true, SolveChol with the same array. @{ */
+
+/** Factorises A = L L^T in place, column by column, without pivoting and without tolerance.
+ *
+ *  Limit: a radicand of exactly 0 passes. In the last row the result is then true and SolveChol divides by zero; in an
+ *  earlier one the column below becomes infinite or NaN, which normally fails at a later diagonal.
+ *
+ *  @param a_iN       n; if it is less than 1 the result is true and nothing is touched
+ *  @param a_vdMatrix in: lower triangle of A; out: L; n n values
+ *  @return true, or false if a diagonal radicand is negative or NaN: the columns before that diagonal hold L, the rest
+ *          of the triangle, the diagonal included, is as it was. */
+NUV1MATH_API bool Cholesky(int a_iN, double* a_vdMatrix);
+
+/** Solves L L^T x = b in place, any number of times for one factor. The backward substitution subtracts its terms in
+ *  ascending order, SolveCholLowTri in descending order: the two can differ in the last bits.
+ *
+ *  @param a_iN       n; nothing happens if it is less than 1
+ *  @param a_vdFactor L of Cholesky, n n values
+ *  @param a_vdVector in: b; out: x, n values */
+NUV1MATH_API void SolveChol(int a_iN, const double* a_vdFactor, double* a_vdVector);
+
+/** @} */
+
+/** @name Polynomials @{ */
+
+/** The real roots of a polynomial with real coefficients, as eigenvalues of its companion matrix.
+ *
+ *  Limits:
+ *  - **A count below the number of real roots is possible without notice.** The iteration gives up on some ordinary
+ *    polynomials; the eigenvalues that it has not found by then are never reported. x^4 - 2x^2 + 1, with the double
+ *    roots 1 and -1, gives 0 roots.
+ *  - A multiple root splits into neighbours at a distance of about the k-th root of 1e-16 (1e-8 for a double, 1e-5 for
+ *    a triple root), as real values or as complex pairs. A pair within the tolerance counts as two real roots,
+ *    one outside as none. The tolerance must be greater than that distance, and 1e-6 suits quartics with coefficients
+ *    around 1.
+ *  - Roots are as exact as the eigenvalues and are not polished.
+ *  - Time grows with the cube of the degree and memory with its square.
+ *
+ *  Method: leading zero coefficients lower the degree, trailing ones are roots 0. The companion matrix of the rest is
+ *  balanced, reduced to Hessenberg form and solved by Francis' double-shift QR iteration, at most 30 iterations for an
+ *  eigenvalue. Source: A. Edelman, H. Murakami, Math. Comp. 64 (1995) 763-776; B. N. Parlett, C. Reinsch, Numer. Math.
+ *  13 (1969) 293-304; R. S. Martin, G. Peters, J. H. Wilkinson, Numer. Math. 14 (1970) 219-231.
+ *
+ *  @param iDegree     degree, 0 or more
+ *  @param vdA         iDegree + 1 coefficients, that of the highest power first; a coefficient counts as zero only if
+ *                     it is exactly 0
+ *  @param a_vdRoots   out: the roots, room for iDegree values; only as many as the result says are written, except that
+ *                     zero roots may stand there when the result is 0 for want of memory
+ *  @param a_dTolerance an eigenvalue counts as real if its imaginary part is below this in absolute value; with 0, a
+ *                     negative value or NaN only the roots 0 of trailing zeros are reported
+ *  @return the number of roots written, each as often as it was found: first those that are exactly 0 by trailing
+ *          zeros, then the others in no particular order; RET_IMPOSSIBLE for a constant other than 0 and
+ *          RET_INDETERMINATE for all coefficients 0, a_vdRoots untouched; 0 if scratch memory cannot be had. */
+NUV1MATH_API int Roots(unsigned int iDegree, const double* vdA, double* a_vdRoots, double a_dTolerance);
+
+/** @} */
+
+/** @name Trigonometric equations
+ *  Angles are in [0, 2 pi], both ends included; -0.0 occurs. Coefficients are compared exactly. @{ */
+
+/** The angles t that solve a cos(t) + b sin(t) + c = 0.
+ *
+ *  Limits: near a tangent solution, where a^2 + b^2 is close to c^2, rounding decides between no, one and two angles.
+ *  A tangent solution is found twice if a = 0 (b sin(t) = -c with |c| = |b|) and once otherwise.
+ *
+ *  Method: asin, acos or atan2 where a coefficient is 0; otherwise the quadratic (c - a) u^2 + 2 b u + (a + c) = 0 in u
+ *  = tan(t/2), solved without cancellation.
+ *
+ *  @param a_dA       a
+ *  @param a_dB       b
+ *  @param a_dC       c
+ *  @param a_vdAngles out: the angles, room for 2; ascending, except for a = 0 or c = 0 (where the two differ in the
+ *                    sign of a cosine or lie opposite to each other)
+ *  @return the number of angles written, 0 to 2; RET_INDETERMINATE if a = b = c = 0 (every angle solves);
+ *          RET_IMPOSSIBLE if there is no solution and a or b is 0. If neither is 0, no solution is told by the count 0.
+ *          a_vdAngles is untouched if the result is not positive. */
+NUV1MATH_API int SolveLinTrig(double a_dA, double a_dB, double a_dC, double* const a_vdAngles);
+
+/** The angles t that solve a cos^2(t) + b sin^2(t) + c sin(t) cos(t) + d cos(t) + e sin(t) + f = 0.
+ *
+ *  Limits: where a quartic is solved (d or e not 0, and c not 0 or a not equal to b), the limits of the polynomial
+ *  Roots hold: **tangent solutions, which are double roots, can be missed or found twice at a distance of about 1e-8,
+ *  and angles can be missed where the iteration gives up.** Put the angles back into the equation if it matters.
+ *
+ *  Method: a product of linear factors or a quadratic in tan(t) if d = e = 0; the linear equation if c = 0 and a = b;
+ *  otherwise a quartic in tan(t/2), its roots with an imaginary part below 1e-6. The angles are sorted, and those
+ *  within 1e-12 of the first of their group are dropped.
+ *
+ *  @param a_dA       a
+ *  @param a_dB       b
+ *  @param a_dC       c
+ *  @param a_dD       d
+ *  @param a_dE       e
+ *  @param a_dF       f
+ *  @param a_vdAngles out: the angles, ascending, room for 4; what stands beyond the count is of no meaning
+ *  @return the number of different angles written, 0 to 4; RET_INDETERMINATE if every angle solves (told for d = e = 0
+ *          and for c = 0, a = b only); RET_IMPOSSIBLE if there is no solution, the equation is linear (c = 0, a = b)
+ *          and d or e is 0; otherwise no solution is told by the count 0. */
+NUV1MATH_API int SolveQuadTrig(double a_dA, double a_dB, double a_dC, double a_dD, double a_dE, double a_dF,
+                               double* const a_vdAngles);
+
+/** @} */
+
+/** @name Random numbers
+ *  **One state for the whole process, shared by all threads and not locked:** callers that draw from several threads
+ *  serialise their calls. Loading the library seeds it with -1, so every process starts with the same sequence. Not for
+ *  cryptography.
+ *
+ *  Method: three linear congruential generators (moduli 259200, 134456, 243000), two of which form a value and the
+ *  third of which draws from a table of 97. Source: C. Bays, S. D. Durham, ACM Trans. Math. Softw. 2 (1976) 59-64; for
+ *  the normal deviates G. Marsaglia, T. A. Bray, SIAM Rev. 6 (1964) 260-264. @{ */
+
+/** Restarts the sequence of uniform numbers. A normal number that waits from an earlier Randn is not dropped: the next
+ *  Randn still returns it.
+ *
+ *  @param a_iSeed any value; there are fewer sequences (at most 518399) than seeds, so different seeds can give the
+ *                 same one */
+NUV1MATH_API void SetRandomSeed(int a_iSeed);
+
+/** A uniform random number.
+ *
+ *  @return a value of [0, 1) */
+NUV1MATH_API double Rand();
+
+/** A uniform random number between two bounds: (high - low) Rand() + low.
+ *
+ *  @param a_dLow  low; may be greater than high
+ *  @param a_dHigh high
+ *  @return a value from low on towards high; high itself can come by rounding */
+NUV1MATH_API double Rand(double a_dLow, double a_dHigh);
+
+/** A random number of the standard normal distribution. Two are made at a time: every second call returns the second.
+ *
+ *  @return a value of mean 0 and standard deviation 1 */
+NUV1MATH_API double Randn();
+
+/** A random number of a normal distribution: Randn() sigma + mean.
+ *
+ *  @param a_dMean  mean
+ *  @param a_dSigma sigma: standard deviation
+ *  @return the value */
+NUV1MATH_API double Randn(double a_dMean, double a_dSigma);
 
 /** @} */
 

@@ -1,0 +1,127 @@
+// random.cpp: uniform and normal pseudo-random numbers.
+// Copyright (c) 2026 the nuv1math authors
+// SPDX-License-Identifier: MIT
+
+#include "functionsimp.h"
+#include "nuv1math.h"
+
+namespace nuv {
+
+// ---------------------------------------------------------------------------------------------------------------------
+// Random numbers
+//
+// Model      Three linear congruential generators ix <- (a ix + c) mod m.
+// Method     Uniform: the first generator gives the coarse part of a value and the second what lies between its steps;
+//            the third draws a value from a table of 97, which is then replaced (Bays-Durham shuffle).
+//            Normal: polar method, two deviates at a time; the second waits for the next call.
+// Special    Seeds whose distance from the first increment is negative or overflows run through the unsigned
+//            arithmetic and end below the moduli too.
+// Order      All integer arithmetic is unsigned, 32 bits; once below its modulus no product overflows (7141 * 259199 is
+//            below 2^31).
+// Source     C. Bays, S. D. Durham, Improving a poor random number generator, ACM Trans. Math. Softw. 2 (1976) 59-64;
+//            G. Marsaglia, T. A. Bray, A convenient method for generating normal variables, SIAM Rev. 6 (1964) 260-264.
+// ---------------------------------------------------------------------------------------------------------------------
+
+static const unsigned int MULTIPLIER_1 = 7141;
+static const unsigned int INCREMENT_1 = 54773;
+static const unsigned int MODULUS_1 = 259200;
+static const unsigned int MULTIPLIER_2 = 8121;
+static const unsigned int INCREMENT_2 = 28411;
+static const unsigned int MODULUS_2 = 134456;
+static const unsigned int MULTIPLIER_3 = 4561;
+static const unsigned int INCREMENT_3 = 51349;
+static const unsigned int MODULUS_3 = 243000;
+static const double SCALE_1 = 3.858024691358025e-06; // the double nearest to 1/259200
+static const double SCALE_2 = 7.437377283274826e-06; // the double nearest to 1/134456
+
+enum
+{
+    SHUFFLED = 97 // table entries that are drawn from, 1 to 97; entry 0 is filled and never read
+};
+
+// The state: one for the process, not locked, the library's only writable data. Zero until the library's entry seeds
+// it at load.
+struct TRandomState
+{
+    unsigned int ix1;
+    unsigned int ix2;
+    unsigned int ix3;
+    double shuffleTable[SHUFFLED + 1];
+    bool hasSpareNormal;
+    double spareNormal; // the second normal deviate of a pair; survives a new seed
+};
+
+static TRandomState g_State;
+
+static void Advance(unsigned int a_iMultiplier, unsigned int a_iIncrement, unsigned int a_iModulus, unsigned int& ix)
+{
+    ix = (a_iMultiplier * ix + a_iIncrement) % a_iModulus;
+}
+
+// Advances the first two generators and combines them into a value of [0, 1).
+static double NextEntry()
+{
+    Advance(MULTIPLIER_1, INCREMENT_1, MODULUS_1, g_State.ix1);
+    Advance(MULTIPLIER_2, INCREMENT_2, MODULUS_2, g_State.ix2);
+    return (static_cast<double>(g_State.ix2) * SCALE_2 + static_cast<double>(g_State.ix1)) * SCALE_1;
+}
+
+void SetRandomSeed(int a_iSeed)
+{
+    // Subtracted as unsigned, because the difference can overflow; the remainder is that of the signed difference.
+    const int iDistance = static_cast<int>(INCREMENT_1 - static_cast<unsigned int>(a_iSeed));
+    g_State.ix1 = static_cast<unsigned int>(iDistance % static_cast<int>(MODULUS_1));
+    Advance(MULTIPLIER_1, INCREMENT_1, MODULUS_1, g_State.ix1);
+    g_State.ix2 = g_State.ix1 % MODULUS_2;
+    Advance(MULTIPLIER_1, INCREMENT_1, MODULUS_1, g_State.ix1);
+    g_State.ix3 = g_State.ix1 % MODULUS_3;
+    for (int i = 0; i <= SHUFFLED; ++i)
+    {
+        g_State.shuffleTable[i] = NextEntry();
+    }
+}
+
+double Rand()
+{
+    const double dNext = NextEntry();
+    Advance(MULTIPLIER_3, INCREMENT_3, MODULUS_3, g_State.ix3);
+    double& dEntry = g_State.shuffleTable[1 + SHUFFLED * g_State.ix3 / MODULUS_3];
+    const double dDrawn = dEntry;
+    dEntry = dNext;
+    return dDrawn;
+}
+
+double Rand(double a_dLow, double a_dHigh)
+{
+    const double dUniform = Rand();
+    return (a_dHigh - a_dLow) * dUniform + a_dLow;
+}
+
+double Randn()
+{
+    if (g_State.hasSpareNormal)
+    {
+        g_State.hasSpareNormal = false;
+        return g_State.spareNormal;
+    }
+    double dX;
+    double dY;
+    double dS;
+    do // a point of the unit disc without its centre
+    {
+        dX = 2.0 * Rand() - 1.0;
+        dY = 2.0 * Rand() - 1.0;
+        dS = dY * dY + dX * dX;
+    } while (!(dS < 1.0) || dS == 0.0);
+    const double dFactor = sqrt(log(dS) / dS * -2.0);
+    g_State.spareNormal = dFactor * dX;
+    g_State.hasSpareNormal = true;
+    return dFactor * dY;
+}
+
+double Randn(double a_dMean, double a_dSigma)
+{
+    return Randn() * a_dSigma + a_dMean;
+}
+
+} // namespace nuv
