@@ -16,6 +16,7 @@ import unittest
 ROOT = pathlib.Path(__file__).resolve().parent.parent
 SOURCES = ROOT / "nuv/nuv1math/src"
 HEADERS = ROOT / "nuv/nuv_math/include"
+BUILD = os.environ["NUV1MATH_BUILD"]
 LIBRARY = os.environ["NUV1MATH_LIBRARY"]
 FMA_LIBRARY = os.environ.get("NUV1MATH_FMA_LIBRARY")
 FUSED_INSTRUCTION = re.compile(r"\bvfn?m(add|sub)")
@@ -66,6 +67,32 @@ class BuiltLibrary(unittest.TestCase):
                                     output=compiled)
             self.assertEqual(result.returncode, 0)
             self.assertRegex(output_of("objdump", "-d", compiled), FUSED_INSTRUCTION)
+
+
+class Consumer(unittest.TestCase):
+    """A project that uses the installed library: the example of the README."""
+
+    PROJECT = """
+        cmake_minimum_required(VERSION 3.25)
+        project(consumer LANGUAGES CXX)
+        find_package(nuv1math 0.1 REQUIRED)
+        add_executable(consumer consumer.cpp)
+        target_link_libraries(consumer PRIVATE nuv::nuv1math)
+    """
+
+    def test_readme_example_prints_what_the_readme_says(self):
+        readme = (ROOT / "README.md").read_text()
+        example, printed = re.search(r"```cpp\n(.*?)```\s*```text\n(.*?)```", readme, re.DOTALL).groups()
+        self.assertLessEqual(len(example.splitlines()), 15)
+        with tempfile.TemporaryDirectory() as folder:
+            prefix, source, build = (pathlib.Path(folder, name) for name in ("prefix", "source", "build"))
+            output_of("cmake", "--install", BUILD, "--prefix", prefix)
+            source.mkdir()
+            (source / "CMakeLists.txt").write_text(self.PROJECT)
+            (source / "consumer.cpp").write_text(example)
+            output_of("cmake", "-S", source, "-B", build, f"-DCMAKE_PREFIX_PATH={prefix}")
+            output_of("cmake", "--build", build)
+            self.assertEqual(output_of(build / "consumer"), printed)
 
 
 class Sources(unittest.TestCase):
