@@ -13,8 +13,8 @@ namespace nuv {
 // Model      a11 x + a12 y = b1, a21 x + a22 y = b2.
 // Method     Cramer's rule with one division.
 // Special    A determinant within the degeneracy tolerance: only the numerator of x decides whether the system counts
-//            as indeterminate or impossible. That of y is left out, and callers rely on it: all coefficients 0 with
-//            b1 = 0 is indeterminate whatever b2. A NaN determinant is no zero and gives NaN.
+//            as indeterminate or impossible. That of y is left out, and is kept so: all coefficients 0 are
+//            indeterminate whatever the right-hand side. A NaN determinant is no zero and gives NaN.
 // ---------------------------------------------------------------------------------------------------------------------
 
 int Roots(double a_dA11, double a_dA12, double a_dA21, double a_dA22, double a_dB1, double a_dB2, double& a_dX,

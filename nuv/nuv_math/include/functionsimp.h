@@ -68,7 +68,7 @@ inline double CalcHypot(double a_dA, double a_dB)
 // NaN included, is reported and ends the process.
 inline double ReduceToPeriod(double x, double y)
 {
-    // The text of the condition is part of the report.
+    // The text of the condition is part of the report, hence the plain names.
     // clang-format off
     NUV_ASSERT_AT("nuv\\nuv_math\\include\\functionsimp.h", 254, y>0);
     // clang-format on
