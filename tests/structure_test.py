@@ -115,6 +115,9 @@ class Sources(unittest.TestCase):
     def test_refuse_fast_math(self):
         result = compile_source("g++", "c++98", SOURCES / "affine.cpp", "-ffast-math")
         self.assertIn("must not be compiled with fast-math", result.stderr)
+        for part in ("-ffinite-math-only", "-freciprocal-math"):
+            result = compile_source("g++", "c++98", SOURCES / "affine.cpp", part)
+            self.assertIn("or a part of it", result.stderr)
 
     def test_refuse_excess_precision(self):
         result = compile_source("g++", "c++98", SOURCES / "affine.cpp", "-mfpmath=387")
