@@ -63,16 +63,18 @@ TEST(AssertionReport, EndsTheProcessWithoutRunningExitHandlers)
 
 TEST(AssertionReport, EndsTheProcessWithCodeZeroWhereStandardErrorIsAClosedPipe)
 {
-    const TChildEnd End = RunInChild([] {
-        int viPipe[2];
-        if (pipe(viPipe) != 0)
+    const TChildEnd End = RunInChild(
+        []
         {
-            _exit(1);
-        }
-        close(viPipe[0]);
-        dup2(viPipe[1], STDERR_FILENO);
-        UntransformImpossiblePoint();
-    });
+            int viPipe[2];
+            if (pipe(viPipe) != 0)
+            {
+                _exit(1);
+            }
+            close(viPipe[0]);
+            dup2(viPipe[1], STDERR_FILENO);
+            UntransformImpossiblePoint();
+        });
     EXPECT_EQ(0, End.iExitCode);
 }
 

@@ -18,8 +18,7 @@ namespace nuv {
 // Method     Column by column: L(i,i) = sqrt(N(i,i) - sum L(i,k)^2), L(j,i) = (N(j,i) - sum L(j,k) L(i,k)) / L(i,i)
 //            with one reciprocal per column. No pivoting and no tolerance.
 // Special    A negative or NaN radicand fails; one of exactly 0 passes: its column becomes infinite or NaN, and the
-// next
-//            radicand fails.
+//            next radicand fails.
 // Order      Products first, then added or subtracted one at a time. A diagonal takes the squares of its row from the
 //            one next to the diagonal back to the first; every other element takes its products from the first column
 //            on. The forward substitution runs ascending, the backward one descending, and both divide by the

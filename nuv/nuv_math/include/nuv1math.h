@@ -179,15 +179,15 @@ NUV1MATH_API bool CalcCoefs(int a_iPoints, const double* a_vdX, const double* a_
  *  of squared residuals in X and Y. It keeps the orientation; CalcCoefs offers the reversing one.
  *
  *  Limits: with all target points equal it returns 1 with A and B zero or rounding noise; unless a_bRigidInverse is
- *  set, the inverse fields are then NaN, infinite or meaningless. The test for equal source points is absolute: it also
- * rejects a spread below about 1e-6 units, and it can miss equal points of so large coordinates that their mean is
- * rounded by more than that (three times 1e11 + 0.1).
+ *  set, the inverse fields are then NaN, infinite or meaningless. The test for equal source points is absolute: it
+ *  also ejects a spread below about 1e-6 units, and it can miss equal points of so large coordinates that their mean
+ *  is ounded by more than that (three times 1e11 + 0.1).
  *
  *  Method: closed form about the centroids. With centred coordinates, S = sum(dx^2 + dy^2), A = sum(dX dx + dY dy)/S,
  *  B = sum(dX dy - dY dx)/S; a common offset of the coordinates costs only the rounding of the means, which grows with
- *  the offset and the number of points. Source: the four-parameter
- *  (Helmert) transformation, as in C. D. Ghilani, Adjustment Computations, chapter on coordinate transformations; and
- *  S. Umeyama, IEEE Trans. Pattern Anal. Mach. Intell. 13 (1991) 376-380, for the same minimum in any dimension.
+ *  the offset and the number of points. Source: the four-parameter (Helmert) transformation, as in C. D. Ghilani,
+ *  Adjustment Computations, chapter on coordinate transformations; and S. Umeyama, IEEE Trans. Pattern Anal. Mach.
+ *  Intell. 13 (1991) 376-380, for the same minimum in any dimension.
  *
  *  @param a_iPoints       number of control points, at least 2
  *  @param a_vdX           x of the points in the source system, a_iPoints values
@@ -211,10 +211,10 @@ NUV1MATH_API int CalcConformalCoefs(unsigned int a_iPoints, const double* a_vdX,
  *  determinant ae - db of the result does not tell it; compared with the squares of the coefficients it tells a
  *  collapsed *target*.
  *
- *  Method: normal equations in coordinates centred on the means, so that a common offset
- *  costs no more than the rounding of the coordinates; 3x3
- *  Gaussian elimination with row pivoting, in which an exactly zero pivot becomes 1e-14. Source: G. H. Golub, C. F. Van
- *  Loan, Matrix Computations, 4th ed., sections 3.4 (elimination) and 5.3 (normal equations).
+ *  Method: normal equations in coordinates centred on the means, so that a common offset costs no more than the
+ *  rounding of the coordinates; 3x3 Gaussian elimination with row pivoting, in which an exactly zero pivot becomes
+ *  1e-14. Source: G. H. Golub, C. F. Van Loan, Matrix Computations, 4th ed., sections 3.4 (elimination) and 5.3
+ *  (normal equations).
  *
  *  @param a_iPoints number of control points, at least 3
  *  @param a_vdX     x of the points in the source system, a_iPoints values
@@ -231,12 +231,11 @@ NUV1MATH_API int CalcAffineCoefs(unsigned int a_iPoints, const double* a_vdX, co
  *
  *  Limits: **coordinates are taken as they are, without centring or scaling.** Where the offset of the source or
  *  target coordinates from their origin exceeds some thousand times their extent, the result can be useless and still
- *  1, or RET_INDETERMINATE for points that determine a transformation well: subtract a local origin from both
- *  systems before the fit, as examples/fitpoints does. The constant of the denominator is fixed at 1 (see
- *  TOmographicParams): four points of a transformation that takes the source origin to infinity can give 1 with eight
- *  NaN, or with finite coefficients that fit no point. Points that do not determine the
- *  eight coefficients (fewer than four with no three on a line) may be reported, or give 1 with arbitrary values.
- *  Test the result for finiteness and look at the residuals.
+ *  1, or RET_INDETERMINATE for points that determine a transformation well: subtract a local origin from both systems
+ *  before the fit, as examples/fitpoints does. The constant of the denominator is fixed at 1 (see TOmographicParams):
+ *  four points of a transformation that takes the source origin to infinity can give 1 with eight NaN, or with finite
+ *  coefficients that fit badly. Points that do not determine the eight coefficients (fewer than four with no three on
+ *  a line) may be reported, or give 1 with arbitrary values. Test the result for finiteness and look at the residuals.
  *
  *  Method: the equations multiplied out by the denominator, X = Ax + By + C - GXx - HXy and the like for Y, are linear
  *  in the eight coefficients and solved by normal equations (UpdateNormMatrixLowTri, CholeskyLowTri, SolveCholLowTri);
