@@ -180,8 +180,8 @@ NUV1MATH_API bool CalcCoefs(int a_iPoints, const double* a_vdX, const double* a_
  *
  *  Limits: with all target points equal it returns 1 with A and B zero or rounding noise; unless a_bRigidInverse is
  *  set, the inverse fields are then NaN, infinite or meaningless. The test for equal source points is absolute: it
- *  also ejects a spread below about 1e-6 units, and it can miss equal points of so large coordinates that their mean
- *  is ounded by more than that (three times 1e11 + 0.1).
+ *  also rejects a spread below about 1e-6 units, and it can miss equal points of so large coordinates that their mean
+ *  is rounded by more than that (three times 1e11 + 0.1).
  *
  *  Method: closed form about the centroids. With centred coordinates, S = sum(dx^2 + dy^2), A = sum(dX dx + dY dy)/S,
  *  B = sum(dX dy - dY dx)/S; a common offset of the coordinates costs only the rounding of the means, which grows with
