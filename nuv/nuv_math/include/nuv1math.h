@@ -46,15 +46,15 @@
  *  @par The same bits everywhere
  *  Every operation is a double operation in a fixed order, without contraction or excess precision. So results made of
  *  + - * / and sqrt are the same bits on every platform, provided that the calling thread rounds to nearest and does
- * not flush subnormal numbers to zero (as programs linked with fast-math can). A NaN is a NaN everywhere, but its sign
- * and payload differ. Functions that take or return angles depend on the platform's sin, cos, tan, atan and atan2,
- * which differ in the last place or two.
+ *  not flush subnormal numbers to zero (as programs linked with fast-math can). A NaN is a NaN everywhere, but its sign
+ *  and payload differ. Functions that take or return angles depend on the platform's sin, cos, tan, atan and atan2,
+ *  which differ in the last place or two.
  *
  *  @par Broken invariants
  *  A few checks guard what must hold whatever the caller passes, and one guards a promise of the caller
  *  (AffineUntransform). A check that fails shows "<source>:<line> assertion failure:\n<condition>" in a message box (on
  *  POSIX systems on standard error, and waits for a line if standard input is a terminal) and then ends the process
- * with exit code 0.
+ *  with exit code 0.
  *
  *  @par Units
  *  Angles are in radians and grow counter-clockwise from the x axis towards the y axis. Coordinates are in the
@@ -116,7 +116,7 @@ struct TConformalCoefs
  *
  *  Limit: the constant of W is fixed at 1, so a transformation that takes the source origin to infinity (W = 0 at
  *  x = y = 0) has no such record, and one whose vanishing line W = 0 runs close by the source origin has coefficients
- * of unbounded size. With the source origin in the middle of the control points a transformation that is finite over
+ *  of unbounded size. With the source origin in the middle of the control points a transformation that is finite over
  *  their area has neither trouble. At a point with W = 0 the formulas give an infinity or NaN. */
 struct TOmographicParams
 {
@@ -262,8 +262,8 @@ NUV1MATH_API int CalcOmographicCoefs(int a_iPoints, const double* a_vdX, const d
  *  Geometric parameters: sx, the scale along the source x axis; theta, the rotation of its image; sy, the scale along
  *  the source y axis, measured across the image of the x axis; phi, the skew: for sx, sy > 0 and |phi| < pi/2 the image
  *  of the y axis leans by phi from the perpendicular towards the image of the x axis, and has length sy/cos(phi); tx
- * and ty, the translations. a = sx cos(theta), b = sy (cos(theta) tan(phi) - sin(theta)), c = tx, d = sx sin(theta), e
- * = sy (sin(theta) tan(phi) + cos(theta)), f = ty. @{ */
+ *  and ty, the translations. a = sx cos(theta), b = sy (cos(theta) tan(phi) - sin(theta)), c = tx, d = sx sin(theta), e
+ *  = sy (sin(theta) tan(phi) + cos(theta)), f = ty. @{ */
 
 /** Affine coefficients from geometric parameters. A skew of +-pi/2 is not refused: tan(phi), about 1.6e16 there, enters
  *  b and e like any other value.
