@@ -25,7 +25,10 @@ DIALECTS = [(compiler, standard) for compiler in ("g++", "clang++") for standard
 
 
 def output_of(*command):
-    return subprocess.run(command, check=True, capture_output=True, text=True).stdout
+    result = subprocess.run(command, capture_output=True, text=True)
+    if result.returncode != 0:
+        raise AssertionError(f"{command} ended with {result.returncode}:\n{result.stdout}{result.stderr}")
+    return result.stdout
 
 
 def compile_source(compiler, standard, source, *options, output=os.devnull):
@@ -90,7 +93,7 @@ class Consumer(unittest.TestCase):
             source.mkdir()
             (source / "CMakeLists.txt").write_text(self.PROJECT)
             (source / "consumer.cpp").write_text(example)
-            output_of("cmake", "-S", source, "-B", build, f"-DCMAKE_PREFIX_PATH={prefix}")
+            output_of("cmake", "-G", "Ninja", "-S", source, "-B", build, f"-DCMAKE_PREFIX_PATH={prefix}")
             output_of("cmake", "--build", build)
             self.assertEqual(output_of(build / "consumer"), printed)
 
