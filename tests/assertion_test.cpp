@@ -61,6 +61,23 @@ TEST(AssertionReport, EndsTheProcessWithoutRunningExitHandlers)
     EXPECT_EQ(0, End.iExitCode);
 }
 
+TEST(AssertionReport, EndsTheProcessWithCodeZeroWhereStandardErrorIsAClosedPipe)
+{
+    const TChildEnd End = RunInChild(
+        []
+        {
+            int viPipe[2];
+            if (pipe(viPipe) != 0)
+            {
+                _exit(1);
+            }
+            close(viPipe[0]);
+            dup2(viPipe[1], STDERR_FILENO);
+            UntransformImpossiblePoint();
+        });
+    EXPECT_EQ(0, End.iExitCode);
+}
+
 TEST(AssertionReport, AtATerminalRetryAndCancelBothEndTheProcess)
 {
     for (const char* szAnswer : {"Retry\n", "Cancel\n", "\n"})

@@ -16,6 +16,7 @@ import unittest
 ROOT = pathlib.Path(__file__).resolve().parent.parent
 SOURCES = ROOT / "nuv/nuv1math/src"
 HEADERS = ROOT / "nuv/nuv_math/include"
+BUILD = os.environ["NUV1MATH_BUILD"]
 LIBRARY = os.environ["NUV1MATH_LIBRARY"]
 FMA_LIBRARY = os.environ.get("NUV1MATH_FMA_LIBRARY")
 FUSED_INSTRUCTION = re.compile(r"\bvfn?m(add|sub)")
@@ -24,7 +25,10 @@ DIALECTS = [(compiler, standard) for compiler in ("g++", "clang++") for standard
 
 
 def output_of(*command):
-    return subprocess.run(command, check=True, capture_output=True, text=True).stdout
+    result = subprocess.run(command, capture_output=True, text=True)
+    if result.returncode != 0:
+        raise AssertionError(f"{command} ended with {result.returncode}:\n{result.stdout}{result.stderr}")
+    return result.stdout
 
 
 def compile_source(compiler, standard, source, *options, output=os.devnull):
@@ -68,6 +72,32 @@ class BuiltLibrary(unittest.TestCase):
             self.assertRegex(output_of("objdump", "-d", compiled), FUSED_INSTRUCTION)
 
 
+class Consumer(unittest.TestCase):
+    """A project that uses the installed library: the example of the README."""
+
+    PROJECT = """
+        cmake_minimum_required(VERSION 3.25)
+        project(consumer LANGUAGES CXX)
+        find_package(nuv1math 0.1 REQUIRED)
+        add_executable(consumer consumer.cpp)
+        target_link_libraries(consumer PRIVATE nuv::nuv1math)
+    """
+
+    def test_readme_example_prints_what_the_readme_says(self):
+        readme = (ROOT / "README.md").read_text()
+        example, printed = re.search(r"```cpp\n(.*?)```\s*```text\n(.*?)```", readme, re.DOTALL).groups()
+        self.assertLessEqual(len(example.splitlines()), 15)
+        with tempfile.TemporaryDirectory() as folder:
+            prefix, source, build = (pathlib.Path(folder, name) for name in ("prefix", "source", "build"))
+            output_of("cmake", "--install", BUILD, "--prefix", prefix)
+            source.mkdir()
+            (source / "CMakeLists.txt").write_text(self.PROJECT)
+            (source / "consumer.cpp").write_text(example)
+            output_of("cmake", "-G", "Ninja", "-S", source, "-B", build, f"-DCMAKE_PREFIX_PATH={prefix}")
+            output_of("cmake", "--build", build)
+            self.assertEqual(output_of(build / "consumer"), printed)
+
+
 class Sources(unittest.TestCase):
     def test_compile_without_a_warning(self):
         for compiler, standard in DIALECTS:
@@ -88,6 +118,9 @@ class Sources(unittest.TestCase):
     def test_refuse_fast_math(self):
         result = compile_source("g++", "c++98", SOURCES / "affine.cpp", "-ffast-math")
         self.assertIn("must not be compiled with fast-math", result.stderr)
+        for part in ("-ffinite-math-only", "-freciprocal-math"):
+            result = compile_source("g++", "c++98", SOURCES / "affine.cpp", part)
+            self.assertIn("or a part of it", result.stderr)
 
     def test_refuse_excess_precision(self):
         result = compile_source("g++", "c++98", SOURCES / "affine.cpp", "-mfpmath=387")

@@ -101,8 +101,38 @@ template <class TRecord>::testing::AssertionResult SameRecord(const TRecord& a_E
     return ::testing::AssertionSuccess();
 }
 
+// True if a_dActual lies within a_dUlps units in the last place of the reference, which comes in extended precision
+// where the platform has one. For what goes through the platform's trigonometric functions.
+inline ::testing::AssertionResult WithinUlps(long double a_dReference, double a_dActual, double a_dUlps)
+{
+    const double dNearest = std::fabs(static_cast<double>(a_dReference));
+    const long double dUlp = std::nextafter(dNearest, Inf) - dNearest;
+    const long double dError = std::fabs(a_dActual - a_dReference) / dUlp;
+    if (dError <= a_dUlps)
+    {
+        return ::testing::AssertionSuccess();
+    }
+    return ::testing::AssertionFailure() << HexText(a_dActual) << " is " << static_cast<double>(dError) << " units off "
+                                         << HexText(static_cast<double>(a_dReference));
+}
+
+// Control points: x and y in the source system, X and Y in the target system.
+struct TControlPoints
+{
+    std::vector<double> vdX;
+    std::vector<double> vdY;
+    std::vector<double> vdXa;
+    std::vector<double> vdYa;
+
+    int Count() const
+    {
+        return static_cast<int>(vdX.size());
+    }
+};
+
 } // namespace nuv_tests
 
 #define EXPECT_SAME_BITS(a_Expected, a_Actual) EXPECT_PRED_FORMAT2(::nuv_tests::SameBitsResult, a_Expected, a_Actual)
+#define ASSERT_SAME_BITS(a_Expected, a_Actual) ASSERT_PRED_FORMAT2(::nuv_tests::SameBitsResult, a_Expected, a_Actual)
 
 #endif // NUV_TESTS_TESTING_H

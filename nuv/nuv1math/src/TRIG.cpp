@@ -5,6 +5,8 @@
 #include "functionsimp.h"
 #include "nuv1math.h"
 
+#include <math.h>
+
 namespace nuv {
 
 static const double ANGLE_PI = 3.141592653589793;       // the doubles nearest to pi,
@@ -30,8 +32,8 @@ enum
 };
 
 // Real roots of A u^2 + B u + C = 0, not ordered: 0, 1 or 2; if A = 0 also RET_IMPOSSIBLE (C != 0) or RET_INDETERMINATE
-// for a constant. The two roots are (-B -+ q)/(2A) with the sign of the sum that does not cancel, and C/(A u): W. H.
-// Kahan's form of the formula.
+// for a constant. With D = B^2 - 4AC one root is (-B -+ sqrt(D))/(2A), the sign being that which does not cancel, and
+// the other is C/A over it: W. Kahan's form of the formula.
 static int SolveQuadratic(double a_dA, double a_dB, double a_dC, double* a_pRoot1, double* a_pRoot2)
 {
     if (a_dA == 0.0)
@@ -234,7 +236,7 @@ static int SolveByTangent(double a_dP, double a_dC, double a_dQ, double* a_vdAng
     // clang-format on
     for (int i = 0; i < iRet; ++i)
     {
-        StoreOpposites(atan(vdTangents[i]), a_vdAngles + 2 * i);
+        StoreOpposites(atan(vdTangents[i]), &a_vdAngles[2 * i]);
     }
     return 2 * iRet;
 }
@@ -252,7 +254,7 @@ static int SolveByQuartic(double a_dA, double a_dB, double a_dC, double a_dD, do
     }
     double vdTangents[4];
     const int iRoots = Roots(4, vdQuartic, vdTangents, QUARTIC_TOLERANCE);
-    // Infinite a_dD = a_dA + a_dF leave a_dA quartic beside pi: no more angles than the caller has room for.
+    // A guard: with d = a + f the quartic has lost its first term, so there are three roots at most beside pi.
     for (int i = 0; i < iRoots && iCount < QUADRATIC_ANGLES; ++i)
     {
         a_vdAngles[iCount] = AngleOfHalfTangent(vdTangents[i]);

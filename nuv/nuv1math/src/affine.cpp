@@ -7,6 +7,8 @@
 #include "functionsimp.h"
 #include "nuv1math.h"
 
+#include <limits>
+#include <math.h>
 #include <stddef.h>
 
 namespace nuv {
@@ -113,27 +115,6 @@ void AffineUntransform(const TAffineCoefs& a_Coefs, double a_dXa, double a_dYa, 
 
 static const double PIVOT_REPLACEMENT = 1e-14; // stands for a pivot of exactly 0
 
-void CalcMean(unsigned int a_iCount, const double* a_vdValues, double& a_dMean)
-{
-    a_dMean = 0.0;
-    if (a_iCount == 0)
-    {
-        return;
-    }
-    unsigned int i = 0;
-    double dSum = 0.0;
-    if (a_iCount % 2 != 0) // an odd count starts as its first value, which keeps the sign of a sum of zeros
-    {
-        dSum = a_vdValues[0];
-        i = 1;
-    }
-    for (; i < a_iCount; ++i)
-    {
-        dSum = a_vdValues[i] + dSum;
-    }
-    a_dMean = dSum / static_cast<double>(a_iCount);
-}
-
 int MaxAbsIndex(int a_iN, const double* a_vdX, int a_iIncX)
 {
     if (a_iN < 1)
@@ -195,7 +176,7 @@ int SolveUpperTri(int a_iN, const double* a_vdU, int a_iLdu, const double* a_vdB
     }
     if (!bConsistent)
     {
-        // Forward from the last element, by long-standing behaviour; SolveGauss never comes here.
+        // From the last element forward, not backward: the documented mark of a failure. SolveGauss never comes here.
         for (ptrdiff_t i = 0; i < a_iN; ++i)
         {
             a_vdX[(iLast + i) * iIncX] = std::numeric_limits<double>::infinity();
@@ -204,6 +185,8 @@ int SolveUpperTri(int a_iN, const double* a_vdU, int a_iLdu, const double* a_vdB
     }
     return 1;
 }
+
+namespace {
 
 // The system under elimination: element (i, j) of A at j*lda + i, of B at j*ldb + i.
 struct TGaussSystem
@@ -215,6 +198,8 @@ struct TGaussSystem
     double* vdB;
     ptrdiff_t iLdb;
 };
+
+} // namespace
 
 // Swaps rows k and p of A from column k on (only zeros are left of it) and of every right-hand side.
 static void SwapRows(const TGaussSystem& a_System, ptrdiff_t k, ptrdiff_t p)
@@ -309,6 +294,53 @@ int SolveGauss(int a_iN, int a_iNrhs, double* a_vdA, int a_iLda, double* a_vdB, 
 }
 
 // ---------------------------------------------------------------------------------------------------------------------
+// Means
+// ---------------------------------------------------------------------------------------------------------------------
+
+namespace {
+
+// The means of the four coordinate arrays.
+struct TMeans
+{
+    double dX;  // of x
+    double dY;  // of y
+    double dXa; // of X
+    double dYa; // of Y
+};
+
+} // namespace
+
+void CalcMean(unsigned int a_iCount, const double* a_vdValues, double& a_dMean)
+{
+    a_dMean = 0.0;
+    if (a_iCount == 0)
+    {
+        return;
+    }
+    unsigned int i = 0;
+    double dSum = 0.0;
+    if (a_iCount % 2 != 0) // an odd count starts as its first value, which keeps the sign of a sum of zeros
+    {
+        dSum = a_vdValues[0];
+        i = 1;
+    }
+    for (; i < a_iCount; ++i)
+    {
+        dSum = a_vdValues[i] + dSum;
+    }
+    a_dMean = dSum / static_cast<double>(a_iCount);
+}
+
+static void CalcMeans(unsigned int a_iPoints, const double* a_vdX, const double* a_vdY, const double* a_vdXa,
+                      const double* a_vdYa, TMeans& a_Means)
+{
+    CalcMean(a_iPoints, a_vdX, a_Means.dX);
+    CalcMean(a_iPoints, a_vdY, a_Means.dY);
+    CalcMean(a_iPoints, a_vdXa, a_Means.dXa);
+    CalcMean(a_iPoints, a_vdYa, a_Means.dYa);
+}
+
+// ---------------------------------------------------------------------------------------------------------------------
 // Affine fit
 //
 // Model      sum (a x + b y + c - X)^2 and sum (d x + e y + f - Y)^2 are least, each by itself.
@@ -324,24 +356,6 @@ int SolveGauss(int a_iN, int a_iNrhs, double* a_vdA, int a_iLda, double* a_vdB, 
 // ---------------------------------------------------------------------------------------------------------------------
 
 static const unsigned int AFFINE_MINIMUM_POINTS = 3;
-
-// The means of the four coordinate arrays.
-struct TMeans
-{
-    double dX;  // of x
-    double dY;  // of y
-    double dXa; // of X
-    double dYa; // of Y
-};
-
-static void CalcMeans(unsigned int a_iPoints, const double* a_vdX, const double* a_vdY, const double* a_vdXa,
-                      const double* a_vdYa, TMeans& a_Means)
-{
-    CalcMean(a_iPoints, a_vdX, a_Means.dX);
-    CalcMean(a_iPoints, a_vdY, a_Means.dY);
-    CalcMean(a_iPoints, a_vdXa, a_Means.dXa);
-    CalcMean(a_iPoints, a_vdYa, a_Means.dYa);
-}
 
 // Forms the normal matrix (3 x 3) and its two right-hand sides, column by column with leading dimension 3.
 static void CalcAffineNormalEquations(unsigned int a_iPoints, const double* a_vdX, const double* a_vdY,
@@ -450,15 +464,14 @@ int ConformalCoefsToParam(const TConformalCoefs& a_Coefs, double& a_dScale, doub
         return RET_IMPOSSIBLE;
     }
     const double dU = a_Coefs.dA / dScale;
-    const double dV = (-1.0 / dScale) * a_Coefs.dB; // a rounded reciprocal here, a quotient above
+    const double dV = (-1.0 / dScale) * a_Coefs.dB; // not dB / scale: the reciprocal is rounded first
     a_dAngle = ReduceToPeriod(atan2(dV, dU), ANGLE_2PI);
     return RET_SUCCESS;
 }
 
 void ConformalCoefsToInvCoefs(const TConformalCoefs& a_Coefs, TConformalCoefs& a_Inverse)
 {
-    // Field by field in this order, each read from the record anew: the same record as input and output is not
-    // supported, and its wrong values are the same everywhere.
+    // Field by field in this order, as in AffineCoefsToInvCoefs.
     a_Inverse.dA = a_Coefs.dInvA;
     a_Inverse.dB = a_Coefs.dInvB;
     a_Inverse.dInvA = a_Coefs.dA;
@@ -483,14 +496,17 @@ void ConformalCoefsToAffineCoefs(const TConformalCoefs& a_Coefs, TAffineCoefs& a
 // Model      sum (A x + B y + Tx - X)^2 + (-B x + A y + Ty - Y)^2 is least.
 // Method     With dx, dy, dX, dY centred on the means: S = sum(dx^2 + dy^2), A = sum(dX dx + dY dy)/S,
 //            B = sum(dX dy - dY dx)/S; the translations map the mean onto the mean.
-// Special    Equal source points (S = 0) are reported. Equal target points give A = B = 0 and, unless the rigid inverse
-//            is asked for, NaN inverse fields with the result 1. The rigid inverse is stored whatever the scale.
+// Special    Equal source points (S = 0) are reported. Equal target points give A = B = 0 but for rounding and, unless
+//            the rigid inverse is asked for, NaN inverse fields with the result 1. The rigid inverse is stored whatever
+//            the scale.
 // Order      A point's term of each sum is formed first and added to the sum, in point order.
 // Source     C. D. Ghilani, Adjustment Computations, two-dimensional conformal coordinate transformation;
 //            S. Umeyama, IEEE Trans. Pattern Anal. Mach. Intell. 13 (1991) 376-380.
 // ---------------------------------------------------------------------------------------------------------------------
 
 static const unsigned int CONFORMAL_MINIMUM_POINTS = 2;
+
+namespace {
 
 // The three sums over the centred points.
 struct TConformalSums
@@ -499,6 +515,8 @@ struct TConformalSums
     double dSa; // dX dx + dY dy
     double dSb; // dX dy - dY dx
 };
+
+} // namespace
 
 static void CalcConformalSums(unsigned int a_iPoints, const double* a_vdX, const double* a_vdY, const double* a_vdXa,
                               const double* a_vdYa, const TMeans& a_Means, TConformalSums& a_Sums)
@@ -533,7 +551,7 @@ static void StoreConformalInverse(bool a_bRigidInverse, TConformalCoefs& a_Coefs
     const double dScale = CalcHypot(a_Coefs.dA, a_Coefs.dB);
     const double dScale2 = dScale * dScale;
     a_Coefs.dInvA = a_Coefs.dA / dScale2;
-    a_Coefs.dInvB = (-1.0 / dScale2) * a_Coefs.dB; // a rounded reciprocal here, a quotient above
+    a_Coefs.dInvB = (-1.0 / dScale2) * a_Coefs.dB; // not dB / scale: the reciprocal is rounded first
 }
 
 int CalcConformalCoefs(unsigned int a_iPoints, const double* a_vdX, const double* a_vdY, const double* a_vdXa,

@@ -5,6 +5,7 @@
 #include "functionsimp.h"
 #include "nuv1math.h"
 
+#include <math.h>
 #include <stddef.h>
 #include <stdlib.h>
 #include <string.h>
@@ -17,7 +18,8 @@ namespace nuv {
 // Model      N = sum(a a^T), u = sum(a l) over the observations a.x = l; N = L L^T; L y = u, L^T x = y.
 // Method     Column by column: L(i,i) = sqrt(N(i,i) - sum L(i,k)^2), L(j,i) = (N(j,i) - sum L(j,k) L(i,k)) / L(i,i)
 //            with one reciprocal per column. No pivoting and no tolerance.
-// Special    A negative or NaN radicand fails; one of exactly 0 passes, and its column becomes infinite or NaN.
+// Special    A negative or NaN radicand fails; one of exactly 0 passes: its column becomes infinite or NaN, and the
+//            next radicand fails.
 // Order      Products first, then added or subtracted one at a time. A diagonal takes the squares of its row from the
 //            one next to the diagonal back to the first; every other element takes its products from the first column
 //            on. The forward substitution runs ascending. The backward one runs descending in the packed form and
@@ -27,12 +29,16 @@ namespace nuv {
 // Source     G. H. Golub, C. F. Van Loan, Matrix Computations, 4th ed., sections 4.2 and 5.3.
 // ---------------------------------------------------------------------------------------------------------------------
 
+namespace {
+
 // Where the rows of a lower triangle stand: row i begins at i*iStride + iGrowth*i(i-1)/2, its diagonal i further on.
 struct TTriangleRows
 {
     ptrdiff_t iStride; // from row 0 to row 1
     ptrdiff_t iGrowth; // by which every further row is longer
 };
+
+} // namespace
 
 static const TTriangleRows PACKED_ROWS = {1, 1}; // row i at i(i+1)/2
 
@@ -47,21 +53,21 @@ static ptrdiff_t RowStart(const TTriangleRows& a_Rows, ptrdiff_t a_iRow)
     return a_iRow * a_Rows.iStride + a_Rows.iGrowth * (a_iRow * (a_iRow - 1) / 2);
 }
 
-void InitCholLowTri(int a_iUnknowns, double** a_vdMatrix, double** a_vdVector)
+void InitCholLowTri(int a_iUnknowns, double** a_pMatrix, double** a_pVector)
 {
     const size_t iUnknowns = a_iUnknowns < 1 ? 0 : static_cast<size_t>(a_iUnknowns);
     // n(n+1)/2 as a product of two whole numbers: the even one of n and n+1 is halved, the odd one is n|1.
-    *a_vdMatrix = AllocateDoubles((iUnknowns + 1) / 2, iUnknowns | 1);
-    *a_vdVector = AllocateDoubles(iUnknowns, 1);
-    if (*a_vdMatrix == NULL || *a_vdVector == NULL)
+    *a_pMatrix = AllocateDoubles((iUnknowns + 1) / 2, iUnknowns | 1);
+    *a_pVector = AllocateDoubles(iUnknowns, 1);
+    if (*a_pMatrix == NULL || *a_pVector == NULL)
     {
-        DeleteCholLowTri(*a_vdMatrix, *a_vdVector);
-        *a_vdMatrix = NULL;
-        *a_vdVector = NULL;
+        DeleteCholLowTri(*a_pMatrix, *a_pVector);
+        *a_pMatrix = NULL;
+        *a_pVector = NULL;
         return;
     }
-    memset(*a_vdMatrix, 0, (iUnknowns + 1) / 2 * (iUnknowns | 1) * sizeof(double));
-    memset(*a_vdVector, 0, iUnknowns * sizeof(double));
+    memset(*a_pMatrix, 0, (iUnknowns + 1) / 2 * (iUnknowns | 1) * sizeof(double));
+    memset(*a_pVector, 0, iUnknowns * sizeof(double));
 }
 
 void DeleteCholLowTri(double* a_vdMatrix, double* a_vdVector)

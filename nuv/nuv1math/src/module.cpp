@@ -30,11 +30,15 @@ extern "C" BOOL WINAPI DllMain(HINSTANCE, DWORD a_iReason, LPVOID)
     return TRUE;
 }
 
-#else
+#elif defined(__GNUC__)
 
 __attribute__((constructor)) static void SeedAtLoad()
 {
     nuv::SetRandomSeed(nuv::SEED_AT_LOAD);
 }
+
+#else
+
+#error "module.cpp knows no way to run code at load with this compiler"
 
 #endif

@@ -6,6 +6,7 @@
 #include "nuv1math.h"
 
 #include <float.h>
+#include <math.h>
 #include <stddef.h>
 #include <stdlib.h>
 #include <string.h>
@@ -21,9 +22,10 @@ namespace nuv {
 //            2. At most four Gauss-Newton iterations on the true residuals X - U/W, Y - V/W.
 //            Each step accumulates and solves 8 x 8 normal equations, packed, one X row and one Y row per point.
 // Special    Linear equations that cannot be factorised: RET_INDETERMINATE with their right-hand side in the record.
-//            A refinement that cannot be factorised ends with the coefficients before it, as a success. A point on
-//            the vanishing line (W = 0) gives NaN; a NaN correction compares greater than nothing, so the iteration
-//            ends as converged and the NaN stands in the coefficients for the caller to find.
+//            A refinement that cannot be factorised ends with the coefficients before it, as a success: a point on the
+//            vanishing line (W = 0) makes its matrix infinite or NaN. A radicand of exactly 0 in the last row passes
+//            and divides by zero: a NaN correction compares greater than nothing, so the iteration ends as converged,
+//            and the NaN stands in the coefficients for the caller to find.
 // Order      Point order, X row before Y row; each row entry as it is written below, reciprocals multiplied.
 // Deviation  from Hartley and Zisserman: the coordinates are not normalised, so the conditioning depends on the
 //            caller's units and origin, and the denominator's constant is fixed at 1.
@@ -44,18 +46,20 @@ static const double OMOGRAPHIC_CONVERGENCE = 1e-8; // absolute, on every coeffic
 // Positions of the coefficients in a vector of eight.
 enum
 {
-    A,
-    B,
-    C,
-    D,
-    E,
-    F,
-    G,
-    H
+    COEF_A,
+    COEF_B,
+    COEF_C,
+    COEF_D,
+    COEF_E,
+    COEF_F,
+    COEF_G,
+    COEF_H
 };
 
 // The coefficients are computed in an array, which a record of eight doubles may be copied from and to.
 typedef char TCheckOmographicLayout[sizeof(TOmographicParams) == OMOGRAPHIC_UNKNOWNS * sizeof(double) ? 1 : -1];
+
+namespace {
 
 // The normal equations and the two observation rows of the current point.
 struct TOmographicSystem
@@ -65,6 +69,8 @@ struct TOmographicSystem
     double vdRowX[OMOGRAPHIC_UNKNOWNS];   // D, E and F do not occur in X: zero throughout
     double vdRowY[OMOGRAPHIC_UNKNOWNS];   // A, B and C do not occur in Y: zero throughout
 };
+
+} // namespace
 
 static void ClearEquations(TOmographicSystem& a_System)
 {
@@ -84,13 +90,13 @@ static void AddLinearPoint(double a_dX, double a_dY, double a_dXa, double a_dYa,
 {
     double* const vdRowX = a_System.vdRowX;
     double* const vdRowY = a_System.vdRowY;
-    vdRowX[A] = vdRowY[D] = a_dX;
-    vdRowX[B] = vdRowY[E] = a_dY;
-    vdRowX[C] = vdRowY[F] = 1.0;
-    vdRowX[G] = -(a_dXa * a_dX);
-    vdRowX[H] = -(a_dXa * a_dY);
-    vdRowY[G] = -(a_dYa * a_dX);
-    vdRowY[H] = -(a_dYa * a_dY);
+    vdRowX[COEF_A] = vdRowY[COEF_D] = a_dX;
+    vdRowX[COEF_B] = vdRowY[COEF_E] = a_dY;
+    vdRowX[COEF_C] = vdRowY[COEF_F] = 1.0;
+    vdRowX[COEF_G] = -(a_dXa * a_dX);
+    vdRowX[COEF_H] = -(a_dXa * a_dY);
+    vdRowY[COEF_G] = -(a_dYa * a_dX);
+    vdRowY[COEF_H] = -(a_dYa * a_dY);
     AddObservations(a_dXa, a_dYa, a_System);
 }
 
@@ -98,22 +104,22 @@ static void AddLinearPoint(double a_dX, double a_dY, double a_dXa, double a_dYa,
 static void AddRefinementPoint(const double* a_vdCoefs, double a_dX, double a_dY, double a_dXa, double a_dYa,
                                TOmographicSystem& a_System)
 {
-    const double dU = (a_dX * a_vdCoefs[A] + a_dY * a_vdCoefs[B]) + a_vdCoefs[C];
-    const double dV = (a_dX * a_vdCoefs[D] + a_dY * a_vdCoefs[E]) + a_vdCoefs[F];
-    const double dW = (a_dX * a_vdCoefs[G] + a_dY * a_vdCoefs[H]) + 1.0;
+    const double dU = (a_dX * a_vdCoefs[COEF_A] + a_dY * a_vdCoefs[COEF_B]) + a_vdCoefs[COEF_C];
+    const double dV = (a_dX * a_vdCoefs[COEF_D] + a_dY * a_vdCoefs[COEF_E]) + a_vdCoefs[COEF_F];
+    const double dW = (a_dX * a_vdCoefs[COEF_G] + a_dY * a_vdCoefs[COEF_H]) + 1.0;
     const double dInvW = 1.0 / dW;
     const double dInvW2 = 1.0 / (dW * dW); // a division of its own: the square of dInvW rounds differently
     const double dX2 = a_dX * dInvW2;
     const double dY2 = a_dY * dInvW2;
     double* const vdRowX = a_System.vdRowX;
     double* const vdRowY = a_System.vdRowY;
-    vdRowX[A] = vdRowY[D] = a_dX * dInvW;
-    vdRowX[B] = vdRowY[E] = a_dY * dInvW;
-    vdRowX[C] = vdRowY[F] = dInvW;
-    vdRowX[G] = -(dX2 * dU);
-    vdRowX[H] = -(dY2 * dU);
-    vdRowY[G] = -(dX2 * dV);
-    vdRowY[H] = -(dY2 * dV);
+    vdRowX[COEF_A] = vdRowY[COEF_D] = a_dX * dInvW;
+    vdRowX[COEF_B] = vdRowY[COEF_E] = a_dY * dInvW;
+    vdRowX[COEF_C] = vdRowY[COEF_F] = dInvW;
+    vdRowX[COEF_G] = -(dX2 * dU);
+    vdRowX[COEF_H] = -(dY2 * dU);
+    vdRowY[COEF_G] = -(dX2 * dV);
+    vdRowY[COEF_H] = -(dY2 * dV);
     AddObservations(a_dXa - dInvW * dU, a_dYa - dInvW * dV, a_System);
 }
 
@@ -152,14 +158,14 @@ static bool Refine(int a_iPoints, const double* a_vdX, const double* a_vdY, cons
 
 static void StoreParams(const double* a_vdCoefs, TOmographicParams& a_Params)
 {
-    a_Params.dA = a_vdCoefs[A];
-    a_Params.dB = a_vdCoefs[B];
-    a_Params.dC = a_vdCoefs[C];
-    a_Params.dD = a_vdCoefs[D];
-    a_Params.dE = a_vdCoefs[E];
-    a_Params.dF = a_vdCoefs[F];
-    a_Params.dG = a_vdCoefs[G];
-    a_Params.dH = a_vdCoefs[H];
+    a_Params.dA = a_vdCoefs[COEF_A];
+    a_Params.dB = a_vdCoefs[COEF_B];
+    a_Params.dC = a_vdCoefs[COEF_C];
+    a_Params.dD = a_vdCoefs[COEF_D];
+    a_Params.dE = a_vdCoefs[COEF_E];
+    a_Params.dF = a_vdCoefs[COEF_F];
+    a_Params.dG = a_vdCoefs[COEF_G];
+    a_Params.dH = a_vdCoefs[COEF_H];
 }
 
 int CalcOmographicCoefs(int a_iPoints, const double* a_vdX, const double* a_vdY, const double* a_vdXa,

@@ -4,6 +4,8 @@
 
 #include "assertion.h"
 
+#include <errno.h>
+#include <signal.h>
 #include <stdio.h>
 #include <string.h>
 #include <unistd.h>
@@ -19,8 +21,12 @@ void WriteToStandardError(const char* a_szText)
     while (iLeft > 0)
     {
         const ssize_t iWritten = write(STDERR_FILENO, a_szText, iLeft);
-        if (iWritten <= 0)
+        if (iWritten < 0)
         {
+            if (errno == EINTR)
+            {
+                continue;
+            }
             return;
         }
         a_szText += iWritten;
@@ -32,8 +38,11 @@ void WriteToStandardError(const char* a_szText)
 void SkipAnswer()
 {
     char cAnswer = 0;
-    while (cAnswer != '\n' && read(STDIN_FILENO, &cAnswer, 1) == 1)
-    {}
+    ssize_t iRead = 1;
+    while (cAnswer != '\n' && (iRead == 1 || (iRead < 0 && errno == EINTR)))
+    {
+        iRead = read(STDIN_FILENO, &cAnswer, 1);
+    }
 }
 
 } // namespace
@@ -45,6 +54,7 @@ void FormatReport(TReportChar* a_szText, const TReportChar* a_szPath, int a_iLin
 
 void ShowTextAndWait(const TReportChar* a_szText)
 {
+    signal(SIGPIPE, SIG_IGN); // a closed pipe must not end the process by a signal, with another exit status
     WriteToStandardError(a_szText);
     if (isatty(STDIN_FILENO))
     {

@@ -9,6 +9,10 @@
 
 #include <float.h>
 #include <limits.h>
+#include <limits>
+#include <math.h>
+#include <stddef.h>
+#include <stdlib.h>
 #include <string.h>
 
 namespace nuv {
@@ -22,11 +26,11 @@ namespace nuv {
 //            3. QR iteration with Francis' implicit double shift and exceptional shifts at iterations 10 and 20;
 //               eigenvalues split off at the bottom, one or a pair at a time.
 // Special    An eigenvalue that needs more than 30 iterations ends the iteration. An infinite column norm is not
-//            balanced: no halving would ever bring it into range. NaN and infinity are not looked for.
+//            balanced: no halving would ever bring it into range. Beside that, NaN and infinity are not looked for.
 // Order      Convergence is exact equality of sums (a term does not change the sum), so it depends on the order of
 //            every operation. A value that several divide by is inverted once.
-// Deviation  from the papers: zero is skipped in balancing by the exact test; multipliers of step 2 stay below the
-//            subdiagonal, and step 3 clears only what its sweep reads.
+// Deviation  from the papers: balancing skips a row or column whose norm is exactly 0; multipliers of step 2 stay
+//            below the subdiagonal, and step 3 clears only what its sweep reads.
 // Source     B. N. Parlett, C. Reinsch, Balancing a matrix for calculation of eigenvalues and eigenvectors, Numer.
 //            Math. 13 (1969) 293-304; R. S. Martin, J. H. Wilkinson, Similarity reduction of a general matrix to
 //            Hessenberg form, Numer. Math. 12 (1968) 349-368; J. G. F. Francis, The QR transformation, Comput. J. 4
@@ -34,9 +38,11 @@ namespace nuv {
 //            Hessenberg matrices, Numer. Math. 14 (1970) 219-231.
 // ---------------------------------------------------------------------------------------------------------------------
 
-static const double BALANCE_GAIN = 0.95;           // a scaling must bring the norms below this part of what they were
-static const double EXCEPTIONAL_SHIFT = 0.75;      // of the two lowest subdiagonal elements: both diagonal entries
-static const double EXCEPTIONAL_PRODUCT = -0.4375; // and the product of the off-diagonal ones
+static const double BALANCE_GAIN = 0.95; // a scaling must bring the norms below this part of what they were
+// The exceptional shift is that of a 2 x 2 block with these multiples of s and s^2, s being the sum of the magnitudes
+// of the two lowest subdiagonal elements.
+static const double EXCEPTIONAL_SHIFT = 0.75;      // both diagonal elements
+static const double EXCEPTIONAL_PRODUCT = -0.4375; // product of the off-diagonal ones
 enum
 {
     QR_ITERATIONS = 30,         // at most, for one eigenvalue
@@ -47,12 +53,7 @@ enum
 // The table of column addresses; null where it cannot be had. Released by free.
 static double** AllocateColumns(int a_iN, double* a_vdMatrix, int a_iStride)
 {
-    const size_t iColumns = static_cast<size_t>(a_iN);
-    if (iColumns > static_cast<size_t>(-1) / sizeof(double*))
-    {
-        return NULL;
-    }
-    double** const vvdColumns = static_cast<double**>(malloc(iColumns * sizeof(double*)));
+    double** const vvdColumns = static_cast<double**>(AllocateArray(static_cast<size_t>(a_iN), 1, sizeof(double*)));
     if (vvdColumns != NULL)
     {
         for (ptrdiff_t j = 0; j < a_iN; ++j)
@@ -224,6 +225,8 @@ void ReduceToHessenberg(int a_iN, double* a_vdMatrix, int a_iStride)
     free(A);
 }
 
+namespace {
+
 // The shift of one QR iteration: diagonal elements x, y and product w of the off-diagonal ones of the 2 x 2 block at
 // the bottom, whose eigenvalues are the two shifts.
 struct TShift
@@ -234,12 +237,14 @@ struct TShift
 };
 
 // First column of the double step, or the vector that one reflection clears: scaled, its length does not matter.
-struct TReflected
+struct TReflectedVector
 {
     double dP;
     double dQ;
     double dR;
 };
+
+} // namespace
 
 // Sum of the magnitudes of the Hessenberg part.
 static double CalcHessenbergNorm(double* const* A, int a_iN)
@@ -314,7 +319,7 @@ static void ApplyExceptionalShift(double* const* A, int nn, double& a_dShifted, 
 
 // Row where the double step starts, from nn-2 up to l: the lowest one above which two consecutive subdiagonal elements
 // are negligible together. a_First receives the first column of the double step there.
-static int FindSweepStart(double* const* A, int l, int nn, const TShift& a_Shift, TReflected& a_First)
+static int FindSweepStart(double* const* A, int l, int nn, const TShift& a_Shift, TReflectedVector& a_First)
 {
     for (int m = nn - 2;; --m)
     {
@@ -354,6 +359,8 @@ static void ClearBelowSubdiagonal(double* const* A, int m, int nn)
     }
 }
 
+namespace {
+
 // The reflection I - (x, y, z)(1, q, r)^T in rows k, k+1, k+2 (without the third in the last step of a sweep).
 struct TReflection
 {
@@ -363,6 +370,8 @@ struct TReflection
     double dQ;
     double dR;
 };
+
+} // namespace
 
 // Rows k ... of the columns k to nn.
 static void ReflectRows(double* const* A, int k, int nn, const TReflection& a_H)
@@ -400,7 +409,7 @@ static void ReflectColumns(double* const* A, int k, int l, int nn, const TReflec
 }
 
 // One step k of the sweep that starts in row m: the reflection that clears column k-1 below row k, from both sides.
-static void SweepStep(double* const* A, int k, int m, int l, int nn, TReflected a_V)
+static void SweepStep(double* const* A, int k, int m, int l, int nn, TReflectedVector a_V)
 {
     double dX = 0.0;
     if (k != m)
@@ -442,7 +451,7 @@ static void SweepStep(double* const* A, int k, int m, int l, int nn, TReflected 
 // One double QR step on rows and columns l to nn.
 static void DoubleStep(double* const* A, int l, int nn, const TShift& a_Shift)
 {
-    TReflected First;
+    TReflectedVector First;
     const int m = FindSweepStart(A, l, nn, a_Shift, First);
     ClearBelowSubdiagonal(A, m, nn);
     for (int k = m; k < nn; ++k)
@@ -537,6 +546,8 @@ static void FillCompanionMatrix(size_t a_iDegree, const double* a_vdA, double* a
     }
 }
 
+namespace {
+
 // Scratch of the roots of degree m: three allocations, of which any may have failed.
 struct TCompanionScratch
 {
@@ -544,6 +555,8 @@ struct TCompanionScratch
     double* vdReal;      // m
     double* vdImaginary; // m
 };
+
+} // namespace
 
 // Writes the real eigenvalues of the companion matrix to the roots; returns how many.
 static int WriteRealEigenvalues(size_t a_iDegree, const double* a_vdA, double a_dTolerance,
@@ -564,7 +577,7 @@ static int WriteRealEigenvalues(size_t a_iDegree, const double* a_vdA, double a_
     {
         if (fabs(a_Scratch.vdImaginary[i]) < a_dTolerance)
         {
-            a_vdRoots[iCount] = a_Scratch.vdReal[i];
+            a_vdRoots[iCount] = a_Scratch.vdReal[i]; // NOLINT: written wherever the imaginary part is
             ++iCount;
         }
     }
@@ -575,10 +588,6 @@ static int WriteRealEigenvalues(size_t a_iDegree, const double* a_vdA, double a_
 static bool WriteNonZeroRoots(size_t a_iDegree, const double* a_vdA, double a_dTolerance, double* a_vdRoots,
                               int& a_iCount)
 {
-    if (a_iDegree > static_cast<size_t>(INT_MAX))
-    {
-        return false; // beyond the eigenvalue routines, and its matrix beyond any memory
-    }
     const TCompanionScratch Scratch = {AllocateDoubles(a_iDegree, a_iDegree), AllocateDoubles(a_iDegree, 1),
                                        AllocateDoubles(a_iDegree, 1)};
     const bool bAllocated = Scratch.vdMatrix != NULL && Scratch.vdReal != NULL && Scratch.vdImaginary != NULL;
@@ -621,6 +630,10 @@ int Roots(unsigned int iDegree, const double* vdA, double* a_vdRoots, double a_d
     {
         a_vdRoots[i] = 0.0;
     }
+    if (iDegree - iFirst > static_cast<unsigned int>(INT_MAX))
+    {
+        return 0; // more roots than int counts, and a matrix that no memory holds
+    }
     int iCount = 0;
     if (iLast != iFirst && !WriteNonZeroRoots(iLast - iFirst, vdA + iFirst, a_dTolerance, a_vdRoots + iZeros, iCount))
     {
@@ -635,8 +648,8 @@ int Roots(unsigned int iDegree, const double* vdA, double* a_vdRoots, double a_d
 // Model      a11 x + a12 y = b1, a21 x + a22 y = b2.
 // Method     Cramer's rule with one division.
 // Special    A determinant within the degeneracy tolerance: only the numerator of x decides whether the system counts
-//            as indeterminate or impossible. That of y is left out, and callers rely on it: all coefficients 0 with
-//            b1 = 0 is indeterminate whatever b2. A NaN determinant is no zero and gives NaN.
+//            as indeterminate or impossible. That of y is left out, and is kept so: all coefficients 0 are
+//            indeterminate whatever the right-hand side. A NaN determinant is no zero and gives NaN.
 // ---------------------------------------------------------------------------------------------------------------------
 
 int Roots(double a_dA11, double a_dA12, double a_dA21, double a_dA22, double a_dB1, double a_dB2, double& a_dX,

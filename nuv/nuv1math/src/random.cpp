@@ -5,6 +5,8 @@
 #include "functionsimp.h"
 #include "nuv1math.h"
 
+#include <math.h>
+
 namespace nuv {
 
 // ---------------------------------------------------------------------------------------------------------------------
@@ -39,6 +41,8 @@ enum
     SHUFFLED = 97 // table entries that are drawn from, 1 to 97; entry 0 is filled and never read
 };
 
+namespace {
+
 // The state: one for the process, not locked, the library's only writable data. Zero until the library's entry seeds
 // it at load.
 struct TRandomState
@@ -50,6 +54,8 @@ struct TRandomState
     bool hasSpareNormal;
     double spareNormal; // the second normal deviate of a pair; survives a new seed
 };
+
+} // namespace
 
 static TRandomState g_State;
 
@@ -68,7 +74,8 @@ static double NextEntry()
 
 void SetRandomSeed(int a_iSeed)
 {
-    // Subtracted as unsigned, because the difference can overflow; the remainder is that of the signed difference.
+    // Subtracted as unsigned, because the difference can overflow; the remainder is that of the signed
+    // difference, truncating, as every supported compiler has it.
     const int iDistance = static_cast<int>(INCREMENT_1 - static_cast<unsigned int>(a_iSeed));
     g_State.ix1 = static_cast<unsigned int>(iDistance % static_cast<int>(MODULUS_1));
     Advance(MULTIPLIER_1, INCREMENT_1, MODULUS_1, g_State.ix1);

@@ -18,7 +18,7 @@ typedef char TReportChar;
 #endif
 #define NUV_REPORT_TEXT(a_Literal) NUV_REPORT_TEXT_(a_Literal)
 
-// Root of the source tree, put before the path of every report. A build may set it (backslash at its end).
+// Root of the source tree, put before the path of every report. A build may set it, as a string literal.
 #ifndef NUV_SOURCE_ROOT
 #define NUV_SOURCE_ROOT ""
 #endif
@@ -31,11 +31,11 @@ enum
     REPORT_LENGTH = 512
 };
 
-// What the format adds to path and condition: ':', an int of at most 11 characters, " assertion failure:", a line
-// break and the terminator.
+// What the format adds to path and condition: ':', an int of at most 11 characters, " assertion failure:" and a line
+// break.
 enum
 {
-    REPORT_OVERHEAD = 1 + 11 + sizeof(" assertion failure:\n")
+    REPORT_OVERHEAD = 1 + 11 + sizeof(" assertion failure:\n") - 1
 };
 
 // Shows "<path>:<line> assertion failure:\n<condition>", waits for the user where there is one to answer, and ends

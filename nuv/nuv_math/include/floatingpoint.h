@@ -5,7 +5,8 @@
 // Results are the same bits on every platform because every operation is the IEC 559 (IEEE 754) double operation
 // that is written, rounded once and in the written order. The compiler must therefore not contract a*b + c into one
 // rounding, evaluate in a wider format or reorder sums. cmake/FloatingPointPolicy.cmake holds the flags; this header
-// refuses the builds that it can recognise, and the tests contain a canary for contraction, which no macro tells.
+// refuses the builds that it can recognise, and the tests contain a canary for contraction, which most compilers do not
+// tell.
 
 #ifndef NUV_FLOATINGPOINT_H
 #define NUV_FLOATINGPOINT_H
@@ -13,8 +14,9 @@
 #include <float.h>
 #include <limits>
 
-#if defined(__FAST_MATH__) || defined(_M_FP_FAST)
-#error "nuv1math must not be compiled with fast-math: it changes results and breaks the tests for NaN"
+#if defined(__FAST_MATH__) || defined(_M_FP_FAST) || defined(__RECIPROCAL_MATH__) ||                                   \
+    (defined(__FINITE_MATH_ONLY__) && __FINITE_MATH_ONLY__)
+#error "nuv1math must not be compiled with fast-math or a part of it: it changes results and breaks the tests for NaN"
 #endif
 
 #if defined(__FLT_EVAL_METHOD__)

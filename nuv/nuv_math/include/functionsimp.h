@@ -36,16 +36,21 @@ inline void Swap(double& a_dFirst, double& a_dSecond)
     a_dSecond = dHeld;
 }
 
-// Allocates a_iRows * a_iColumns doubles, not initialised; null if they cannot be had or if their size in bytes does
-// not fit size_t. The caller releases them by free.
-inline double* AllocateDoubles(size_t a_iRows, size_t a_iColumns)
+// Allocates a_iRows * a_iColumns elements of a_iSize bytes, not initialised; null if they cannot be had or if their
+// size does not fit size_t. The caller releases them by free.
+inline void* AllocateArray(size_t a_iRows, size_t a_iColumns, size_t a_iSize)
 {
-    const size_t iMost = static_cast<size_t>(-1) / sizeof(double);
+    const size_t iMost = static_cast<size_t>(-1) / a_iSize;
     if (a_iRows != 0 && a_iColumns > iMost / a_iRows)
     {
         return NULL;
     }
-    return static_cast<double*>(malloc(a_iRows * a_iColumns * sizeof(double)));
+    return malloc(a_iRows * a_iColumns * a_iSize);
+}
+
+inline double* AllocateDoubles(size_t a_iRows, size_t a_iColumns)
+{
+    return static_cast<double*>(AllocateArray(a_iRows, a_iColumns, sizeof(double)));
 }
 
 // sqrt(a^2 + b^2) without overflow of the squares: the greater magnitude g is factored out, g*sqrt((s/g)^2 + 1), so
@@ -75,7 +80,7 @@ inline double CalcHypot(double a_dA, double a_dB)
 // NaN included, is reported and ends the process.
 inline double ReduceToPeriod(double x, double y)
 {
-    // The text of the condition is part of the report.
+    // The text of the condition is part of the report, hence the plain names.
     // clang-format off
     NUV_ASSERT_AT("nuv\\nuv_math\\include\\functionsimp.h", 254, y>0);
     // clang-format on

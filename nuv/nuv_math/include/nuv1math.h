@@ -9,28 +9,33 @@
  *  The public interface of nuv1math: everything that the library exports, in namespace nuv.
  *
  *  @par Result codes
- *  Nothing is thrown and nothing is logged; every function tells its outcome by its return value.
- *  | value     | name              | meaning                                                                         |
- *  |-----------|-------------------|---------------------------------------------------------------------------------|
- *  |         1 |                   | success: all outputs are written                                                |
- *  | 0 or more |                   | polynomial Roots, SolveLinTrig, SolveQuadTrig: how many solutions are written   |
- *  |        -1 | RET_IMPOSSIBLE    | no result: too few points, a degenerate record, or an equation without solution |
- *  |        -2 | RET_INDETERMINATE | no unique result: a singular system, an equation that everything solves, or an  |
- *  |           |                   | omographic fit that cannot be solved                                            |
+ *  Nothing is thrown and nothing is logged. A function that can fail tells its outcome by its return value, but for
+ *  InitCholLowTri (null pointers) and AffineUntransform (see there).
+ *  | value     | name              | meaning                                                                          |
+ *  |-----------|-------------------|----------------------------------------------------------------------------------|
+ *  |         1 |                   | success: all outputs are written                                                 |
+ *  | 0 or more |                   | polynomial Roots, SolveLinTrig, SolveQuadTrig: how many solutions are written    |
+ *  |        -1 | RET_IMPOSSIBLE    | no result: too few or coincident points (conformal, affine), a degenerate        |
+ *  |           |                   | record, or an equation or system without solution                                |
+ *  |        -2 | RET_INDETERMINATE | no unique result: a singular system that is not found inconsistent, an equation  |
+ *  |           |                   | that everything solves, or an omographic fit that has too few points or cannot   |
+ *  |           |                   | be solved                                                                        |
  *
  *  Functions that return bool return true for success. Outputs that were written before a failure was found stay
- *  written; each function says which, and everything else is untouched. Functions that return nothing cannot fail.
+ *  written; each function says which, and everything else is untouched.
  *
  *  @par Degeneracy tolerance
- *  "v is zero" below means -1e-12 <= v <= 1e-12, both ends included. The band is absolute: it is not scaled by the
- *  size of the data. A NaN is never zero.
+ *  "v is zero" below means, where nothing else is said, -1e-12 <= v <= 1e-12, both ends included. The band is absolute:
+ *  it is not scaled by the size of the data. A NaN is never zero.
  *
  *  @par Special values
- *  Arguments are not checked for NaN or infinity: such values run through the arithmetic and come out as IEC 559
- *  (IEEE 754) has it, with the result code of the tests as they are written here.
+ *  Arguments are not checked for NaN or infinity. Such values run through the arithmetic and the tests as they stand,
+ *  so they can come out with any result code. Scales are computed from a ratio: (NaN, 0) has the length 0, (0, NaN) and
+ *  two infinities have the length NaN.
  *
  *  @par Aliasing
- *  Unless a function says otherwise, no output may overlap an input or another output.
+ *  Unless a function says otherwise, no output may overlap an input or another output. Arrays that are only read may
+ *  overlap, and an argument passed by value may come from a variable that is also an output.
  *
  *  @par Threads
  *  Every function but those of the random numbers touches only its arguments and its own scratch: calls on different
@@ -39,17 +44,21 @@
  *  @par Memory
  *  Arrays and records belong to the caller. No function allocates, but InitCholLowTri (for the caller), CalcCoefs
  *  (one scratch array, for the orientation-reversing similarity only), the polynomial Roots, and SolveQuadTrig where it
- *  calls them. All scratch is released before the return.
+ *  solves a quartic. All scratch is released before the return.
  *
  *  @par The same bits everywhere
- *  Every operation is a double operation in the order given here, without contraction or excess precision, so results
- *  made of + - * / and sqrt are the same bits on every platform. Functions that take or return angles, and Randn,
- *  depend on the platform's sin, cos, tan, asin, acos, atan, atan2 and log, which differ in the last place or two.
+ *  Every operation is a double operation in a fixed order, without contraction or excess precision. So results made of
+ *  + - * /, sqrt and conversions of integers are the same bits on every platform, provided that the calling thread
+ *  rounds to nearest and does not flush subnormal numbers to zero (as programs linked with fast-math can), and that
+ *  memory can be had where a function allocates. A NaN is a NaN everywhere, but its sign and payload differ. Functions
+ *  that take or return angles, and Randn, depend on the platform's sin, cos, tan, asin, acos, atan, atan2 and log,
+ *  which differ in the last place or two.
  *
  *  @par Broken invariants
  *  A few checks guard what must hold whatever the caller passes, and one guards a promise of the caller
- *  (AffineUntransform). A check that fails shows "<source>:<line> assertion failure:\n<condition>" in a message box
- *  (on POSIX systems on standard error) and then ends the process with exit code 0.
+ *  (AffineUntransform). A check that fails shows "<source>:<line> assertion failure:\n<condition>" in a message box (on
+ *  POSIX systems on standard error, and waits for a line if standard input is a terminal) and then ends the process
+ *  with exit code 0.
  *
  *  @par Units
  *  Angles are in radians and grow counter-clockwise from the x axis towards the y axis. Coordinates are in the
@@ -73,10 +82,10 @@
 /** The library. */
 namespace nuv {
 
-/** No result: too few points, a degenerate coefficient record, or a system without solution. */
+/** No result: see the table of result codes. */
 const int RET_IMPOSSIBLE = -1;
 
-/** No unique result: a singular system with a consistent right-hand side, or an omographic fit without solution. */
+/** No unique result: see the table of result codes. */
 const int RET_INDETERMINATE = -2;
 
 /** @name Records
@@ -94,8 +103,8 @@ struct TAffineCoefs
 };
 
 /** A conformal transformation (similarity) that keeps the orientation: X = A x + B y + Tx, Y = -B x + A y + Ty with
- *  A = s cos(theta) and B = -s sin(theta), and beside it the linear part of its inverse. The functions take the
- *  fields as they are: none recomputes the inverse fields from the others. */
+ *  A = s cos(theta) and B = -s sin(theta), and beside it the linear part of its inverse (A and -B instead after a fit
+ *  with a_bRigidInverse). The functions take the fields as they are: none recomputes one from the others. */
 struct TConformalCoefs
 {
     double dA;    /**< A = s cos(theta): coefficient of x in X and of y in Y */
@@ -111,8 +120,8 @@ struct TConformalCoefs
  *
  *  Limit: the constant of W is fixed at 1, so a transformation that takes the source origin to infinity (W = 0 at
  *  x = y = 0) has no such record, and one whose vanishing line W = 0 runs close by the source origin has coefficients
- * of unbounded size. A source origin among the control points avoids both. At a point with W = 0 the formulas give an
- * infinity or NaN. */
+ *  of unbounded size. With the source origin in the middle of the control points a transformation that is finite over
+ *  their area has neither trouble. At a point with W = 0 the formulas give an infinity or NaN. */
 struct TOmographicParams
 {
     double dA; /**< A: coefficient of x in the numerator of X */
@@ -140,14 +149,16 @@ enum enumMethodUsed
 /** The richest transformation that the control points support, as one record whatever its kind.
  *
  *  Limits: the omographic result is judged by finiteness alone (read the limits of CalcOmographicCoefs), the affine
- *  one by its determinant alone (points on one line can pass, see CalcAffineCoefs). Subtract a local origin from large
- *  coordinates first, and look at the residuals.
+ *  one by its determinant alone (points on one line can pass, see CalcAffineCoefs), the conformal one not at all: equal
+ *  target points give true with A = B = 0. Subtract a local origin from large coordinates first, and look at the
+ *  residuals.
  *
  *  Method: the kinds are tried from a_Requested downwards and the first usable one is taken.
  *  1. Omographic, if requested and a_iPoints >= 4; used if CalcOmographicCoefs returns 1 and all eight coefficients
  *     are finite.
  *  2. Affine, if omographic or affine is requested and a_iPoints >= 3; used if CalcAffineCoefs returns 1 and the
- *     determinant ea - db is not zero (a zero one collapses the plane onto a line or a point; a NaN one is used).
+ *     determinant ea - db is not zero (a zero one collapses the plane onto a line or a point; rounding can hide that
+ *     where the coefficients are large; a NaN one is used).
  *  3. Conformal, in every other case, a_Requested outside the enumeration included.
  *
  *  @param a_iPoints          number of control points
@@ -171,14 +182,16 @@ NUV1MATH_API bool CalcCoefs(int a_iPoints, const double* a_vdX, const double* a_
 /** The conformal transformation (similarity) that maps the source points onto the target points with the least sum
  *  of squared residuals in X and Y. It keeps the orientation; CalcCoefs offers the reversing one.
  *
- *  Limits: with all target points equal and a_bRigidInverse false it returns 1 with A = B = 0 and NaN in the inverse
- *  fields. The test for equal source points is absolute: it also rejects a spread below about 1e-6 units, and it can
- *  miss equal points of so large coordinates that their mean is rounded by more than that (three times 1e11 + 0.1).
+ *  Limits: with all target points equal it returns 1 with A and B zero or rounding noise; unless a_bRigidInverse is
+ *  set, the inverse fields are then NaN, infinite or meaningless. The test for equal source points is absolute: it
+ *  also rejects a spread below about 1e-6 units, and it can miss equal points of so large coordinates that their mean
+ *  is rounded by more than that (three times 1e11 + 0.1).
  *
  *  Method: closed form about the centroids. With centred coordinates, S = sum(dx^2 + dy^2), A = sum(dX dx + dY dy)/S,
- *  B = sum(dX dy - dY dx)/S; a large common offset of the coordinates does no harm. Source: the four-parameter
- *  (Helmert) transformation, as in C. D. Ghilani, Adjustment Computations, chapter on coordinate transformations; and
- *  S. Umeyama, IEEE Trans. Pattern Anal. Mach. Intell. 13 (1991) 376-380, for the same minimum in any dimension.
+ *  B = sum(dX dy - dY dx)/S; a common offset of the coordinates costs only the rounding of the means, which grows with
+ *  the offset and the number of points. Source: the four-parameter (Helmert) transformation, as in C. D. Ghilani,
+ *  Adjustment Computations, chapter on coordinate transformations; and S. Umeyama, IEEE Trans. Pattern Anal. Mach.
+ *  Intell. 13 (1991) 376-380, for the same minimum in any dimension.
  *
  *  @param a_iPoints       number of control points, at least 2
  *  @param a_vdX           x of the points in the source system, a_iPoints values
@@ -198,12 +211,14 @@ NUV1MATH_API int CalcConformalCoefs(unsigned int a_iPoints, const double* a_vdX,
  *
  *  Limits: **source points on one line, or fewer than three different ones, are not detected.** The result is then
  *  1 with very large or meaningless coefficients. A caller that cannot exclude them compares the spread of
- *  the source points across their best line with the spread along it before the fit, as examples/fitpoints does;
- *  the determinant ae - db of the result tells only a collapsed *target* reliably.
+ *  the source points across their best line with the spread along it before the fit, as examples/fitpoints does. The
+ *  determinant ae - db of the result does not tell it; compared with the squares of the coefficients it tells a
+ *  collapsed *target*.
  *
- *  Method: normal equations in coordinates centred on the means, so that a large common offset does no harm; 3x3
- *  Gaussian elimination with row pivoting, in which an exactly zero pivot becomes 1e-14. Source: G. H. Golub, C. F. Van
- *  Loan, Matrix Computations, 4th ed., sections 3.4 (elimination) and 5.3 (normal equations).
+ *  Method: normal equations in coordinates centred on the means, so that a common offset costs no more than the
+ *  rounding of the coordinates; 3x3 Gaussian elimination with row pivoting, in which an exactly zero pivot becomes
+ *  1e-14. Source: G. H. Golub, C. F. Van Loan, Matrix Computations, 4th ed., sections 3.4 (elimination) and 5.3
+ *  (normal equations).
  *
  *  @param a_iPoints number of control points, at least 3
  *  @param a_vdX     x of the points in the source system, a_iPoints values
@@ -220,11 +235,11 @@ NUV1MATH_API int CalcAffineCoefs(unsigned int a_iPoints, const double* a_vdX, co
  *
  *  Limits: **coordinates are taken as they are, without centring or scaling.** Where the offset of the source or
  *  target coordinates from their origin exceeds some thousand times their extent, the result can be useless and still
- *  1, or RET_INDETERMINATE for points that determine a transformation well: subtract a local origin from both
- *  systems before the fit, as examples/fitpoints does. The constant of the denominator is fixed at 1 (see
- *  TOmographicParams); a square whose origin goes to infinity gives 1 with eight NaN. Points that do not determine the
- *  eight coefficients (fewer than four with no three on a line) may be reported, or give 1 with arbitrary values.
- *  Test the result for finiteness and look at the residuals.
+ *  1, or RET_INDETERMINATE for points that determine a transformation well: subtract a local origin from both systems
+ *  before the fit, as examples/fitpoints does. The constant of the denominator is fixed at 1 (see TOmographicParams):
+ *  four points of a transformation that takes the source origin to infinity can give 1 with eight NaN, or with finite
+ *  coefficients that fit badly. Points that do not determine the eight coefficients (fewer than four with no three on
+ *  a line) may be reported, or give 1 with arbitrary values. Test the result for finiteness and look at the residuals.
  *
  *  Method: the equations multiplied out by the denominator, X = Ax + By + C - GXx - HXy and the like for Y, are linear
  *  in the eight coefficients and solved by normal equations (UpdateNormMatrixLowTri, CholeskyLowTri, SolveCholLowTri);
@@ -249,15 +264,15 @@ NUV1MATH_API int CalcOmographicCoefs(int a_iPoints, const double* a_vdX, const d
 
 /** @name Affine transformations
  *  Geometric parameters: sx, the scale along the source x axis; theta, the rotation of its image; sy, the scale along
- *  the source y axis, measured across the image of the x axis; phi, the skew: for sy > 0 the image of the y axis leans
- *  by phi from the perpendicular towards the image of the x axis, and has length sy/cos(phi); tx and ty, the
- *  translations.
- *  a = sx cos(theta), b = sy (cos(theta) tan(phi) - sin(theta)), c = tx,
- *  d = sx sin(theta), e = sy (sin(theta) tan(phi) + cos(theta)), f = ty. @{ */
+ *  the source y axis, measured across the image of the x axis; phi, the skew: for sx, sy > 0 and |phi| < pi/2 the image
+ *  of the y axis leans by phi from the perpendicular towards the image of the x axis, and has length sy/cos(phi); tx
+ *  and ty, the translations. a = sx cos(theta), b = sy (cos(theta) tan(phi) - sin(theta)), c = tx, d = sx sin(theta), e
+ *  = sy (sin(theta) tan(phi) + cos(theta)), f = ty. @{ */
 
-/** Affine coefficients from geometric parameters. A skew of +-pi/2 gives huge or infinite b and e.
+/** Affine coefficients from geometric parameters. A skew of +-pi/2 is not refused: tan(phi), about 1.6e16 there, enters
+ *  b and e like any other value.
  *
- *  @param a_dSx    sx: scale along the source x axis
+ *  @param a_dSx    sx: scale along the source x axis; a negative one comes back as -sx with -sy and theta + pi
  *  @param a_dSy    sy: scale across the image of the x axis; negative for a mirror image
  *  @param a_dPhi   phi: skew angle, radians
  *  @param a_dTheta theta: rotation angle, radians
@@ -269,14 +284,14 @@ NUV1MATH_API void AffineParamsToCoefs(double a_dSx, double a_dSy, double a_dPhi,
 
 /** Geometric parameters from affine coefficients.
  *
- *  Method: sx = sqrt(a^2 + d^2), the rotation of (a, d) onto the x axis is taken off the second column. sx
- *  is never negative: a mirror image appears as a negative sy.
+ *  Method: sx is the length of (a, d) and theta its direction; the column (b, e) turned back by theta is
+ *  sy (tan(phi), 1). A mirror image appears as a negative sy.
  *
  *  @param a_Coefs  the transformation
  *  @param a_dSx    out: sx >= 0
  *  @param a_dSy    out: sy
  *  @param a_dPhi   out: phi in [-pi/2, pi/2]
- *  @param a_dTheta out: theta in [0, 2 pi], both ends included (a tiny negative rotation gives 2 pi itself)
+ *  @param a_dTheta out: theta in [0, 2 pi], both ends included: a tiny negative rotation gives 2 pi itself; -0.0 occurs
  *  @param a_dTx    out: tx = c
  *  @param a_dTy    out: ty = f
  *  @return 1; RET_IMPOSSIBLE if sx is zero (only sx is written) or sy is zero (only sx, theta and sy are written). */
@@ -292,13 +307,14 @@ NUV1MATH_API int AffineCoefsToInvCoefs(const TAffineCoefs& a_Coefs, TAffineCoefs
 
 /** Maps a target point back to the source: solves a x + b y = X - c, d x + e y = Y - f by the two-unknown Roots.
  *
- *  Limit: **a singular transformation whose equations contradict each other ends the process** (see Broken
- *  invariants). If the determinant ae - db can be zero, use AffineCoefsToInvCoefs or Roots, which report it.
+ *  Limit: **if the determinant ae - db is zero and e (X - c) - b (Y - f) is not, the process ends** (see Broken
+ *  invariants). If both are zero the result is (0, 0), also where the equations contradict each other, as for all
+ *  coefficients 0. If the determinant can be zero, use AffineCoefsToInvCoefs or Roots, which report it.
  *
  *  @param a_Coefs the transformation
  *  @param a_dXa   X of the target point
  *  @param a_dYa   Y of the target point
- *  @param a_dX    out: x of the source point; 0 if the transformation is singular and the equations agree
+ *  @param a_dX    out: x of the source point; 0 if the determinant is zero
  *  @param a_dY    out: y of the source point; 0 likewise */
 NUV1MATH_API void AffineUntransform(const TAffineCoefs& a_Coefs, double a_dXa, double a_dYa, double& a_dX,
                                     double& a_dY);
@@ -307,10 +323,10 @@ NUV1MATH_API void AffineUntransform(const TAffineCoefs& a_Coefs, double a_dXa, d
 
 /** @name Conformal transformations @{ */
 
-/** Conformal coefficients from scale, rotation and translations. A zero scale gives infinities or NaN in the inverse
- *  fields.
+/** Conformal coefficients from scale, rotation and translations. A scale of exactly 0 gives infinities or NaN in the
+ *  inverse fields.
  *
- *  @param a_dScale s: scale
+ *  @param a_dScale s: scale; a negative one comes back as -s with theta + pi
  *  @param a_dAngle theta: rotation angle, radians, positive counter-clockwise
  *  @param a_dTx    translation of X, target units
  *  @param a_dTy    translation of Y, target units
@@ -322,7 +338,7 @@ NUV1MATH_API void ConformalParamsToCoefs(double a_dScale, double a_dAngle, doubl
  *
  *  @param a_Coefs  the transformation; the inverse fields are not used
  *  @param a_dScale out: s >= 0
- *  @param a_dAngle out: theta in [0, 2 pi], both ends included; 0 if the scale is zero
+ *  @param a_dAngle out: theta in [0, 2 pi], both ends included; -0.0 occurs; 0 if the scale is zero
  *  @param a_dTx    out: translation of X
  *  @param a_dTy    out: translation of Y
  *  @return 1, or RET_IMPOSSIBLE if the scale is zero; all four outputs are written in either case. */
@@ -364,18 +380,18 @@ NUV1MATH_API void AffineCoefsToOmographicCoefs(const TAffineCoefs& a_Affine, TOm
  *  Order of calls: InitCholLowTri (or arrays of the caller's own, filled with zeros); one UpdateNormMatrixLowTri per
  *  observation; CholeskyLowTri; if that returned true, SolveCholLowTri; DeleteCholLowTri.
  *
- *  Nothing is validated: no null pointers, no indices beyond n. Source: G. H. Golub, C. F. Van Loan, Matrix
- *  Computations, 4th ed., section 4.2 (Cholesky) and 5.3 (normal equations). @{ */
+ *  Nothing is validated, neither pointers nor indices. Source: G. H. Golub, C. F. Van Loan, Matrix
+ *  Computations, 4th ed., sections 4.2 (Cholesky) and 5.3 (normal equations). @{ */
 
 /** Allocates a packed matrix and a vector for n unknowns, filled with zeros.
  *
  *  @param a_iUnknowns n; less than 1 counts as 0: what the allocator gives for no bytes, possibly null
- *  @param a_vdMatrix  out: address of n(n+1)/2 doubles
- *  @param a_vdVector  out: address of n doubles
+ *  @param a_pMatrix   out: address of n(n+1)/2 doubles
+ *  @param a_pVector   out: address of n doubles
  *
  *  If either cannot be allocated, both addresses are null and nothing is left allocated. Release by DeleteCholLowTri
  *  only. */
-NUV1MATH_API void InitCholLowTri(int a_iUnknowns, double** a_vdMatrix, double** a_vdVector);
+NUV1MATH_API void InitCholLowTri(int a_iUnknowns, double** a_pMatrix, double** a_pVector);
 
 /** Releases what InitCholLowTri allocated. Null pointers are harmless.
  *
@@ -412,7 +428,7 @@ NUV1MATH_API void UpdateNormMatrixLowTri(int a_iUnknowns, double* a_vdMatrix, do
 /** Factorises N = L L^T in place, column by column, without pivoting and without tolerance.
  *
  *  Limit: a radicand of exactly 0 passes. In the last row the result is then true and SolveCholLowTri divides by zero;
- *  in an earlier one the column below becomes infinite or NaN, which normally fails at a later diagonal.
+ *  in an earlier one the column below becomes infinite or NaN, which fails at the next diagonal.
  *
  *  @param a_iUnknowns n; if it is less than 1 the result is true and nothing is touched
  *  @param a_vdMatrix  in: packed N; out: packed L, n(n+1)/2 values
@@ -434,8 +450,8 @@ NUV1MATH_API void SolveCholLowTri(int a_iUnknowns, const double* a_vdFactor, dou
 /** Solves a11 x + a12 y = b1, a21 x + a22 y = b2 by Cramer's rule.
  *
  *  Limits: the tolerances are absolute, so a well-conditioned system of small coefficients counts as singular: scale
- *  the equations. For a singular system only the numerator of x, a22 b1 - a12 b2, is examined, not that of y: for
- *  instance all coefficients 0 with b1 = 0 gives RET_INDETERMINATE whatever b2.
+ *  the equations. For a singular system only the numerator of x, a22 b1 - a12 b2, is examined, not that of y: all
+ *  coefficients 0 give RET_INDETERMINATE whatever finite b1 and b2.
  *
  *  @param a_dA11 a11
  *  @param a_dA12 a12
@@ -445,8 +461,8 @@ NUV1MATH_API void SolveCholLowTri(int a_iUnknowns, const double* a_vdFactor, dou
  *  @param a_dB2  b2
  *  @param a_dX   out: x
  *  @param a_dY   out: y
- *  @return 1; or with x and y untouched, if the determinant a11 a22 - a12 a21 is zero: RET_INDETERMINATE (a continuum
- *          of solutions) if the numerator of x is zero too, else RET_IMPOSSIBLE. */
+ *  @return 1; or with x and y untouched, if the determinant a11 a22 - a12 a21 is zero: RET_INDETERMINATE
+ *          (usually a continuum of solutions) if the numerator of x is zero too, else RET_IMPOSSIBLE. */
 NUV1MATH_API int Roots(double a_dA11, double a_dA12, double a_dA21, double a_dA22, double a_dB1, double a_dB2,
                        double& a_dX, double& a_dY);
 
@@ -461,7 +477,7 @@ NUV1MATH_API int Roots(double a_dA11, double a_dA12, double a_dA21, double a_dA2
 /** Factorises A = L L^T in place, column by column, without pivoting and without tolerance.
  *
  *  Limit: a radicand of exactly 0 passes. In the last row the result is then true and SolveChol divides by zero; in an
- *  earlier one the column below becomes infinite or NaN, which normally fails at a later diagonal.
+ *  earlier one the column below becomes infinite or NaN, which fails at the next diagonal.
  *
  *  @param a_iN       n; if it is less than 1 the result is true and nothing is touched
  *  @param a_vdMatrix in: lower triangle of A; out: L; n n values
@@ -487,11 +503,13 @@ NUV1MATH_API void SolveChol(int a_iN, const double* a_vdFactor, double* a_vdVect
  *  - **A count below the number of real roots is possible without notice.** The iteration gives up on some ordinary
  *    polynomials; the eigenvalues that it has not found by then are never reported. x^4 - 2x^2 + 1, with the double
  *    roots 1 and -1, gives 0 roots.
- *  - A multiple root splits into neighbours at a distance of about the k-th root of 1e-16 (1e-8 for a double, 1e-5 for
- *    a triple root), as real values or as complex pairs. A pair within the tolerance counts as two real roots,
- *    one outside as none. The tolerance must be greater than that distance, and 1e-6 suits quartics with coefficients
- *    around 1.
+ *  - A root of multiplicity k splits into neighbours at a distance of about the k-th root of 1e-16 (1e-8 for a double,
+ *    1e-5 for a triple root), as real values or as complex pairs. A pair within the tolerance counts as two real
+ *    roots, one outside as none. The tolerance must be greater than that distance; 1e-6 suits quartics with
+ *    coefficients around 1.
  *  - Roots are as exact as the eigenvalues and are not polished.
+ *  - The other coefficients are multiplied by the reciprocal of the leading one; that reciprocal and the products must
+ *    not overflow.
  *  - Time grows with the cube of the degree and memory with its square.
  *
  *  Method: leading zero coefficients lower the degree, trailing ones are roots 0. The companion matrix of the rest is
@@ -503,18 +521,24 @@ NUV1MATH_API void SolveChol(int a_iN, const double* a_vdFactor, double* a_vdVect
  *  @param vdA         iDegree + 1 coefficients, that of the highest power first; a coefficient counts as zero only if
  *                     it is exactly 0
  *  @param a_vdRoots   out: the roots, room for iDegree values; only as many as the result says are written, except that
- *                     zero roots may stand there when the result is 0 for want of memory
+ *                     zero roots may stand there beside a result of 0 for want of memory
  *  @param a_dTolerance an eigenvalue counts as real if its imaginary part is below this in absolute value; with 0, a
  *                     negative value or NaN only the roots 0 of trailing zeros are reported
  *  @return the number of roots written, each as often as it was found: first those that are exactly 0 by trailing
  *          zeros, then the others in no particular order; RET_IMPOSSIBLE for a constant other than 0 and
- *          RET_INDETERMINATE for all coefficients 0, a_vdRoots untouched; 0 if scratch memory cannot be had. */
+ *          RET_INDETERMINATE for all coefficients 0, a_vdRoots untouched. If scratch memory cannot be had, 0, the
+ *          roots that are exactly 0 alone, or (for want of a table of column addresses only) the roots of the
+ *          unbalanced matrix. */
 NUV1MATH_API int Roots(unsigned int iDegree, const double* vdA, double* a_vdRoots, double a_dTolerance);
 
 /** @} */
 
 /** @name Trigonometric equations
- *  Angles are in [0, 2 pi], both ends included; -0.0 occurs. Coefficients are compared exactly. @{ */
+ *  Angles are in [0, 2 pi], both ends included; -0.0 occurs. Coefficients are compared exactly.
+ *
+ *  Limit: squares and products of the coefficients must neither overflow nor underflow (magnitudes of about 1e-150 to
+ *  1e150), or angles are wrong, missing or invented without notice: scale the equation by a power of 2. NaN
+ *  coefficients can give NaN angles. @{ */
 
 /** The angles t that solve a cos(t) + b sin(t) + c = 0.
  *
@@ -527,8 +551,8 @@ NUV1MATH_API int Roots(unsigned int iDegree, const double* vdA, double* a_vdRoot
  *  @param a_dA       a
  *  @param a_dB       b
  *  @param a_dC       c
- *  @param a_vdAngles out: the angles, room for 2; ascending, except for a = 0 or c = 0 (where the two differ in the
- *                    sign of a cosine or lie opposite to each other)
+ *  @param a_vdAngles out: the angles, room for 2; ascending, except for c = 0 with a > 0 and b not 0, where the
+ *                    greater one comes first
  *  @return the number of angles written, 0 to 2; RET_INDETERMINATE if a = b = c = 0 (every angle solves);
  *          RET_IMPOSSIBLE if there is no solution and a or b is 0. If neither is 0, no solution is told by the count 0.
  *          a_vdAngles is untouched if the result is not positive. */
@@ -538,7 +562,8 @@ NUV1MATH_API int SolveLinTrig(double a_dA, double a_dB, double a_dC, double* con
  *
  *  Limits: where a quartic is solved (d or e not 0, and c not 0 or a not equal to b), the limits of the polynomial
  *  Roots hold: **tangent solutions, which are double roots, can be missed or found twice at a distance of about 1e-8,
- *  and angles can be missed where the iteration gives up.** Put the angles back into the equation if it matters.
+ *  and angles can be missed where the iteration gives up.** (cos(t) - 0.5)^2 = 0 gives no angle, (cos(t) - 0.6)^2 = 0
+ *  each of its two angles twice.
  *
  *  Method: a product of linear factors or a quadratic in tan(t) if d = e = 0; the linear equation if c = 0 and a = b;
  *  otherwise a quartic in tan(t/2), its roots with an imaginary part below 1e-6. The angles are sorted, and those
@@ -551,9 +576,9 @@ NUV1MATH_API int SolveLinTrig(double a_dA, double a_dB, double a_dC, double* con
  *  @param a_dE       e
  *  @param a_dF       f
  *  @param a_vdAngles out: the angles, ascending, room for 4; what stands beyond the count is of no meaning
- *  @return the number of different angles written, 0 to 4; RET_INDETERMINATE if every angle solves (told for d = e = 0
- *          and for c = 0, a = b only); RET_IMPOSSIBLE if there is no solution, the equation is linear (c = 0, a = b)
- *          and d or e is 0; otherwise no solution is told by the count 0. */
+ *  @return the number of different angles written, 0 to 4; RET_INDETERMINATE if every angle solves (a + f, b + f, c, d
+ *          and e all 0); RET_IMPOSSIBLE if there is no solution, c = 0, a = b and exactly one of d and e is 0;
+ *          otherwise no solution is told by the count 0. a_vdAngles is untouched if the result is not positive. */
 NUV1MATH_API int SolveQuadTrig(double a_dA, double a_dB, double a_dC, double a_dD, double a_dE, double a_dF,
                                double* const a_vdAngles);
 
@@ -561,8 +586,11 @@ NUV1MATH_API int SolveQuadTrig(double a_dA, double a_dB, double a_dC, double a_d
 
 /** @name Random numbers
  *  **One state for the whole process, shared by all threads and not locked:** callers that draw from several threads
- *  serialise their calls. Loading the library seeds it with -1, so every process starts with the same sequence. Not for
- *  cryptography.
+ *  serialise their calls. Loading the library seeds it with -1, so every process starts with the same sequence.
+ *
+ *  Limits: the generator that makes the leading digits repeats after 259200 values. From about a million values on they
+ *  are spread more evenly than chance, and pairs of consecutive values fail a chi-square test: not for simulations that
+ *  draw more than some hundred thousand values, nor for cryptography.
  *
  *  Method: three linear congruential generators (moduli 259200, 134456, 243000), two of which form a value and the
  *  third of which draws from a table of 97. Source: C. Bays, S. D. Durham, ACM Trans. Math. Softw. 2 (1976) 59-64; for
@@ -571,8 +599,7 @@ NUV1MATH_API int SolveQuadTrig(double a_dA, double a_dB, double a_dC, double a_d
 /** Restarts the sequence of uniform numbers. A normal number that waits from an earlier Randn is not dropped: the next
  *  Randn still returns it.
  *
- *  @param a_iSeed any value; there are fewer sequences (at most 518399) than seeds, so different seeds can give the
- *                 same one */
+ *  @param a_iSeed any value; there are only 259200 sequences, so different seeds can give the same one */
 NUV1MATH_API void SetRandomSeed(int a_iSeed);
 
 /** A uniform random number.
@@ -584,7 +611,8 @@ NUV1MATH_API double Rand();
  *
  *  @param a_dLow  low; may be greater than high
  *  @param a_dHigh high
- *  @return a value from low on towards high; high itself can come by rounding */
+ *  @return a value of [low, high), or (high, low] if low is greater; high itself can come by rounding. high - low must
+ *          not overflow */
 NUV1MATH_API double Rand(double a_dLow, double a_dHigh);
 
 /** A random number of the standard normal distribution. Two are made at a time: every second call returns the second.

@@ -1,0 +1,334 @@
+// allocation_test.cpp: which functions allocate, how much, and what they do when the allocator fails.
+// Copyright (c) 2026 the nuv1math authors
+// SPDX-License-Identifier: MIT
+//
+// Linked with the library's own objects and with --wrap for the allocator, so that every reference of the library to
+// malloc, calloc, realloc and free comes here.
+
+#include "nuv1math.h"
+#include "testing.h"
+
+#include <climits>
+#include <cstdlib>
+#include <set>
+
+extern "C" {
+void* __real_malloc(std::size_t a_iBytes);
+void* __real_calloc(std::size_t a_iCount, std::size_t a_iBytes);
+void* __real_realloc(void* a_pMemory, std::size_t a_iBytes);
+void __real_free(void* a_pMemory);
+void* __wrap_malloc(std::size_t a_iBytes);
+void* __wrap_calloc(std::size_t a_iCount, std::size_t a_iBytes);
+void* __wrap_realloc(void* a_pMemory, std::size_t a_iBytes);
+void __wrap_free(void* a_pMemory);
+}
+
+namespace {
+
+using namespace nuv_tests;
+
+const std::size_t MostBytes = 1 << 20; // requests above this fail: they are looked at, not served
+const int Never = -1;
+
+// What the allocator is asked for while it is watched.
+struct TAllocator
+{
+    bool bWatched = false;
+    int iFailAt = Never; // the request that fails, counted from 0
+    std::vector<std::size_t> viRequests;
+    std::set<void*> Held;
+    int iReleases = 0;
+    int iForeignReleases = 0; // of what is not held, null pointers apart
+    int iOther = 0;           // calloc and realloc
+};
+
+TAllocator Allocator;
+
+// Watches the allocator as long as it lives.
+class TWatch
+{
+public:
+    explicit TWatch(int a_iFailAt = Never)
+    {
+        Allocator = TAllocator();
+        Allocator.iFailAt = a_iFailAt;
+        Allocator.bWatched = true;
+    }
+
+    ~TWatch()
+    {
+        Allocator.bWatched = false;
+    }
+
+    TWatch(const TWatch&) = delete;
+    TWatch& operator=(const TWatch&) = delete;
+};
+
+} // namespace
+
+extern "C" {
+
+void* __wrap_malloc(std::size_t a_iBytes)
+{
+    if (!Allocator.bWatched)
+    {
+        return __real_malloc(a_iBytes);
+    }
+    Allocator.bWatched = false; // what the bookkeeping allocates does not count
+    const bool bFail = static_cast<int>(Allocator.viRequests.size()) == Allocator.iFailAt || a_iBytes > MostBytes;
+    Allocator.viRequests.push_back(a_iBytes);
+    void* const pMemory = bFail ? nullptr : __real_malloc(a_iBytes);
+    if (pMemory != nullptr)
+    {
+        std::memset(pMemory, 0xA5, a_iBytes); // as dirty as memory can be
+        Allocator.Held.insert(pMemory);
+    }
+    Allocator.bWatched = true;
+    return pMemory;
+}
+
+void* __wrap_calloc(std::size_t a_iCount, std::size_t a_iBytes)
+{
+    Allocator.iOther += Allocator.bWatched ? 1 : 0;
+    return __real_calloc(a_iCount, a_iBytes);
+}
+
+void* __wrap_realloc(void* a_pMemory, std::size_t a_iBytes)
+{
+    Allocator.iOther += Allocator.bWatched ? 1 : 0;
+    return __real_realloc(a_pMemory, a_iBytes);
+}
+
+void __wrap_free(void* a_pMemory)
+{
+    if (Allocator.bWatched && a_pMemory != nullptr)
+    {
+        Allocator.bWatched = false;
+        ++Allocator.iReleases;
+        Allocator.iForeignReleases += Allocator.Held.erase(a_pMemory) == 0 ? 1 : 0;
+        Allocator.bWatched = true;
+    }
+    __real_free(a_pMemory);
+}
+
+} // extern "C"
+
+namespace {
+
+void ExpectNothingHeld()
+{
+    EXPECT_TRUE(Allocator.Held.empty());
+    EXPECT_EQ(0, Allocator.iForeignReleases);
+    EXPECT_EQ(0, Allocator.iOther);
+}
+
+// --- InitCholLowTri, DeleteCholLowTri
+// ---------------------------------------------------------------------------------
+
+TEST(InitCholLowTri, AsksForThePackedMatrixAndThenForTheVector)
+{
+    for (std::size_t iUnknowns : {1, 2, 3, 8, 9, 100})
+    {
+        SCOPED_TRACE(iUnknowns);
+        double* vdMatrix = nullptr;
+        double* vdVector = nullptr;
+        TWatch Watch;
+        nuv::InitCholLowTri(static_cast<int>(iUnknowns), &vdMatrix, &vdVector);
+        const std::vector<std::size_t> viExpected = {iUnknowns * (iUnknowns + 1) / 2 * 8, iUnknowns * 8};
+        EXPECT_EQ(viExpected, Allocator.viRequests);
+        EXPECT_EQ((std::set<void*>{vdMatrix, vdVector}), Allocator.Held);
+        for (std::size_t i = 0; i < iUnknowns * (iUnknowns + 1) / 2; ++i)
+        {
+            EXPECT_SAME_BITS(0.0, vdMatrix[i]);
+        }
+        for (std::size_t i = 0; i < iUnknowns; ++i)
+        {
+            EXPECT_SAME_BITS(0.0, vdVector[i]);
+        }
+        nuv::DeleteCholLowTri(vdMatrix, vdVector);
+        EXPECT_EQ(2, Allocator.iReleases);
+        ExpectNothingHeld();
+    }
+}
+
+TEST(InitCholLowTri, ZeroAndNegativeCountsAskTwiceForNoBytes)
+{
+    for (int iUnknowns : {0, -1, -2, -100, INT_MIN})
+    {
+        double* vdMatrix = nullptr;
+        double* vdVector = nullptr;
+        TWatch Watch;
+        nuv::InitCholLowTri(iUnknowns, &vdMatrix, &vdVector);
+        EXPECT_EQ((std::vector<std::size_t>{0, 0}), Allocator.viRequests);
+        nuv::DeleteCholLowTri(vdMatrix, vdVector);
+        ExpectNothingHeld();
+    }
+}
+
+TEST(InitCholLowTri, AFailedAllocationOfEitherGivesTwoNullPointersAndLeaksNothing)
+{
+    for (int iFailAt : {0, 1})
+    {
+        SCOPED_TRACE(iFailAt);
+        double Stale = Untouched;
+        double* vdMatrix = &Stale;
+        double* vdVector = &Stale;
+        TWatch Watch(iFailAt);
+        nuv::InitCholLowTri(8, &vdMatrix, &vdVector);
+        EXPECT_EQ(nullptr, vdMatrix);
+        EXPECT_EQ(nullptr, vdVector);
+        EXPECT_GE(static_cast<int>(Allocator.viRequests.size()), iFailAt + 1);
+        ExpectNothingHeld();
+        EXPECT_SAME_BITS(Untouched, Stale);
+        nuv::DeleteCholLowTri(vdMatrix, vdVector);
+    }
+}
+
+TEST(InitCholLowTri, CountsWhoseSizePassesAnIntAreAskedForInFull)
+{
+    if (sizeof(std::size_t) < 8)
+    {
+        GTEST_SKIP() << "sizes of more than 4 GB needed";
+    }
+    for (std::uint64_t iUnknowns : {46340u, 46341u, 65535u, 65536u, 70000u, 2147483646u, 2147483647u})
+    {
+        SCOPED_TRACE(iUnknowns);
+        double* vdMatrix = nullptr;
+        double* vdVector = nullptr;
+        TWatch Watch;
+        nuv::InitCholLowTri(static_cast<int>(iUnknowns), &vdMatrix, &vdVector);
+        ASSERT_FALSE(Allocator.viRequests.empty());
+        EXPECT_EQ(iUnknowns * (iUnknowns + 1) / 2 * 8, Allocator.viRequests.front());
+        EXPECT_EQ(nullptr, vdMatrix);
+        EXPECT_EQ(nullptr, vdVector);
+        ExpectNothingHeld();
+    }
+}
+
+TEST(DeleteCholLowTri, ReleasesTheMatrixAndTheVectorAndNoNullPointer)
+{
+    TWatch Watch;
+    nuv::DeleteCholLowTri(nullptr, nullptr);
+    EXPECT_EQ(0, Allocator.iReleases);
+    double* vdMatrix = nullptr;
+    double* vdVector = nullptr;
+    nuv::InitCholLowTri(2, &vdMatrix, &vdVector);
+    nuv::DeleteCholLowTri(vdMatrix, nullptr);
+    EXPECT_EQ((std::set<void*>{vdVector}), Allocator.Held);
+    nuv::DeleteCholLowTri(nullptr, vdVector);
+    ExpectNothingHeld();
+}
+
+// --- CalcCoefs
+// --------------------------------------------------------------------------------------------------------
+
+const double SourceX[] = {0.0, 4.0, 5.0, 1.0, 2.0};
+const double SourceY[] = {0.0, 1.0, 4.0, 3.0, 1.5};
+const double TargetX[] = {1.0, 6.0, 5.0, -1.0, 3.0};
+const double TargetY[] = {2.0, 3.5, 9.0, 6.0, 4.0};
+const double AllEqual[] = {1.0, 1.0, 1.0, 1.0, 1.0};
+const int Points = 5;
+
+bool Choose(const double* a_vdX, const double* a_vdY, bool a_bSameOrientation, nuv::enumMethodUsed a_Requested,
+            nuv::enumMethodUsed& a_Used, nuv::TOmographicParams& a_Params)
+{
+    return nuv::CalcCoefs(Points, a_vdX, a_vdY, TargetX, TargetY, a_bSameOrientation, a_Requested, a_Used, a_Params);
+}
+
+TEST(CalcCoefs, AFailedAllocationOfTheMirroredTargetIsFalseAndTouchesNothing)
+{
+    for (nuv::enumMethodUsed Before : {nuv::METHOD_CONFORMAL, nuv::METHOD_OMOGRAPHIC})
+    {
+        nuv::enumMethodUsed Used = Before;
+        auto Params = Filled<nuv::TOmographicParams>();
+        TWatch Watch(0);
+        EXPECT_FALSE(Choose(SourceX, SourceY, false, nuv::METHOD_CONFORMAL, Used, Params));
+        EXPECT_EQ(Before, Used);
+        EXPECT_TRUE(SameRecord(Filled<nuv::TOmographicParams>(), Params));
+        EXPECT_EQ(1u, Allocator.viRequests.size());
+        ExpectNothingHeld();
+    }
+}
+
+TEST(CalcCoefs, TheMirroredTargetIsOneArrayAndIsReleasedWhateverTheFitReturns)
+{
+    const struct
+    {
+        const double* vdX;
+        const double* vdY;
+        bool bResult;
+    } Cases[] = {{SourceX, SourceY, true}, {AllEqual, AllEqual, false}};
+    for (const auto& Case : Cases)
+    {
+        nuv::enumMethodUsed Used = nuv::METHOD_OMOGRAPHIC;
+        auto Params = Filled<nuv::TOmographicParams>();
+        TWatch Watch;
+        EXPECT_EQ(Case.bResult, Choose(Case.vdX, Case.vdY, false, nuv::METHOD_CONFORMAL, Used, Params));
+        EXPECT_EQ(Case.bResult ? nuv::METHOD_CONFORMAL : nuv::METHOD_OMOGRAPHIC, Used);
+        EXPECT_EQ(std::vector<std::size_t>{Points * sizeof(double)}, Allocator.viRequests);
+        ExpectNothingHeld();
+    }
+}
+
+TEST(CalcCoefs, NothingElseInItAllocates)
+{
+    for (nuv::enumMethodUsed Requested : {nuv::METHOD_CONFORMAL, nuv::METHOD_AFFINE, nuv::METHOD_OMOGRAPHIC})
+    {
+        for (bool bSameOrientation : {true, false})
+        {
+            if (Requested == nuv::METHOD_CONFORMAL && !bSameOrientation)
+            {
+                continue; // the mirrored target
+            }
+            nuv::enumMethodUsed Used = nuv::METHOD_CONFORMAL;
+            nuv::TOmographicParams Params;
+            TWatch Watch(0);
+            EXPECT_TRUE(Choose(SourceX, SourceY, bSameOrientation, Requested, Used, Params));
+            EXPECT_EQ(Requested, Used);
+            EXPECT_TRUE(Allocator.viRequests.empty());
+            ExpectNothingHeld();
+        }
+    }
+}
+
+// --- All others
+// -------------------------------------------------------------------------------------------------------
+
+TEST(OtherFunctions, NeitherAllocateNorRelease)
+{
+    double d[6];
+    double vdMatrix[3] = {0.0, 0.0, 0.0};
+    double vdVector[2] = {0.0, 0.0};
+    const double vdRow[] = {1.0, 2.0};
+    const int viIndices[] = {1, 0};
+    nuv::TAffineCoefs Affine;
+    nuv::TAffineCoefs InverseAffine;
+    nuv::TConformalCoefs Conformal;
+    nuv::TConformalCoefs InverseConformal;
+    nuv::TOmographicParams Params;
+    {
+        TWatch Watch(0);
+        EXPECT_EQ(1, nuv::CalcConformalCoefs(Points, SourceX, SourceY, TargetX, TargetY, false, Conformal));
+        EXPECT_EQ(1, nuv::CalcAffineCoefs(Points, SourceX, SourceY, TargetX, TargetY, Affine));
+        EXPECT_EQ(1, nuv::CalcOmographicCoefs(Points, SourceX, SourceY, TargetX, TargetY, Params));
+        nuv::AffineParamsToCoefs(2.0, 3.0, 0.1, 0.2, 10.0, 20.0, Affine);
+        EXPECT_EQ(1, nuv::AffineCoefsToParam(Affine, d[0], d[1], d[2], d[3], d[4], d[5]));
+        EXPECT_EQ(1, nuv::AffineCoefsToInvCoefs(Affine, InverseAffine));
+        nuv::AffineUntransform(Affine, 1.0, 2.0, d[0], d[1]);
+        nuv::ConformalParamsToCoefs(2.0, 0.1, 10.0, 20.0, Conformal);
+        EXPECT_EQ(1, nuv::ConformalCoefsToParam(Conformal, d[0], d[1], d[2], d[3]));
+        nuv::ConformalCoefsToInvCoefs(Conformal, InverseConformal);
+        nuv::ConformalCoefsToAffineCoefs(Conformal, Affine);
+        nuv::AffineCoefsToOmographicCoefs(Affine, Params);
+        nuv::UpdateNormMatrixLowTri(2, vdMatrix, vdVector, vdRow, 3.0);
+        nuv::UpdateNormMatrixLowTri(2, vdMatrix, vdVector, 2, vdRow, viIndices, 4.0);
+        EXPECT_TRUE(nuv::CholeskyLowTri(2, vdMatrix));
+        nuv::SolveCholLowTri(2, vdMatrix, vdVector);
+        EXPECT_EQ(1, nuv::Roots(2.0, 0.0, 0.0, 4.0, 2.0, 8.0, d[0], d[1]));
+    }
+    EXPECT_TRUE(Allocator.viRequests.empty());
+    EXPECT_EQ(0, Allocator.iReleases);
+    EXPECT_EQ(0, Allocator.iOther);
+}
+
+} // namespace

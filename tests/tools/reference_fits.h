@@ -1,0 +1,193 @@
+// reference_fits.h: least-squares fits of the three kinds by an independent way: QR in long double, normalised points.
+// Copyright (c) 2026 the nuv1math authors
+// SPDX-License-Identifier: MIT
+
+#ifndef NUV_TESTS_TOOLS_REFERENCE_FITS_H
+#define NUV_TESTS_TOOLS_REFERENCE_FITS_H
+
+#include <Eigen/Dense>
+#include <array>
+#include <cmath>
+#include <string>
+#include <vector>
+
+namespace nuv_reference {
+
+using TReal = long double;
+using TMatrix = Eigen::Matrix<TReal, Eigen::Dynamic, Eigen::Dynamic>;
+using TVector = Eigen::Matrix<TReal, Eigen::Dynamic, 1>;
+
+// A control point: x, y of the source, X, Y of the target.
+using TControlPoint = std::array<double, 4>;
+
+// Residual of a point, computed less given, in X and Y.
+using TResidual = std::array<TReal, 2>;
+
+// Points with their mean at the origin and a mean distance of 1 from it, on either side; one row per point.
+struct TNormalised
+{
+    TMatrix Source, Target;
+    TReal dTargetScale; // target units per normalised unit
+};
+
+inline TReal Normalise(TMatrix& a_Points)
+{
+    a_Points.rowwise() -= a_Points.colwise().mean().eval();
+    const TReal dScale = a_Points.rowwise().norm().mean();
+    a_Points /= dScale;
+    return dScale;
+}
+
+inline TNormalised Normalised(const std::vector<TControlPoint>& a_vPoints)
+{
+    const auto iCount = static_cast<Eigen::Index>(a_vPoints.size());
+    TNormalised Result = {TMatrix(iCount, 2), TMatrix(iCount, 2), 1};
+    for (Eigen::Index i = 0; i < iCount; ++i)
+    {
+        const TControlPoint& P = a_vPoints[static_cast<std::size_t>(i)];
+        Result.Source.row(i) << P[0], P[1];
+        Result.Target.row(i) << P[2], P[3];
+    }
+    Normalise(Result.Source);
+    Result.dTargetScale = Normalise(Result.Target);
+    return Result;
+}
+
+// The solution of a_Rows * unknowns = a_Values with the least sum of squares.
+inline TVector Solve(const TMatrix& a_Rows, const TVector& a_Values)
+{
+    return a_Rows.colPivHouseholderQr().solve(a_Values);
+}
+
+inline std::vector<TResidual> InTargetUnits(const TVector& a_Residuals, TReal a_dScale)
+{
+    std::vector<TResidual> vResiduals;
+    for (Eigen::Index i = 0; i + 1 < a_Residuals.size(); i += 2)
+    {
+        vResiduals.push_back({a_Residuals(i) * a_dScale, a_Residuals(i + 1) * a_dScale});
+    }
+    return vResiduals;
+}
+
+// Fills an X row and a Y row per point by a_Fill(x, y, rowX, rowY).
+template <class TFill> TMatrix Rows(const TNormalised& a_Points, Eigen::Index a_iUnknowns, TFill a_Fill)
+{
+    TMatrix Result = TMatrix::Zero(2 * a_Points.Source.rows(), a_iUnknowns);
+    for (Eigen::Index i = 0; i < a_Points.Source.rows(); ++i)
+    {
+        a_Fill(i, a_Points.Source(i, 0), a_Points.Source(i, 1), Result);
+    }
+    return Result;
+}
+
+// X and Y of the target in turn.
+inline TVector Values(const TNormalised& a_Points)
+{
+    TVector Result(2 * a_Points.Target.rows());
+    for (Eigen::Index i = 0; i < a_Points.Target.rows(); ++i)
+    {
+        Result.segment(2 * i, 2) = a_Points.Target.row(i).transpose();
+    }
+    return Result;
+}
+
+inline std::vector<TResidual> LinearResiduals(const TNormalised& a_Points, const TMatrix& a_Rows)
+{
+    const TVector Target = Values(a_Points);
+    return InTargetUnits(a_Rows * Solve(a_Rows, Target) - Target, a_Points.dTargetScale);
+}
+
+// X = a x + b y + c, Y = -b x + a y + d; with the signs of Y turned where the orientation is reversed.
+inline std::vector<TResidual> ConformalResiduals(const std::vector<TControlPoint>& a_vPoints, bool a_bMirrored)
+{
+    const TNormalised Points = Normalised(a_vPoints);
+    const TReal dSign = a_bMirrored ? -1 : 1;
+    return LinearResiduals(Points, Rows(Points, 4,
+                                        [&](Eigen::Index i, TReal x, TReal y, TMatrix& a_Rows)
+                                        {
+                                            a_Rows.row(2 * i) << x, y, 1, 0;
+                                            a_Rows.row(2 * i + 1) << dSign * y, -dSign * x, 0, 1;
+                                        }));
+}
+
+inline std::vector<TResidual> AffineResiduals(const std::vector<TControlPoint>& a_vPoints)
+{
+    const TNormalised Points = Normalised(a_vPoints);
+    return LinearResiduals(Points, Rows(Points, 6,
+                                        [&](Eigen::Index i, TReal x, TReal y, TMatrix& a_Rows)
+                                        {
+                                            a_Rows.row(2 * i) << x, y, 1, 0, 0, 0;
+                                            a_Rows.row(2 * i + 1) << 0, 0, 0, x, y, 1;
+                                        }));
+}
+
+// Residuals of the omographic transformation with the coefficients A ... H.
+inline TVector OmographicMisfit(const TNormalised& a_Points, const TVector& a_Coefs)
+{
+    TVector Result(2 * a_Points.Source.rows());
+    for (Eigen::Index i = 0; i < a_Points.Source.rows(); ++i)
+    {
+        const TReal x = a_Points.Source(i, 0);
+        const TReal y = a_Points.Source(i, 1);
+        const TReal dW = a_Coefs(6) * x + a_Coefs(7) * y + 1;
+        Result(2 * i) = (a_Coefs(0) * x + a_Coefs(1) * y + a_Coefs(2)) / dW - a_Points.Target(i, 0);
+        Result(2 * i + 1) = (a_Coefs(3) * x + a_Coefs(4) * y + a_Coefs(5)) / dW - a_Points.Target(i, 1);
+    }
+    return Result;
+}
+
+// Gauss-Newton with steps that are halved until the sum of squares falls, from the solution of the equations that are
+// multiplied out, until nothing improves.
+inline std::vector<TResidual> OmographicResiduals(const std::vector<TControlPoint>& a_vPoints)
+{
+    const TNormalised Points = Normalised(a_vPoints);
+    const TMatrix Linear = Rows(Points, 8,
+                                [&](Eigen::Index i, TReal x, TReal y, TMatrix& a_Rows)
+                                {
+                                    const TReal X = Points.Target(i, 0);
+                                    const TReal Y = Points.Target(i, 1);
+                                    a_Rows.row(2 * i) << x, y, 1, 0, 0, 0, -X * x, -X * y;
+                                    a_Rows.row(2 * i + 1) << 0, 0, 0, x, y, 1, -Y * x, -Y * y;
+                                });
+    TVector Coefs = Solve(Linear, Values(Points));
+    TVector Misfit = OmographicMisfit(Points, Coefs);
+    for (int iIteration = 0; iIteration < 200; ++iIteration)
+    {
+        const TMatrix Jacobian = Rows(Points, 8,
+                                      [&](Eigen::Index i, TReal x, TReal y, TMatrix& a_Rows)
+                                      {
+                                          const TReal dW = Coefs(6) * x + Coefs(7) * y + 1;
+                                          const TReal X = (Misfit(2 * i) + Points.Target(i, 0)) / dW;
+                                          const TReal Y = (Misfit(2 * i + 1) + Points.Target(i, 1)) / dW;
+                                          a_Rows.row(2 * i) << x / dW, y / dW, 1 / dW, 0, 0, 0, -X * x, -X * y;
+                                          a_Rows.row(2 * i + 1) << 0, 0, 0, x / dW, y / dW, 1 / dW, -Y * x, -Y * y;
+                                      });
+        TVector Step = -Solve(Jacobian, Misfit);
+        TVector Next = OmographicMisfit(Points, Coefs + Step);
+        for (int iHalving = 0; iHalving < 40 && !(Next.squaredNorm() <= Misfit.squaredNorm()); ++iHalving)
+        {
+            Step /= 2;
+            Next = OmographicMisfit(Points, Coefs + Step);
+        }
+        if (!(Next.squaredNorm() < Misfit.squaredNorm()))
+        {
+            break;
+        }
+        Coefs += Step;
+        Misfit = Next;
+    }
+    return InTargetUnits(Misfit, Points.dTargetScale);
+}
+
+// By the name of the kind.
+inline std::vector<TResidual> ReferenceResiduals(const std::string& a_szKind, bool a_bMirrored,
+                                                 const std::vector<TControlPoint>& a_vPoints)
+{
+    return a_szKind == "omographic" ? OmographicResiduals(a_vPoints)
+           : a_szKind == "affine"   ? AffineResiduals(a_vPoints)
+                                    : ConformalResiduals(a_vPoints, a_bMirrored);
+}
+
+} // namespace nuv_reference
+
+#endif // NUV_TESTS_TOOLS_REFERENCE_FITS_H
