@@ -1,1 +1,530 @@
+// dense_cholesky_test.cpp: Cholesky factorisation and solution in full square storage.
+// Copyright (c) 2026 the nuv1math authors
 // SPDX-License-Identifier: MIT
+
+#include "nuv1math.h"
+#include "testing.h"
+
+#include <cfenv>
+#include <climits>
+#include <random>
+
+#if defined(__unix__)
+#include <sys/mman.h>
+#include <unistd.h>
+#endif
+
+namespace {
+
+using namespace nuv_tests;
+using TValues = std::vector<double>;
+using TRows = std::vector<TValues>; // the lower triangle, row i of i + 1 values
+
+// What stands in the strict upper triangle and around the matrix: signalling NaN, each with a number of its own. Any
+// operation on one raises the invalid flag.
+std::uint64_t Signalling(std::size_t a_iNumber)
+{
+    return 0x7ff0000000000001u + a_iNumber;
+}
+
+// A lower triangle in full storage, everything else signalling. The doubles are moved as bytes: moved as a number, one
+// may lose its signalling bit.
+class TSquare
+{
+public:
+    explicit TSquare(const TRows& a_Lower) : m_iN(a_Lower.size()), m_vdAll(m_iN * m_iN + 2 * Guards)
+    {
+        for (std::size_t i = 0; i < m_vdAll.size(); ++i)
+        {
+            const std::uint64_t iBits = Signalling(i);
+            std::memcpy(&m_vdAll[i], &iBits, sizeof iBits);
+        }
+        for (std::size_t i = 0; i < m_iN; ++i)
+        {
+            std::memcpy(Data() + i * m_iN, a_Lower[i].data(), (i + 1) * sizeof(double));
+        }
+    }
+
+    int Count() const
+    {
+        return static_cast<int>(m_iN);
+    }
+
+    double* Data()
+    {
+        return m_vdAll.data() + Guards;
+    }
+
+    TRows Lower() const
+    {
+        TRows Rows(m_iN);
+        for (std::size_t i = 0; i < m_iN; ++i)
+        {
+            Rows[i].resize(i + 1);
+            std::memcpy(Rows[i].data(), m_vdAll.data() + Guards + i * m_iN, (i + 1) * sizeof(double));
+        }
+        return Rows;
+    }
+
+    // True if everything but the lower triangle has the bits of the beginning.
+    bool RestIsUntouched() const
+    {
+        const TSquare Fresh(Lower());
+        return std::memcmp(Fresh.m_vdAll.data(), m_vdAll.data(), m_vdAll.size() * sizeof(double)) == 0;
+    }
+
+private:
+    static constexpr std::size_t Guards = 4;
+
+    std::size_t m_iN;
+    std::vector<double> m_vdAll;
+};
+
+::testing::AssertionResult SameRows(const TRows& a_Expected, const TRows& a_Actual)
+{
+    for (std::size_t i = 0; i < a_Expected.size(); ++i)
+    {
+        for (std::size_t j = 0; j <= i; ++j)
+        {
+            if (!SameBits(a_Expected[i][j], a_Actual.at(i).at(j)))
+            {
+                return ::testing::AssertionFailure()
+                       << "element (" << i << ", " << j << ") is " << HexText(a_Actual[i][j]) << ", not "
+                       << HexText(a_Expected[i][j]);
+            }
+        }
+    }
+    return ::testing::AssertionSuccess();
+}
+
+// Runs a statement that must not operate on a signalling NaN.
+template <class TStatement> auto Quietly(TStatement a_Statement)
+{
+    std::feclearexcept(FE_INVALID);
+    const auto Result = a_Statement();
+    EXPECT_EQ(0, std::fetestexcept(FE_INVALID)) << "the upper triangle was used";
+    return Result;
+}
+
+struct TFactorCase
+{
+    const char* szName;
+    TRows Before;
+    bool bResult;
+    TRows After;
+};
+
+// The special values in the lower triangle raise the invalid flag themselves where a_bFlagTells is false.
+void ExpectFactors(const std::vector<TFactorCase>& a_Cases, bool a_bFlagTells = true)
+{
+    for (const TFactorCase& Case : a_Cases)
+    {
+        SCOPED_TRACE(Case.szName);
+        TSquare Square(Case.Before);
+        const auto Factorise = [&] { return nuv::Cholesky(Square.Count(), Square.Data()); };
+        EXPECT_EQ(Case.bResult, a_bFlagTells ? Quietly(Factorise) : Factorise());
+        EXPECT_TRUE(SameRows(Case.After, Square.Lower()));
+        EXPECT_TRUE(Square.RestIsUntouched());
+    }
+}
+
+TValues SolveDense(const TRows& a_Factor, TValues a_vdVector)
+{
+    TSquare Square(a_Factor);
+    a_vdVector.insert(a_vdVector.begin(), Untouched);
+    a_vdVector.push_back(Untouched);
+    nuv::SolveChol(Square.Count(), Square.Data(), a_vdVector.data() + 1);
+    EXPECT_TRUE(SameRows(a_Factor, Square.Lower()));
+    EXPECT_TRUE(Square.RestIsUntouched());
+    EXPECT_SAME_BITS(Untouched, a_vdVector.front());
+    EXPECT_SAME_BITS(Untouched, a_vdVector.back());
+    return TValues(a_vdVector.begin() + 1, a_vdVector.end() - 1);
+}
+
+TValues Packed(const TRows& a_Lower)
+{
+    TValues vdPacked;
+    for (const TValues& vdRow : a_Lower)
+    {
+        vdPacked.insert(vdPacked.end(), vdRow.begin(), vdRow.end());
+    }
+    return vdPacked;
+}
+
+TValues SolvePacked(const TRows& a_Factor, TValues a_vdVector)
+{
+    nuv::SolveCholLowTri(static_cast<int>(a_Factor.size()), Packed(a_Factor).data(), a_vdVector.data());
+    return a_vdVector;
+}
+
+void ExpectValues(const TValues& a_vdExpected, const TValues& a_vdActual)
+{
+    ASSERT_EQ(a_vdExpected.size(), a_vdActual.size());
+    for (std::size_t i = 0; i < a_vdExpected.size(); ++i)
+    {
+        EXPECT_SAME_BITS(a_vdExpected[i], a_vdActual[i]) << "element " << i;
+    }
+}
+
+// --- Cholesky
+// ---------------------------------------------------------------------------------------------------------
+
+TEST(Cholesky, OfOneElementIsItsSquareRoot)
+{
+    ExpectFactors({{"4", {{4.0}}, true, {{2.0}}},
+                   {"2", {{2.0}}, true, {{std::sqrt(2.0)}}},
+                   {"0", {{0.0}}, true, {{0.0}}},
+                   {"-0", {{-0.0}}, true, {{-0.0}}}, // -0 >= 0, and its root is -0
+                   {"least", {{Subnormal}}, true, {{0x1p-537}}},
+                   {"infinite", {{Inf}}, true, {{Inf}}},
+                   {"negative", {{-Subnormal}}, false, {{-Subnormal}}}});
+    ExpectFactors({{"NaN", {{NaN}}, false, {{NaN}}}}, false);
+}
+
+TEST(Cholesky, LeavesTheUpperElementAsItWas)
+{
+    double vdMatrix[] = {4.0, 9.0, 2.0, 5.0};
+    EXPECT_TRUE(nuv::Cholesky(2, vdMatrix));
+    const double vdExpected[] = {2.0, 9.0, 1.0, 2.0};
+    ExpectValues({vdExpected, vdExpected + 4}, {vdMatrix, vdMatrix + 4});
+    double vdVector[] = {8.0, 13.0};
+    nuv::SolveChol(2, vdMatrix, vdVector);
+    ExpectValues({0.875, 2.25}, {vdVector, vdVector + 2});
+}
+
+TEST(Cholesky, OfFewerThanOneUnknownIsTrueAndTouchesNothing)
+{
+    for (int iN : {0, -1, -46342, INT_MIN})
+    {
+        double dElement = -1.0;
+        EXPECT_TRUE(nuv::Cholesky(iN, &dElement));
+        EXPECT_SAME_BITS(-1.0, dElement);
+        EXPECT_TRUE(nuv::Cholesky(iN, nullptr));
+        nuv::SolveChol(iN, nullptr, &dElement);
+        EXPECT_SAME_BITS(-1.0, dElement);
+        nuv::SolveChol(iN, nullptr, nullptr);
+    }
+}
+
+TEST(Cholesky, OfWholeNumbersIsExact)
+{
+    // L = [1; 2 3; -4 5 6; 7 -8 9 10]
+    ExpectFactors({{"4 x 4",
+                    {{1.0}, {2.0, 13.0}, {-4.0, 7.0, 77.0}, {7.0, -10.0, -14.0, 294.0}},
+                    true,
+                    {{1.0}, {2.0, 3.0}, {-4.0, 5.0, 6.0}, {7.0, -8.0, 9.0, 10.0}}}});
+}
+
+TEST(Cholesky, ScalesAColumnByTheReciprocalOfItsDiagonal)
+{
+    const double dReciprocal = 1.0 / 3.0;
+    const double dScaled = dReciprocal * 5.0;
+    ASSERT_NE(5.0 / 3.0, dScaled);
+    ExpectFactors({{"3", {{9.0}, {5.0, 100.0}}, true, {{3.0}, {dScaled, std::sqrt(100.0 - dScaled * dScaled)}}}});
+}
+
+// 2^54 and 1.5^2 off 2^54 + 8: next to the diagonal first, 2^54 + 5.75 rounds to 2^54 + 4, and 4 is left. From the
+// row's beginning it would be 8 - 2.25 = 5.75.
+TEST(Cholesky, SubtractsTheSquaresFromTheDiagonalBackToTheRowsBeginning)
+{
+    ExpectFactors(
+        {{"3 x 3", {{1.0}, {0.0, 1.0}, {0x1p27, 1.5, 0x1p54 + 8.0}}, true, {{1.0}, {0.0, 1.0}, {0x1p27, 1.5, 2.0}}}});
+}
+
+// -1 and -2 off 2^53: ascending, 2^53 + 1 rounds to 2^53 and 2^53 + 2 is left; descending it would be 2^53 + 4.
+TEST(Cholesky, SubtractsTheProductsOfAnElementFromTheFirstColumnOn)
+{
+    ExpectFactors({{"4 x 4",
+                    {{1.0}, {0.0, 1.0}, {1.0, 1.0, 3.0}, {-1.0, -2.0, 0x1p53, -1.0}},
+                    false,
+                    {{1.0}, {0.0, 1.0}, {1.0, 1.0, 1.0}, {-1.0, -2.0, 0x1p53 + 2.0, -1.0}}}});
+}
+
+TEST(Cholesky, RoundsEveryProductBeforeItIsSubtracted)
+{
+    // (1 + 2^-27)^2 rounds to 1 + 2^-26: nothing is left. One rounding would leave -2^-54, which fails.
+    const double dElement = 1.0 + 0x1p-27;
+    ExpectFactors({{"square", {{1.0}, {dElement, 1.0 + 0x1p-26}}, true, {{1.0}, {dElement, 0.0}}}});
+    const double dTimes = dElement * (1.0 + 0x1p-26);
+    ExpectFactors({{"product",
+                    {{1.0}, {dElement, 5.0}, {1.0 + 0x1p-26, dTimes, 9.0}},
+                    true,
+                    {{1.0},
+                     {dElement, std::sqrt(5.0 - dElement * dElement)},
+                     {1.0 + 0x1p-26, 0.0, std::sqrt(9.0 - 0.0 - (1.0 + 0x1p-26) * (1.0 + 0x1p-26))}}}});
+}
+
+// The columns before the failing diagonal hold L; this diagonal and the rest hold A.
+TEST(Cholesky, FailsWithTheColumnsBeforeTheFailingDiagonalDone)
+{
+    ExpectFactors({{"first", {{-1.0}, {2.0, 5.0}, {3.0, 4.0, 6.0}}, false, {{-1.0}, {2.0, 5.0}, {3.0, 4.0, 6.0}}},
+                   {"second", {{4.0}, {2.0, 0.5}, {6.0, 7.0, 9.0}}, false, {{2.0}, {1.0, 0.5}, {3.0, 7.0, 9.0}}},
+                   {"third",
+                    {{4.0}, {2.0, 5.0}, {6.0, 7.0, 12.0}, {2.0, 3.0, 5.0, 99.0}},
+                    false,
+                    {{2.0}, {1.0, 2.0}, {3.0, 2.0, 12.0}, {1.0, 1.0, 5.0, 99.0}}}}); // 12 - 4 - 9 = -1
+}
+
+TEST(Cholesky, FailsOnANaNDiagonal)
+{
+    ExpectFactors({{"first", {{NaN}, {2.0, 5.0}}, false, {{NaN}, {2.0, 5.0}}},
+                   {"second", {{4.0}, {2.0, NaN}}, false, {{2.0}, {1.0, NaN}}},
+                   {"by an element", {{4.0}, {NaN, 5.0}}, false, {{2.0}, {NaN, 5.0}}},
+                   {"by infinities", {{4.0}, {Inf, Inf}}, false, {{2.0}, {Inf, Inf}}}},
+                  false);
+}
+
+TEST(Cholesky, PassesAZeroRadicand)
+{
+    ExpectFactors({{"last", {{4.0}, {2.0, 1.0}}, true, {{2.0}, {1.0, 0.0}}},
+                   {"first, positive below", {{0.0}, {2.0, 5.0}}, false, {{0.0}, {Inf, 5.0}}},
+                   {"negative zero", {{-0.0}, {2.0, 5.0}}, false, {{-0.0}, {-Inf, 5.0}}}});
+    ExpectFactors({{"first, zero below", {{0.0}, {0.0, 5.0}}, false, {{0.0}, {NaN, 5.0}}}}, false); // inf * 0
+}
+
+// --- SolveChol
+// --------------------------------------------------------------------------------------------------------
+
+TEST(SolveChol, SolvesSeveralRightHandSidesWithOneFactor)
+{
+    // A = L L^T of L = [1; 2 3; -4 5 6], x = (1, 2, 3) and (-2, 0, 5)
+    const TRows Factor = {{1.0}, {2.0, 3.0}, {-4.0, 5.0, 6.0}};
+    ExpectValues({1.0, 2.0, 3.0}, SolveDense(Factor, {-7.0, 49.0, 241.0}));
+    ExpectValues({-2.0, 0.0, 5.0}, SolveDense(Factor, {-22.0, 31.0, 393.0}));
+}
+
+TEST(SolveChol, DividesByTheDiagonal)
+{
+    const double dForward = 5.0 / 3.0;
+    ExpectValues({dForward / 3.0}, SolveDense({{3.0}}, {5.0}));
+    ASSERT_NE((1.0 / 3.0) * 5.0, dForward);
+    const double d49 = 1.0 / 49.0;
+    ASSERT_NE(d49 / 49.0, d49 * d49);
+    ExpectValues({d49 / 49.0}, SolveDense({{49.0}}, {1.0}));
+}
+
+// Only the last row has elements: each step back has one term, and the last one forward has two. 2^53 + 1 rounds to
+// 2^53, so ascending gives 2^53 + 2, descending 2^53 + 4; divided by 4 in the step back too.
+TEST(SolveChol, SubstitutesForwardInAscendingOrder)
+{
+    const TRows Factor = {{1.0}, {0.0, 1.0}, {-1.0, -1.0, 1.0}};
+    const double dLast = 0x1p53 + 2.0;
+    const TValues vdExpected = {1.0 + dLast, 2.0 + dLast, dLast};
+    ExpectValues(vdExpected, SolveDense(Factor, {1.0, 2.0, 0x1p53}));
+    ExpectValues(vdExpected, SolvePacked(Factor, {1.0, 2.0, 0x1p53}));
+}
+
+// Only the first column has elements. y = (2^53, 1, 2); back from row 1 down: 2^53 + 1 is 2^53, + 2. From the last row
+// up: 2^53 + 2, + 1 rounds to 2^53 + 4.
+TEST(SolveChol, SubstitutesBackwardInAscendingOrderUnlikeThePackedForm)
+{
+    const TRows Factor = {{1.0}, {-1.0, 1.0}, {-1.0, 0.0, 1.0}};
+    const TValues vdRight = {0x1p53, 1.0 - 0x1p53, 2.0 - 0x1p53};
+    ExpectValues({0x1p53 + 2.0, 1.0, 2.0}, SolveDense(Factor, vdRight));
+    ExpectValues({0x1p53 + 4.0, 1.0, 2.0}, SolvePacked(Factor, vdRight));
+}
+
+TEST(SolveChol, RoundsEveryProductBeforeItIsSubtracted)
+{
+    const double dElement = 1.0 + 0x1p-27;
+    const double dSquare = 1.0 + 0x1p-26;
+    // Forward: dSquare - dElement * dElement is 0, not -2^-54.
+    ExpectValues({dElement, 0.0}, SolveDense({{1.0}, {dElement, 1.0}}, {dElement, dSquare}));
+    // Backward: y = (dSquare, dElement) from b = (dSquare, dElement + dElement * dSquare).
+    const double dSecond = dElement * dSquare + dElement;
+    const double dY = dSecond - dElement * dSquare;
+    ASSERT_EQ(dElement, dY);
+    ExpectValues({0.0, dElement}, SolveDense({{1.0}, {dElement, 1.0}}, {dSquare, dSecond}));
+}
+
+TEST(SolveChol, DividesByAZeroDiagonalWithoutATest)
+{
+    ExpectValues({-Inf, Inf}, SolveDense({{2.0}, {1.0, 0.0}}, {2.0, 3.0}));
+    ExpectValues({NaN, NaN}, SolveDense({{2.0}, {1.0, 0.0}}, {2.0, 1.0}));
+}
+
+TEST(SolveChol, NaNReachesWhatDependsOnIt)
+{
+    ExpectValues({NaN, NaN}, SolveDense({{1.0}, {0.0, 1.0}}, {1.0, NaN})); // 0 * NaN
+    ExpectValues({NaN, NaN}, SolveDense({{1.0}, {1.0, 1.0}}, {NaN, 1.0}));
+}
+
+// --- the packed twin
+// --------------------------------------------------------------------------------------------------
+
+// G G^T of random G, well-conditioned by a diagonal added; every third one with a negative diagonal somewhere.
+TRows RandomMatrix(std::mt19937_64& a_Random, std::size_t a_iN, bool a_bFails)
+{
+    std::uniform_real_distribution<double> Element(-1.0, 1.0);
+    std::vector<TValues> Rows(a_iN, TValues(a_iN));
+    for (TValues& vdRow : Rows)
+    {
+        for (double& dElement : vdRow)
+        {
+            dElement = Element(a_Random);
+        }
+    }
+    TRows Lower(a_iN);
+    for (std::size_t i = 0; i < a_iN; ++i)
+    {
+        for (std::size_t j = 0; j <= i; ++j)
+        {
+            double dSum = i == j ? 0.1 : 0.0;
+            for (std::size_t k = 0; k < a_iN; ++k)
+            {
+                dSum += Rows[i][k] * Rows[j][k];
+            }
+            Lower[i].push_back(dSum);
+        }
+    }
+    if (a_bFails)
+    {
+        const std::size_t iFailing = a_Random() % a_iN;
+        Lower[iFailing][iFailing] = -1.0;
+    }
+    return Lower;
+}
+
+TEST(CholeskyTwins, FactorsAndFailuresHaveTheSameBits)
+{
+    std::mt19937_64 Random(4);
+    for (int i = 0; i < 1000; ++i)
+    {
+        const std::size_t iN = 1 + i % 20;
+        const TRows Matrix = RandomMatrix(Random, iN, i % 3 == 0);
+        TValues vdPacked = Packed(Matrix);
+        const bool bPacked = nuv::CholeskyLowTri(static_cast<int>(iN), vdPacked.data());
+        TSquare Square(Matrix);
+        ASSERT_EQ(bPacked, Quietly([&] { return nuv::Cholesky(Square.Count(), Square.Data()); }));
+        ASSERT_EQ(i % 3 != 0, bPacked);
+        ExpectValues(vdPacked, Packed(Square.Lower()));
+        ASSERT_TRUE(Square.RestIsUntouched());
+    }
+}
+
+// The solutions agree to the bit for two unknowns, where the step back has one term; for more they differ now and then
+// in the last bits, and by no more than the condition of the matrix allows.
+TEST(CholeskyTwins, SolutionsDifferByTheOrderOfTheStepBackOnly)
+{
+    std::mt19937_64 Random(5);
+    std::uniform_real_distribution<double> Element(-1.0, 1.0);
+    int viDiffering[3] = {};
+    for (int i = 0; i < 900; ++i)
+    {
+        const std::size_t iN = i % 3 == 0 ? 2 : i % 3 == 1 ? 3 : 12;
+        TSquare Square(RandomMatrix(Random, iN, false));
+        ASSERT_TRUE(nuv::Cholesky(Square.Count(), Square.Data()));
+        TValues vdRight(iN);
+        for (double& dRight : vdRight)
+        {
+            dRight = Element(Random);
+        }
+        const TValues vdDense = SolveDense(Square.Lower(), vdRight);
+        const TValues vdPacked = SolvePacked(Square.Lower(), vdRight);
+        viDiffering[i % 3] += vdDense == vdPacked ? 0 : 1;
+        for (std::size_t j = 0; j < iN; ++j)
+        {
+            ASSERT_NEAR(vdPacked[j], vdDense[j], 1e-9 * (1.0 + std::fabs(vdPacked[j])));
+        }
+    }
+    EXPECT_EQ(0, viDiffering[0]);
+    EXPECT_GT(viDiffering[1], 0);
+    EXPECT_GT(viDiffering[2], 100);
+}
+
+// --- the upper triangle and the size
+// ----------------------------------------------------------------------------------
+
+#if defined(__unix__)
+
+// Address space that takes no memory until it is written.
+class TReserved
+{
+public:
+    explicit TReserved(std::size_t a_iDoubles) : m_iBytes(a_iDoubles * sizeof(double))
+    {
+        m_pMemory = mmap(nullptr, m_iBytes, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS | MAP_NORESERVE, -1, 0);
+    }
+
+    TReserved(const TReserved&) = delete;
+    TReserved& operator=(const TReserved&) = delete;
+
+    ~TReserved()
+    {
+        if (Had())
+        {
+            munmap(m_pMemory, m_iBytes);
+        }
+    }
+
+    bool Had() const
+    {
+        return m_pMemory != MAP_FAILED;
+    }
+
+    double* Data()
+    {
+        return static_cast<double*>(m_pMemory);
+    }
+
+private:
+    std::size_t m_iBytes;
+    void* m_pMemory;
+};
+
+// A row of two pages: the second page of the rows of the upper half lies in the strict upper triangle alone and is
+// locked, so that even a read without any arithmetic ends the process.
+TEST(CholeskyUpperTriangle, IsNotEvenRead)
+{
+    const std::size_t iPage = static_cast<std::size_t>(sysconf(_SC_PAGESIZE)) / sizeof(double);
+    const std::size_t iN = 2 * iPage;
+    if (iN > 1024)
+    {
+        GTEST_SKIP() << "pages too large for a quick factorisation";
+    }
+    TReserved Matrix(iN * iN);
+    ASSERT_TRUE(Matrix.Had());
+    for (std::size_t i = 0; i < iN; ++i)
+    {
+        Matrix.Data()[i * iN + i] = 4.0; // 4 on the diagonal, 2 before it: L has 2, 1, then sqrt(3), ...
+        if (i > 0)
+        {
+            Matrix.Data()[i * iN + i - 1] = 2.0;
+        }
+    }
+    for (std::size_t i = 0; i < iPage; ++i)
+    {
+        ASSERT_EQ(0, mprotect(Matrix.Data() + i * iN + iPage, iPage * sizeof(double), PROT_NONE));
+    }
+    ASSERT_TRUE(nuv::Cholesky(static_cast<int>(iN), Matrix.Data()));
+    EXPECT_SAME_BITS(2.0, Matrix.Data()[0]);
+    EXPECT_SAME_BITS(1.0, Matrix.Data()[iN]);
+    EXPECT_SAME_BITS(std::sqrt(3.0), Matrix.Data()[iN + 1]);
+    TValues vdVector(iN, 0.0);
+    vdVector[0] = 2.0;
+    nuv::SolveChol(static_cast<int>(iN), Matrix.Data(), vdVector.data());
+    EXPECT_NEAR(2.0, 4.0 * vdVector[0] + 2.0 * vdVector[1], 1e-12); // the first equation
+}
+
+// 46341 * 46342, where the last row begins, is beyond int. The first column is done, the second diagonal ends it.
+TEST(CholeskySize, RowsBeyondTheRangeOfIntAreReached)
+{
+    const std::size_t iN = 46342;
+    TReserved Matrix(sizeof(void*) > 4 ? iN * iN : 1);
+    if (sizeof(void*) <= 4 || !Matrix.Had())
+    {
+        GTEST_SKIP() << "no address space for 17 GB";
+    }
+    double* const vdLast = Matrix.Data() + (iN - 1) * iN;
+    Matrix.Data()[0] = 4.0;
+    Matrix.Data()[iN + 1] = -1.0;
+    vdLast[0] = 6.0;
+    EXPECT_FALSE(nuv::Cholesky(static_cast<int>(iN), Matrix.Data()));
+    EXPECT_SAME_BITS(2.0, Matrix.Data()[0]);
+    EXPECT_SAME_BITS(3.0, vdLast[0]);
+    EXPECT_SAME_BITS(-1.0, Matrix.Data()[iN + 1]);
+}
+
+#endif
+
+} // namespace

@@ -21,6 +21,9 @@ LIBRARY = os.environ["NUV1MATH_LIBRARY"]
 FMA_LIBRARY = os.environ.get("NUV1MATH_FMA_LIBRARY")
 FUSED_INSTRUCTION = re.compile(r"\bvfn?m(add|sub)")
 PORTABLE = sorted(path for path in SOURCES.glob("*.cpp") if path.name != "platform_windows.cpp")
+# What the compiler's start-up code brings into every library.
+TOOLCHAIN_DATA = re.compile(r"completed\.\d+|__dso_handle|__TMC_END__|_GLOBAL_OFFSET_TABLE_|_DYNAMIC"
+                            r"|__(do_global_dtors_aux_fini|frame_dummy_init)_array_entry")
 DIALECTS = [(compiler, standard) for compiler in ("g++", "clang++") for standard in ("c++98", "c++20")]
 
 
@@ -52,6 +55,15 @@ class BuiltLibrary(unittest.TestCase):
     def test_has_its_own_binary_interface_number(self):
         names = re.findall(r"\(SONAME\).*\[(.*)\]", output_of("readelf", "-d", LIBRARY))
         self.assertEqual(names, ["libnuv1math.so.1"])
+
+    def test_has_no_writable_data_but_the_state_of_the_random_numbers(self):
+        sections = re.findall(r"^ *\[ *(\d+)\] \S+ +\S+ +\S+ +\S+ +\S+ +\S+ +(\S*W\S*) ",
+                              output_of("readelf", "-S", "-W", LIBRARY), re.MULTILINE)
+        writable = {number for number, _ in sections}
+        symbols = [line.split() for line in output_of("readelf", "-s", "-W", "-C", LIBRARY).splitlines()]
+        objects = {" ".join(fields[7:]) for fields in symbols
+                   if len(fields) > 7 and fields[3] in ("OBJECT", "TLS", "COMMON", "NOTYPE") and fields[6] in writable}
+        self.assertEqual({name for name in objects if not TOOLCHAIN_DATA.fullmatch(name)}, {"nuv::g_State"})
 
     def test_has_no_exception_tables(self):
         sections = output_of("readelf", "-S", "-W", LIBRARY)

@@ -1,0 +1,13 @@
+# SPDX-License-Identifier: MIT
+#
+# cmake -DPROGRAM=... -DEXPECTED=... -P compare_output.cmake
+# Fails unless the program ends with exit code 0 and prints the text of the file EXPECTED, no more and no less.
+
+execute_process(COMMAND ${PROGRAM} RESULT_VARIABLE result OUTPUT_VARIABLE printed)
+file(READ ${EXPECTED} expected)
+if(NOT result STREQUAL "0")
+  message(FATAL_ERROR "exit code ${result}\n${printed}")
+endif()
+if(NOT printed STREQUAL expected)
+  message(FATAL_ERROR "printed:\n${printed}\nexpected:\n${expected}")
+endif()

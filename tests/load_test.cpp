@@ -1,0 +1,109 @@
+// load_test.cpp: what the library does when it is loaded into a process that is not linked with it.
+// Copyright (c) 2026 the nuv1math authors
+// SPDX-License-Identifier: MIT
+
+#include "random_sequences.h"
+#include "testing.h"
+
+#include <dlfcn.h>
+
+namespace {
+
+using namespace nuv_tests;
+using TValues = std::vector<double>;
+
+constexpr int Draws = 100;
+
+// The library, loaded as often as there are objects of this class.
+class TLibrary
+{
+public:
+    TLibrary() : m_pHandle(dlopen(NUV1MATH_LIBRARY, RTLD_NOW | RTLD_LOCAL))
+    {
+        if (m_pHandle == nullptr)
+        {
+            throw std::runtime_error(dlerror());
+        }
+    }
+
+    TLibrary(const TLibrary&) = delete;
+    TLibrary& operator=(const TLibrary&) = delete;
+
+    ~TLibrary()
+    {
+        dlclose(m_pHandle);
+    }
+
+    // What Rand() of the library gives next.
+    TValues Draw(int a_iCount) const
+    {
+        using TRand = double (*)();
+        const auto Rand = reinterpret_cast<TRand>(dlsym(m_pHandle, "_ZN3nuv4RandEv"));
+        if (Rand == nullptr)
+        {
+            throw std::runtime_error("the library has no nuv::Rand()");
+        }
+        TValues vdDrawn(a_iCount);
+        for (double& dValue : vdDrawn)
+        {
+            dValue = Rand();
+        }
+        return vdDrawn;
+    }
+
+private:
+    void* m_pHandle;
+};
+
+bool IsLoaded()
+{
+    void* const pHandle = dlopen(NUV1MATH_LIBRARY, RTLD_NOW | RTLD_NOLOAD);
+    if (pHandle != nullptr)
+    {
+        dlclose(pHandle);
+    }
+    return pHandle != nullptr;
+}
+
+// Draws a_iFirst and following of the sequence of seed -1.
+TValues Expected(int a_iFirst, int a_iCount)
+{
+    const TValues vdAll = ReadRandomSequences().at(-1);
+    return TValues(vdAll.begin() + a_iFirst, vdAll.begin() + a_iFirst + a_iCount);
+}
+
+TEST(Load, ThisProcessIsNotLinkedWithTheLibrary)
+{
+    EXPECT_FALSE(IsLoaded());
+}
+
+TEST(Load, SeedsWithMinusOne)
+{
+    const TLibrary Library;
+    EXPECT_EQ(Expected(0, Draws), Library.Draw(Draws));
+}
+
+TEST(Load, ASecondLoadGoesOnWithTheSequence)
+{
+    const TLibrary Library;
+    EXPECT_EQ(Expected(0, Draws), Library.Draw(Draws));
+    {
+        const TLibrary Again;
+        EXPECT_EQ(Expected(Draws, Draws), Again.Draw(Draws));
+    }
+    EXPECT_TRUE(IsLoaded());
+    EXPECT_EQ(Expected(2 * Draws, Draws), Library.Draw(Draws)); // and so does an unload that is not the last
+}
+
+TEST(Load, ALoadAfterTheLastUnloadStartsAnew)
+{
+    for (int i = 0; i < 3; ++i)
+    {
+        EXPECT_FALSE(IsLoaded());
+        const TLibrary Library;
+        EXPECT_EQ(Expected(0, Draws), Library.Draw(Draws));
+    }
+    EXPECT_FALSE(IsLoaded());
+}
+
+} // namespace
