@@ -236,7 +236,8 @@ static int SolveByTangent(double a_dP, double a_dC, double a_dQ, double* a_vdAng
     // clang-format on
     for (int i = 0; i < iRet; ++i)
     {
-        StoreOpposites(atan(vdTangents[i]), &a_vdAngles[2 * i]);
+        StoreOpposites(atan(vdTangents[i]), a_vdAngles);
+        a_vdAngles += 2;
     }
     return 2 * iRet;
 }
