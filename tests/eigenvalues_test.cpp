@@ -397,6 +397,15 @@ TEST(HessenbergEigenvalues, ANegativeZeroIsNotNegative)
     ExpectEigenvaluesOfHessenberg({{0.0, 1}, {1, 0.0}}, {1, {1.0, -1.0}, {0.0, 0.0}});
 }
 
+// The first component of the vector that the sweep reflects is -0.0 here, and its length takes the sign +. The bits are
+// those of a second program, written from the description of the method; the minus sign would give others.
+TEST(HessenbergEigenvalues, ANegativeZeroIsNotNegativeInTheSweep)
+{
+    ExpectEigenvaluesOfHessenberg(
+        {{1, -0.0, -0.0}, {-1, 1, -0.0}, {0, 1, 2}},
+        {1, {0x1.ffffffffffffep-1, 0x1.ffffffffffffep-1, 0x1.0000000000001p+1}, {0.0, 0.0, 0.0}});
+}
+
 TEST(HessenbergEigenvalues, OfATriangularMatrixAreItsDiagonalInItsOrder)
 {
     ExpectEigenvaluesOfHessenberg({{3, 7, -2, 1e9}, {0, -1, 4, 5}, {-0.0, 0, 3, 6}, {0, 0, 0, 0.125}},

@@ -574,9 +574,20 @@ TEST(Roots, TheIterationsAndTheirShiftsDecideWhatIsFound)
     {
         ExpectResult(vdLost, 0, Inf);
     }
-    // x^4 - 4x^2 + 4 takes all thirty: both exceptional shifts are in these bits.
+}
+
+// Bits of that second program, where the two exceptional shifts, and then a block that splits off and is joined again
+// later, are in them.
+TEST(Roots, TheOrderOfTheOperationsDecidesTheBits)
+{
     ExpectExactly({1, 0, -4, 0, 4},
                   {-0x1.6a09e6a86e5a9p+0, 0x1.6a09e6a849bd3p+0, -0x1.6a09e627791e4p+0, 0x1.6a09e6279dbbfp+0});
+    ExpectExactly({1, 0, -2, 0, 2},
+                  {-0x1.19435caffa9f8p+0, -0x1.19435caffa9f8p+0, 0x1.19435caffa9fap+0, 0x1.19435caffa9fap+0}, Inf);
+    ExpectExactly(
+        {1, 0, 0, 0, -3, 0, -2},
+        {-0x1.6a09e667f3bd4p+0, 0x1.6a09e667f3bd1p+0, -0x1.ca548p-38, -0x1.ca548p-38, 0x1.ca548p-38, 0x1.ca548p-38},
+        Inf);
 }
 
 // --- NaN, infinity, extreme sizes

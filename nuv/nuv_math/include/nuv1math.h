@@ -502,11 +502,16 @@ NUV1MATH_API void SolveChol(int a_iN, const double* a_vdFactor, double* a_vdVect
  *  Limits:
  *  - **A count below the number of real roots is possible without notice.** The iteration gives up on some ordinary
  *    polynomials; the eigenvalues that it has not found by then are never reported. x^4 - 2x^2 + 1, with the double
- *    roots 1 and -1, gives 0 roots.
+ *    roots 1 and -1, gives 0 roots. Of all polynomials with integer coefficients from -3 to 3 it gives up on none of
+ *    degree 2 and 3, on 4 of 14406 of degree 4 and on 12 of 100842 of degree 5, all with multiple roots; of the squares
+ *    of those of degree 2, 3 and 4 on 40 of 294, 240 of 2058 and 2536 of 14406. On products of random linear factors up
+ *    to degree 20 it never did (1000 for each of ten degrees). To find out, call with an infinite tolerance: for finite
+ *    coefficients, the first not 0, a result below the degree means that eigenvalues are missing.
  *  - A root of multiplicity k splits into neighbours at a distance of about the k-th root of 1e-16 (1e-8 for a double,
  *    1e-5 for a triple root), as real values or as complex pairs. A pair within the tolerance counts as two real
- *    roots, one outside as none. The tolerance must be greater than that distance; 1e-6 suits quartics with
- *    coefficients around 1.
+ *    roots, one outside as none: with the tolerance 1e-6 a triple root is normally reported once.
+ *  - Scale x so that the roots are around 1 in size: x^n - 2^n is off in the fourth digit at degree 60 and has a wrong
+ *    count from degree 73 on, x^n - 1 is good to 14 digits up to degree 200. More figures: docs/roots.md.
  *  - Roots are as exact as the eigenvalues and are not polished.
  *  - The other coefficients are multiplied by the reciprocal of the leading one; that reciprocal and the products must
  *    not overflow.
