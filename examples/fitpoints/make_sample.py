@@ -29,6 +29,7 @@ def transform(x, y):
 
 def main():
     generator = random.Random(SEED)
+    print("# SPDX-License-Identifier: MIT")
     print("# Made up for fitpoints by make_sample.py: places in pixels of a scan and in metres of a local grid.")
     print("# True transformation, mildly projective, with W = 2e-05 x - 1.5e-05 y + 1:")
     print("#   X = 4500400 + (0.125 x + 0.0175 y - 470) / W")
