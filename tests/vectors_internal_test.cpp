@@ -4,6 +4,7 @@
 
 #include "affine.h"
 #include "functionsimp.h"
+#include "poly.h"
 #include "vectors.h"
 
 namespace {
@@ -15,6 +16,31 @@ using namespace nuv_tests;
 std::ptrdiff_t Length(int a_iCount, int a_iStep)
 {
     return a_iCount < 1 ? 0 : static_cast<std::ptrdiff_t>(a_iCount) * a_iStep;
+}
+
+// A routine that changes a square matrix in place. What stands between its columns is among the outputs.
+void CheckSquareMatrix(TVectorCase& a_Case, void (*a_pChange)(int, double*, int))
+{
+    const int iN = a_Case.Int();
+    const int iStride = a_Case.Int();
+    TGuardedArray Matrix = a_Case.Array(Length(iN, iStride));
+    a_pChange(iN, Matrix.Data(), iStride);
+    a_Case.ExpectArray(Matrix);
+}
+
+// The elements between the columns of a matrix of a_iN rows.
+std::vector<double> Padding(const TGuardedArray& a_Matrix, int a_iN, int a_iStride)
+{
+    std::vector<double> vdPadding;
+    int iPlace = 0;
+    for (double dValue : a_Matrix.Values())
+    {
+        if (iPlace++ % a_iStride >= a_iN)
+        {
+            vdPadding.push_back(dValue);
+        }
+    }
+    return vdPadding;
 }
 
 TEST(InternalVectors, CalcMean)
@@ -100,6 +126,38 @@ TEST(InternalVectors, SolveGauss)
                    a_Case.ExpectArray(A);
                    a_Case.ExpectArray(B);
                    a_Case.ExpectArray(X);
+               });
+}
+
+TEST(InternalVectors, BalanceMatrix)
+{
+    CheckTable("BalanceMatrix", [](TVectorCase& a_Case) { CheckSquareMatrix(a_Case, BalanceMatrix); });
+}
+
+TEST(InternalVectors, ReduceToHessenberg)
+{
+    CheckTable("ReduceToHessenberg", [](TVectorCase& a_Case) { CheckSquareMatrix(a_Case, ReduceToHessenberg); });
+}
+
+TEST(InternalVectors, HessenbergEigenvalues)
+{
+    CheckTable("HessenbergEigenvalues",
+               [](TVectorCase& a_Case)
+               {
+                   const int iN = a_Case.Int();
+                   const int iStride = a_Case.Int();
+                   TGuardedArray Matrix = a_Case.Array(Length(iN, iStride));
+                   const std::vector<double> vdPadding = Padding(Matrix, iN, iStride);
+                   TGuardedArray Real = TGuardedArray::Output(static_cast<std::size_t>(Length(iN, 1)));
+                   TGuardedArray Imaginary = Real;
+                   a_Case.ExpectInt(HessenbergEigenvalues(iN, Matrix.Data(), iStride, Real.Data(), Imaginary.Data()));
+                   a_Case.ExpectArray(Real);
+                   a_Case.ExpectArray(Imaginary);
+                   // The matrix itself is scratch from here on, but not what stands around and between its columns.
+                   a_Case.ExpectIntact(Matrix);
+                   const std::vector<double> vdAfter = Padding(Matrix, iN, iStride);
+                   EXPECT_TRUE(std::equal(vdPadding.begin(), vdPadding.end(), vdAfter.begin(), SameBits))
+                       << "written between the columns";
                });
 }
 

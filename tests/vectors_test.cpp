@@ -15,6 +15,11 @@ std::ptrdiff_t PackedLength(int a_iUnknowns)
     return static_cast<std::ptrdiff_t>(a_iUnknowns) * (a_iUnknowns + 1) / 2;
 }
 
+std::ptrdiff_t SquareLength(int a_iN)
+{
+    return a_iN < 1 ? 0 : static_cast<std::ptrdiff_t>(a_iN) * a_iN;
+}
+
 // Control points: x, y, X, Y, each of them an array of the same length.
 struct TPoints
 {
@@ -25,7 +30,7 @@ struct TPoints
     TGuardedArray X, Y, Xa, Ya;
 };
 
-// The affine and the conformal fit count their points unsigned; their tables hold no negative count.
+// The affine and the conformal fit count their points unsigned, and a degree is unsigned: no table has a negative one.
 unsigned int Unsigned(int a_iCount)
 {
     return static_cast<unsigned int>(a_iCount);
@@ -184,6 +189,45 @@ TEST(Vectors, SolveCholLowTri)
                    TGuardedArray Vector = a_Case.Array(iUnknowns);
                    SolveCholLowTri(iUnknowns, Factor.Data(), Vector.Data());
                    a_Case.ExpectArray(Vector);
+               });
+}
+
+TEST(Vectors, Cholesky)
+{
+    CheckTable("Cholesky",
+               [](TVectorCase& a_Case)
+               {
+                   const int iN = a_Case.Int();
+                   TGuardedArray Matrix = a_Case.Array(SquareLength(iN));
+                   a_Case.ExpectInt(Cholesky(iN, Matrix.Data()));
+                   a_Case.ExpectArray(Matrix);
+               });
+}
+
+TEST(Vectors, SolveChol)
+{
+    CheckTable("SolveChol",
+               [](TVectorCase& a_Case)
+               {
+                   const int iN = a_Case.Int();
+                   TGuardedArray Factor = a_Case.Array(SquareLength(iN));
+                   TGuardedArray Vector = a_Case.Array(iN);
+                   SolveChol(iN, Factor.Data(), Vector.Data());
+                   a_Case.ExpectArray(Vector);
+               });
+}
+
+TEST(Vectors, RootsOfPolynomial)
+{
+    CheckTable("PolynomialRoots",
+               [](TVectorCase& a_Case)
+               {
+                   const int iDegree = a_Case.Int();
+                   TGuardedArray Coefficients = a_Case.Array(iDegree + 1);
+                   const double dTolerance = a_Case.Double();
+                   TGuardedArray Found = TGuardedArray::Output(static_cast<std::size_t>(iDegree));
+                   a_Case.ExpectInt(Roots(Unsigned(iDegree), Coefficients.Data(), Found.Data(), dTolerance));
+                   a_Case.ExpectArray(Found);
                });
 }
 

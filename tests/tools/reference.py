@@ -20,6 +20,9 @@ METHOD_CONFORMAL, METHOD_AFFINE, METHOD_OMOGRAPHIC = range(3)
 TOLERANCE = ExactDouble.from_float(1e-12)
 PIVOT_SUBSTITUTE = ExactDouble.from_float(1e-14)
 CONVERGED = ExactDouble.from_float(1e-8)
+EPSILON, QUARTER, HALF, THREE_QUARTERS, TWO, FOUR, BALANCE_GAIN, EXCEPTIONAL_PRODUCT = (
+    ExactDouble.from_float(value) for value in (2.0**-52, 0.25, 0.5, 0.75, 2.0, 4.0, 0.95, -0.4375)
+)
 OMOGRAPHIC_UNKNOWNS = 8
 OMOGRAPHIC_ITERATIONS = 4
 
@@ -80,6 +83,61 @@ DEVIATIONS = {
     "solve-forward-descending": "the forward substitution subtracts from the diagonal backwards",
     "solve-backward-ascending": "the backward substitution subtracts from the diagonal downwards",
     "solve-sum-first": "the products are summed and subtracted at once",
+    "solve-backward-descending": "the backward substitution subtracts from the last row upwards",
+    "balance-division-threshold": "(cs + rs)/s < 0.95 instead of (cs + rs) < 0.95*s",
+    "balance-threshold-inclusive": "a factor that reaches 0.95 of the norm exactly is applied too",
+    "balance-sums-descending": "the norms are summed from the last element to the first",
+    "balance-diagonal-included": "the norms include the diagonal",
+    "balance-single-pass": "one pass only",
+    "balance-doubles-at-equality": "the factor is doubled when the column equals half the row too",
+    "balance-column-first": "the column is scaled before the row: a diagonal at the ends of the range",
+    "balance-diagonal-kept": "the diagonal is not scaled: at the ends of the range the two scalings are not exact",
+    "hessenberg-last-tie": "the last of equal magnitudes becomes the pivot",
+    "hessenberg-signed-pivot": "the greatest value instead of the greatest magnitude becomes the pivot",
+    "hessenberg-no-pivoting": "rows and columns are not exchanged",
+    "hessenberg-swaps-multipliers": "the rows are exchanged over all columns",
+    "hessenberg-reciprocal": "the multiplier is formed by the reciprocal of the pivot",
+    "hessenberg-clears-multipliers": "the multipliers are replaced by 0",
+    "hessenberg-rows-first": "all rows are eliminated before any column is",
+    "hessenberg-zero-multiplier": "a multiplier of 0 is applied too: -0.0 + 0.0 and infinities",
+    "eigen-no-norm": "without the matrix norm where both diagonal elements are 0",
+    "eigen-norm-by-columns": "the norm is summed column by column",
+    "eigen-epsilon": "an element of up to 2^-52 of its neighbours is negligible, not only one that changes no sum",
+    "eigen-negligible-cleared": "a negligible element is replaced by 0",
+    "eigen-counter-kept": "the iterations are counted through the whole matrix",
+    "eigen-limit-29": "the iteration gives up after 29 steps instead of 30",
+    "eigen-limit-31": "the iteration gives up after 31 steps instead of 30",
+    "eigen-limit-60": "the iteration gives up after 60 steps instead of 30",
+    "eigen-block-naive": "the second root of a block is x + (p - sqrt(q)) instead of x - w/z",
+    "eigen-block-reciprocal": "the second root of a block is formed by the reciprocal of z",
+    "eigen-block-sign-bit": "p = -0.0 counts as negative",
+    "eigen-pair-swapped": "the positive imaginary part comes first",
+    "eigen-shift-last": "the accumulated shift is added at the end",
+    "exceptional-regrouped": "w = (-0.4375*s)*s",
+    "exceptional-none": "without exceptional shifts",
+    "exceptional-once": "an exceptional shift at the 10th step only",
+    "exceptional-active-block": "the exceptional shift is subtracted within the active block only",
+    "start-reciprocal": "p = (r*s - w)*(1/A) + A instead of (r*s - w)/A + A",
+    "start-sum-first": "q = A - (z + r + s)",
+    "start-division": "p, q and r are divided by their norm at the start of the double step",
+    "start-norm-reversed": "|p| + (|q| + |r|)",
+    "start-at-block": "the double step always starts at the top of the active block",
+    "start-no-negation": "the element left of the start is not negated",
+    "sweep-division": "p, q and r are divided by their norm within the sweep",
+    "sweep-norm-reversed": "sqrt(p*p + (q*q + r*r))",
+    "sweep-norm-ungrouped": "sqrt((p*p + r*r) + q*q)",
+    "sweep-sign-bit": "p = -0.0 counts as negative",
+    "sweep-factors-division": "x, y and z are p/s, q/s and r/s",
+    "sweep-vector-division": "q and r are divided by p",
+    "sweep-rows-regrouped": "A(k,j) + (q*A(k+1,j) + r*A(k+2,j))",
+    "sweep-columns-regrouped": "x*A(i,k) + (y*A(i,k+1) + z*A(i,k+2))",
+    "sweep-all-rows": "the columns are transformed down to the last row: what stands below the subdiagonal",
+    "polynomial-division": "the coefficients are divided by the leading one",
+    "polynomial-unbalanced": "the companion matrix is not balanced",
+    "polynomial-tolerance-inclusive": "an imaginary part that equals the tolerance passes",
+    "polynomial-zeros-last": "the zero roots come last",
+    "polynomial-from-top": "the roots come from the bottom of the matrix upwards",
+    "polynomial-unfound-are-zero": "an eigenvalue that was never found counts as a root 0",
     "omographic-squared-reciprocal": "iW2 = iW*iW instead of 1/(W*W)",
     "omographic-product-regrouped": "x*(iW2*U) instead of (x*iW2)*U",
     "omographic-residual-division": "X - U/W instead of X - iW*U",
@@ -502,29 +560,34 @@ def update_sparse(n, matrix, vector, count, values, indices, value):
 
 
 def cholesky_low_tri(n, matrix):
+    return cholesky_factor(n, matrix, packed)
+
+
+def cholesky_factor(n, matrix, at):
+    """Of a matrix whose element (i, j), j <= i, stands at at(i, j)."""
     matrix = list(matrix)
     for i in range(n):
-        s = cholesky_radicand(matrix, i)
+        s = cholesky_radicand(matrix, i, at)
         if not s >= ZERO:
             return [0, matrix]
         diagonal = sqrt(s)
-        matrix[packed(i, i)] = diagonal
+        matrix[at(i, i)] = diagonal
         if i == n - 1:
             break
         r = ONE / diagonal
         for j in range(i + 1, n):
-            t = matrix[packed(j, i)]
+            t = matrix[at(j, i)]
             for k in in_order(range(i), "cholesky-column-descending"):
-                t = multiplied_off(t, matrix[packed(j, k)], matrix[packed(i, k)])
-            matrix[packed(j, i)] = t / diagonal if deviates("cholesky-column-division") else r * t
+                t = multiplied_off(t, matrix[at(j, k)], matrix[at(i, k)])
+            matrix[at(j, i)] = t / diagonal if deviates("cholesky-column-division") else r * t
     return [1, matrix]
 
 
-def cholesky_radicand(matrix, i):
-    elements = [matrix[packed(i, k)] for k in range(i - 1, -1, -1)]
+def cholesky_radicand(matrix, i, at):
+    elements = [matrix[at(i, k)] for k in range(i - 1, -1, -1)]
     if deviates("cholesky-diagonal-sum"):
-        return matrix[packed(i, i)] - plain_sum([element * element for element in elements])
-    s = matrix[packed(i, i)]
+        return matrix[at(i, i)] - plain_sum([element * element for element in elements])
+    s = matrix[at(i, i)]
     for element in in_order(elements, "cholesky-diagonal-ascending"):
         s = multiplied_off(s, element, element)
     return s
@@ -532,13 +595,17 @@ def cholesky_radicand(matrix, i):
 
 def solve_chol_low_tri(n, factor, vector):
     x = list(vector)
-    for i in range(n):
-        terms = [(factor[packed(i, k)], x[k]) for k in range(i)]
-        x[i] = substituted_packed(x[i], in_order(terms, "solve-forward-descending"), factor[packed(i, i)])
+    forward_substitution(n, factor, x, packed)
     for i in range(n - 1, -1, -1):
         terms = [(factor[packed(k, i)], x[k]) for k in range(n - 1, i, -1)]
         x[i] = substituted_packed(x[i], in_order(terms, "solve-backward-ascending"), factor[packed(i, i)])
     return x
+
+
+def forward_substitution(n, factor, x, at):
+    for i in range(n):
+        terms = [(factor[at(i, k)], x[k]) for k in range(i)]
+        x[i] = substituted_packed(x[i], in_order(terms, "solve-forward-descending"), factor[at(i, i)])
 
 
 def substituted_packed(value, terms, diagonal):
@@ -548,6 +615,419 @@ def substituted_packed(value, terms, diagonal):
         for first, second in terms:
             value = multiplied_off(value, first, second)
     return value * (ONE / diagonal) if deviates("solve-reciprocal") else value / diagonal
+
+
+# --- Dense Cholesky ----------------------------------------------------------------------------------------------
+
+
+def dense(n):
+    return lambda row, column: row * n + column
+
+
+def cholesky(n, matrix):
+    return cholesky_factor(n, matrix, dense(n))
+
+
+def solve_chol(n, factor, vector):
+    x = list(vector)
+    at = dense(n)
+    forward_substitution(n, factor, x, at)
+    for i in range(n - 1, -1, -1):
+        terms = [(factor[at(k, i)], x[k]) for k in range(i + 1, n)]
+        x[i] = substituted_packed(x[i], in_order(terms, "solve-backward-descending"), factor[at(i, i)])
+    return x
+
+
+# --- Eigenvalues -------------------------------------------------------------------------------------------------
+
+
+def matrix_rows(n, flat, stride):
+    """The rows of a matrix that stands column by column; rows and columns count from 1."""
+    return [None] + [[None] + [flat[j * stride + i] for j in range(n)] for i in range(n)]
+
+
+def with_rows(n, flat, stride, a):
+    """The flat matrix with the elements of the rows; what stands between its columns is kept."""
+    flat = list(flat)
+    for j in range(n):
+        for i in range(n):
+            flat[j * stride + i] = a[i + 1][j + 1]
+    return flat
+
+
+def balance_matrix(n, flat, stride):
+    a = matrix_rows(n, flat, stride)
+    changed = n > 0
+    passes = 0
+    while changed:
+        changes = [balance_row(n, a, i) for i in range(1, n + 1)]
+        changed = any(changes) and not deviates("balance-single-pass")
+        passes += 1
+        assert passes < 1000
+    return with_rows(n, flat, stride, a)
+
+
+def balance_row(n, a, i):
+    """True when row and column i were scaled."""
+    others = [j for j in range(1, n + 1) if j != i or deviates("balance-diagonal-included")]
+    if deviates("balance-sums-descending"):
+        others.reverse()
+    cs = plain_sum([abs(a[j][i]) for j in others])
+    rs = plain_sum([abs(a[i][j]) for j in others])
+    if cs == ZERO or rs == ZERO:
+        return False
+    s = cs + rs
+    f, cs = balance_factor(cs, rs)
+    h = ONE / f
+    if not is_worth_scaling(cs + rs, h, s):
+        return False
+    for first in in_order([True, False], "balance-column-first"):
+        for j in range(1, n + 1):
+            if j == i and deviates("balance-diagonal-kept"):
+                continue
+            if first:
+                a[i][j] = a[i][j] * h
+            else:
+                a[j][i] = a[j][i] * f
+    return True
+
+
+def balance_factor(cs, rs):
+    """A power of 2, and the sum of the column times its square."""
+    f = ONE
+    g = rs * HALF
+    while cs < g or cs == g and deviates("balance-doubles-at-equality"):
+        f = f * TWO
+        cs = cs * FOUR
+    g = rs * TWO
+    # An infinite column would be halved for ever.
+    while cs > g and cs != INFINITY:
+        f = f * HALF
+        cs = cs * QUARTER
+    return f, cs
+
+
+def is_worth_scaling(total, h, s):
+    if deviates("balance-division-threshold"):
+        return total * h / s < BALANCE_GAIN
+    scaled, limit = total * h, BALANCE_GAIN * s
+    return scaled < limit or scaled == limit and deviates("balance-threshold-inclusive")
+
+
+def reduce_to_hessenberg(n, flat, stride):
+    a = matrix_rows(n, flat, stride)
+    for m in range(2, n):
+        x, p = hessenberg_pivot(n, a, m)
+        if p != m and not deviates("hessenberg-no-pivoting"):
+            exchange(n, a, p, m)
+        if deviates("hessenberg-no-pivoting"):
+            x = a[m][m - 1]
+        if x != ZERO:
+            rows = [i for i in range(m + 1, n + 1) if eliminate_row(n, a, m, i, x)]
+            if deviates("hessenberg-rows-first"):
+                for i in rows:
+                    eliminate_column(n, a, m, i, a[i][m - 1])
+    return with_rows(n, flat, stride, a)
+
+
+def hessenberg_pivot(n, a, m):
+    """The element of greatest magnitude on and below the subdiagonal of column m - 1, and its row."""
+    x, p = ZERO, m
+    for j in range(m, n + 1):
+        value = a[j][m - 1]
+        size, greatest = abs(value), abs(x)
+        if deviates("hessenberg-signed-pivot"):
+            size, greatest = value, x
+        if size > greatest or size == greatest and deviates("hessenberg-last-tie"):
+            x, p = value, j
+    return x, p
+
+
+def exchange(n, a, p, m):
+    """Rows p and m from column m - 1 on, then columns p and m."""
+    for j in range(1 if deviates("hessenberg-swaps-multipliers") else m - 1, n + 1):
+        a[p][j], a[m][j] = a[m][j], a[p][j]
+    for j in range(1, n + 1):
+        a[j][p], a[j][m] = a[j][m], a[j][p]
+
+
+def eliminate_row(n, a, m, i, x):
+    """True when row i has a multiplier."""
+    y = a[i][m - 1]
+    if y == ZERO and not deviates("hessenberg-zero-multiplier"):
+        return False
+    y = y * (ONE / x) if deviates("hessenberg-reciprocal") else y / x
+    a[i][m - 1] = ZERO if deviates("hessenberg-clears-multipliers") else y
+    for j in range(m, n + 1):
+        a[i][j] = multiplied_off(a[i][j], a[m][j], y)
+    if not deviates("hessenberg-rows-first"):
+        eliminate_column(n, a, m, i, y)
+    return True
+
+
+def eliminate_column(n, a, m, i, y):
+    for j in range(1, n + 1):
+        a[j][m] = multiplied_onto(a[j][m], a[j][i], y)
+
+
+def hessenberg_eigenvalues(n, flat, stride):
+    """The result, the real parts and the imaginary parts."""
+    a = matrix_rows(n, flat, stride)
+    norm = hessenberg_norm(n, a)
+    real, imaginary = [None] * max(0, n), [None] * max(0, n)
+    nn, t, steps = n, ZERO, 0
+    while nn >= 1:
+        l = block_start(a, nn, norm)
+        if l >= nn - 1:
+            if l == nn:
+                real[nn - 1], imaginary[nn - 1] = a[nn][nn] + t, ZERO
+            else:
+                real[nn - 2 : nn], imaginary[nn - 2 : nn] = block_eigenvalues(a, nn, t)
+            nn = l - 1
+            steps = steps if deviates("eigen-counter-kept") else 0
+            continue
+        if steps == iteration_limit():
+            return [0, real, imaginary]
+        x, y, w = a[nn][nn], a[nn - 1][nn - 1], a[nn][nn - 1] * a[nn - 1][nn]
+        if is_exceptional(steps):
+            t = t + x
+            x, y, w = exceptional_shift(a, l, nn, x)
+        steps += 1
+        double_step(a, l, nn, *double_step_start(a, l, nn, x, y, w))
+    return [1, real, imaginary]
+
+
+def iteration_limit():
+    for limit in (29, 31, 60):
+        if deviates(f"eigen-limit-{limit}"):
+            return limit
+    return 30
+
+
+def hessenberg_norm(n, a):
+    places = [(i, j) for i in range(1, n + 1) for j in range(max(i - 1, 1), n + 1)]
+    if deviates("eigen-norm-by-columns"):
+        places.sort(key=lambda place: (place[1], place[0]))
+    return plain_sum([abs(a[i][j]) for i, j in places])
+
+
+def block_start(a, nn, norm):
+    """The row behind the last negligible subdiagonal element above row nn."""
+    for l in range(nn, 1, -1):
+        s = abs(a[l - 1][l - 1]) + abs(a[l][l])
+        if s == ZERO and not deviates("eigen-no-norm"):
+            s = norm
+        size = abs(a[l][l - 1])
+        if size <= EPSILON * s if deviates("eigen-epsilon") else size + s == s:
+            if deviates("eigen-negligible-cleared"):
+                a[l][l - 1] = ZERO
+            return l
+    return 1
+
+
+def block_eigenvalues(a, nn, t):
+    """Real and imaginary parts of the 2 by 2 block that ends in row nn."""
+    x, y = a[nn][nn], a[nn - 1][nn - 1]
+    w = a[nn][nn - 1] * a[nn - 1][nn]
+    p = HALF * (y - x)
+    q = sum_of_products(p, p, a[nn][nn - 1], a[nn - 1][nn])
+    z = sqrt(abs(q))
+    last = t if deviates("eigen-shift-last") else ZERO
+    x = x if deviates("eigen-shift-last") else x + t
+    if q >= ZERO:
+        values = [shifted(value, last) for value in block_real(x, p, w, z)]
+        return values, [ZERO, ZERO]
+    imaginary = [z, -z] if deviates("eigen-pair-swapped") else [-z, z]
+    return [shifted(x + p, last)] * 2, imaginary
+
+
+def shifted(value, shift):
+    return value + shift if deviates("eigen-shift-last") else value
+
+
+def block_real(x, p, w, root):
+    negative = bool(p.sign) if deviates("eigen-block-sign-bit") else not p >= ZERO
+    z = p - root if negative else p + root
+    first = x + z
+    if z == ZERO:
+        return first, first
+    if deviates("eigen-block-naive"):
+        return first, x + (p + root if negative else p - root)
+    if deviates("eigen-block-reciprocal"):
+        return first, x - w * (ONE / z)
+    return first, x - w / z
+
+
+def is_exceptional(steps):
+    if deviates("exceptional-none"):
+        return False
+    return steps == 10 or steps == 20 and not deviates("exceptional-once")
+
+
+def exceptional_shift(a, l, nn, x):
+    """Subtracts x from the diagonal; the x, y and w that replace those of the last block."""
+    for i in range(l if deviates("exceptional-active-block") else 1, nn + 1):
+        a[i][i] = a[i][i] - x
+    s = abs(a[nn][nn - 1]) + abs(a[nn - 1][nn - 2])
+    shift = THREE_QUARTERS * s
+    if deviates("exceptional-regrouped"):
+        return shift, shift, EXCEPTIONAL_PRODUCT * s * s
+    return shift, shift, s * s * EXCEPTIONAL_PRODUCT
+
+
+def double_step_start(a, l, nn, x, y, w):
+    """The row where the double step starts, and the first column of its product, scaled."""
+    for m in range(nn - 2, l - 1, -1):
+        z = a[m][m]
+        r, s = x - z, y - z
+        p = start_element(multiplied_onto(-w, r, s), a[m + 1][m], a[m][m + 1])
+        q = a[m + 1][m + 1] - (z + r + s) if deviates("start-sum-first") else a[m + 1][m + 1] - z - r - s
+        r = a[m + 2][m + 1]
+        if deviates("start-norm-reversed"):
+            norm = abs(p) + (abs(q) + abs(r))
+        else:
+            norm = abs(p) + abs(q) + abs(r)
+        p, q, r = divided((p, q, r), norm, "start-division")
+        if m == l:
+            break
+        if deviates("start-at-block"):
+            continue
+        u = abs(a[m][m - 1]) * (abs(q) + abs(r))
+        v = abs(p) * (abs(a[m - 1][m - 1]) + abs(z) + abs(a[m + 1][m + 1]))
+        if u + v == v:
+            break
+    return m, p, q, r
+
+
+def start_element(product, subdiagonal, superdiagonal):
+    if deviates("start-reciprocal"):
+        return product * (ONE / subdiagonal) + superdiagonal
+    return product / subdiagonal + superdiagonal
+
+
+def divided(values, divisor, deviant):
+    """One division and multiplications; divisions under the named deviation."""
+    if deviates(deviant):
+        return [value / divisor for value in values]
+    r = ONE / divisor
+    return [value * r for value in values]
+
+
+def double_step(a, l, nn, m, p, q, r):
+    for i in range(m + 2, nn + 1):
+        a[i][i - 2] = ZERO
+        if i != m + 2:
+            a[i][i - 3] = ZERO
+    x = ZERO
+    for k in range(m, nn):
+        three = k != nn - 1
+        if k != m:
+            p, q, r = a[k][k - 1], a[k + 1][k - 1], a[k + 2][k - 1] if three else ZERO
+            x = abs(p) + abs(q) + abs(r)
+            if x != ZERO:
+                p, q, r = divided((p, q, r), x, "sweep-division")
+        s = signed_norm(p, q, r)
+        if s == ZERO:
+            continue
+        if k != m:
+            a[k][k - 1] = -s * x
+        elif l != m and not deviates("start-no-negation"):
+            a[k][k - 1] = -a[k][k - 1]
+        p = p + s
+        factors = divided((p, q, r), s, "sweep-factors-division")
+        vector = divided((q, r), p, "sweep-vector-division")
+        transform_rows(a, k, nn, three, factors, vector)
+        transform_columns(a, k, l, nn, three, factors, vector)
+
+
+def signed_norm(p, q, r):
+    if deviates("sweep-norm-reversed"):
+        square = p * p + (q * q + r * r)
+    elif deviates("sweep-norm-ungrouped"):
+        square = p * p + r * r + q * q
+    else:
+        square = multiplied_onto(sum_of_products(p, p, q, q), r, r)
+    s = sqrt(square)
+    negative = not p.is_nan() and bool(p.sign) if deviates("sweep-sign-bit") else p < ZERO
+    return -s if negative else s
+
+
+def transform_rows(a, k, nn, three, factors, vector):
+    x, y, z = factors
+    q, r = vector
+    for j in range(k, nn + 1):
+        p = multiplied_onto(a[k][j], q, a[k + 1][j])
+        if three:
+            if deviates("sweep-rows-regrouped"):
+                p = a[k][j] + (q * a[k + 1][j] + r * a[k + 2][j])
+            else:
+                p = multiplied_onto(p, r, a[k + 2][j])
+            a[k + 2][j] = multiplied_off(a[k + 2][j], p, z)
+        a[k + 1][j] = multiplied_off(a[k + 1][j], p, y)
+        a[k][j] = multiplied_off(a[k][j], p, x)
+
+
+def transform_columns(a, k, l, nn, three, factors, vector):
+    x, y, z = factors
+    q, r = vector
+    for i in range(l, (nn if deviates("sweep-all-rows") else min(nn, k + 3)) + 1):
+        row = a[i]
+        p = sum_of_products(x, row[k], y, row[k + 1])
+        if three:
+            if deviates("sweep-columns-regrouped"):
+                p = x * row[k] + (y * row[k + 1] + z * row[k + 2])
+            else:
+                p = multiplied_onto(p, z, row[k + 2])
+            row[k + 2] = multiplied_off(row[k + 2], p, r)
+        row[k + 1] = multiplied_off(row[k + 1], p, q)
+        row[k] = row[k] - p
+
+
+# --- Polynomials -------------------------------------------------------------------------------------------------
+
+
+def polynomial_roots(degree, coefficients, tolerance):
+    """The result and the room for `degree` roots. The coefficients stand in descending powers."""
+    room = [None] * degree
+    nonzero = [k for k in range(degree + 1) if coefficients[k] != ZERO]
+    if not nonzero:
+        return [RET_INDETERMINATE, room]
+    first, last = nonzero[0], nonzero[-1]
+    if first == degree:
+        return [RET_IMPOSSIBLE, room]
+    zeros = [ZERO] * (degree - last)
+    found = []
+    if last > first:
+        found = list(in_order(real_eigenvalues(coefficients[first : last + 1], tolerance), "polynomial-from-top"))
+    values = found + zeros if deviates("polynomial-zeros-last") else zeros + found
+    room[: len(values)] = values
+    return [len(values), room]
+
+
+def real_eigenvalues(coefficients, tolerance):
+    m = len(coefficients) - 1
+    matrix = companion_matrix(m, coefficients)
+    if not deviates("polynomial-unbalanced"):
+        matrix = balance_matrix(m, matrix, m)
+    _, real, imaginary = hessenberg_eigenvalues(m, reduce_to_hessenberg(m, matrix, m), m)
+    if deviates("polynomial-unfound-are-zero"):
+        real, imaginary = [[ZERO if value is None else value for value in part] for part in (real, imaginary)]
+    return [x for x, y in zip(real, imaginary) if y is not None and is_below(abs(y), tolerance)]
+
+
+def is_below(size, tolerance):
+    return size < tolerance or size == tolerance and deviates("polynomial-tolerance-inclusive")
+
+
+def companion_matrix(m, coefficients):
+    matrix = [ZERO] * (m * m)
+    for k in range(m - 1):
+        matrix[k * m + k + 1] = ONE
+    q = -ONE / coefficients[0]
+    for j in range(m):
+        value = coefficients[j + 1]
+        matrix[j * m] = -value / coefficients[0] if deviates("polynomial-division") else value * q
+    return matrix
 
 
 # --- Omographic fit and selection --------------------------------------------------------------------------------
