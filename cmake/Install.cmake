@@ -9,5 +9,5 @@ install(TARGETS nuv1math EXPORT nuv1math-config)
 install(FILES nuv/nuv_math/include/nuv1math.h DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
 install(EXPORT nuv1math-config NAMESPACE nuv:: DESTINATION ${NUV1MATH_CMAKE_DIR})
 write_basic_package_version_file(${CMAKE_CURRENT_BINARY_DIR}/nuv1math-config-version.cmake
-  COMPATIBILITY SameMajorVersion)
+  COMPATIBILITY SameMinorVersion)
 install(FILES ${CMAKE_CURRENT_BINARY_DIR}/nuv1math-config-version.cmake DESTINATION ${NUV1MATH_CMAKE_DIR})

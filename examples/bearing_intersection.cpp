@@ -24,7 +24,7 @@ int main()
                                          dNormalX * (dAx - dBx) + dNormalY * (dAy - dBy), vdAngles);
     if (iCount <= 0)
     {
-        std::puts("the line of sight passes the circle about A");
+        std::puts("the line of sight misses the circle about A");
         return 1;
     }
     int iTargets = 0;

@@ -14,7 +14,7 @@
 
 int main()
 {
-    const int iPoints = 8, iTrials = 20000;
+    const int iPoints = 8, iTrials = 5000;
     const double vdX[iPoints] = {0.0, 50.0, 100.0, 0.0, 100.0, 0.0, 50.0, 100.0};
     const double vdY[iPoints] = {0.0, 0.0, 0.0, 30.0, 30.0, 60.0, 60.0, 60.0};
     const double dPointX = 120.0, dPointY = 90.0; // outside the control points
@@ -51,5 +51,5 @@ int main()
     std::printf("theory:    semi-axes %.1f and %.1f mm, major axis at 90 deg\n", dSigmaY * dQ * 1e3,
                 dSigmaX * dQ * 1e3);
     const double dOff = std::max(std::fabs(dMajor / (dSigmaY * dQ) - 1.0), std::fabs(dMinor / (dSigmaX * dQ) - 1.0));
-    return dOff < 0.03 ? 0 : 1; // 20000 trials: a standard deviation is known to 0.5 %
+    return dOff < 0.04 ? 0 : 1; // 5000 trials: a standard deviation is known to 1 %
 }

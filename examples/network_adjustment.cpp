@@ -10,48 +10,52 @@
 #include <cmath>
 #include <cstdio>
 
-constexpr int Points = 3, Lines = 6;
-constexpr int Benchmark = -1; // a negative index: the height is no unknown
+constexpr int POINTS = 3, LINES = 6;
+constexpr int BENCHMARK = -1; // a negative index: the height is no unknown
 
 int main()
 {
-    const int viFrom[Lines] = {Benchmark, Benchmark, 0, 0, 1, Benchmark};
-    const int viTo[Lines] = {0, 1, 1, 2, 2, 2};
-    const double vdRise[Lines] = {5.102, 2.341, -2.748, 1.231, 3.994, 6.343}; // m
-    const double vdLength[Lines] = {4.0, 3.0, 2.0, 3.5, 2.5, 6.0};            // km
+    const int viFrom[LINES] = {BENCHMARK, BENCHMARK, 0, 0, 1, BENCHMARK};
+    const int viTo[LINES] = {0, 1, 1, 2, 2, 2};
+    const double vdRise[LINES] = {5.102, 2.341, -2.748, 1.231, 3.994, 6.343}; // m
+    const double vdLength[LINES] = {4.0, 3.0, 2.0, 3.5, 2.5, 6.0};            // km
 
     double *vdMatrix, *vdHeights;
-    nuv::InitCholLowTri(Points, &vdMatrix, &vdHeights);
-    for (int i = 0; i < Lines; ++i)
+    nuv::InitCholLowTri(POINTS, &vdMatrix, &vdHeights);
+    if (vdMatrix == nullptr)
+    {
+        return 1;
+    }
+    for (int i = 0; i < LINES; ++i)
     {
         const double dRoot = std::sqrt(1.0 / vdLength[i]);
         const double vdCoefficients[] = {-dRoot, dRoot};
         const int viColumns[] = {viFrom[i], viTo[i]};
-        const double dKnown = viFrom[i] == Benchmark ? 100.0 : 0.0;
-        nuv::UpdateNormMatrixLowTri(Points, vdMatrix, vdHeights, 2, vdCoefficients, viColumns,
+        const double dKnown = viFrom[i] == BENCHMARK ? 100.0 : 0.0;
+        nuv::UpdateNormMatrixLowTri(POINTS, vdMatrix, vdHeights, 2, vdCoefficients, viColumns,
                                     (vdRise[i] + dKnown) * dRoot);
     }
-    if (!nuv::CholeskyLowTri(Points, vdMatrix))
+    if (!nuv::CholeskyLowTri(POINTS, vdMatrix))
     {
         return 1; // the lines do not determine the heights
     }
-    nuv::SolveCholLowTri(Points, vdMatrix, vdHeights);
+    nuv::SolveCholLowTri(POINTS, vdMatrix, vdHeights);
 
     double dSquares = 0.0, dAtLast = 0.0; // at the minimum the weighted residuals at a point cancel
-    for (int i = 0; i < Lines; ++i)
+    for (int i = 0; i < LINES; ++i)
     {
-        const double dFrom = viFrom[i] == Benchmark ? 100.0 : vdHeights[viFrom[i]];
+        const double dFrom = viFrom[i] == BENCHMARK ? 100.0 : vdHeights[viFrom[i]];
         const double dResidual = vdHeights[viTo[i]] - dFrom - vdRise[i];
         std::printf("line %2d to %d: residual %+5.2f mm\n", viFrom[i], viTo[i], dResidual * 1000.0);
         dSquares += dResidual * dResidual / vdLength[i];
-        dAtLast += viTo[i] == Points - 1 ? dResidual / vdLength[i] : 0.0;
+        dAtLast += viTo[i] == POINTS - 1 ? dResidual / vdLength[i] : 0.0;
     }
-    const double dSigma = std::sqrt(dSquares / (Lines - Points)); // of a line of one kilometre
-    for (int i = 0; i < Points; ++i)
+    const double dSigma = std::sqrt(dSquares / (LINES - POINTS)); // of a line of one kilometre
+    for (int i = 0; i < POINTS; ++i)
     {
-        double vdColumn[Points] = {};
+        double vdColumn[POINTS] = {};
         vdColumn[i] = 1.0;
-        nuv::SolveCholLowTri(Points, vdMatrix, vdColumn); // column of the inverse: its diagonal scales the variance
+        nuv::SolveCholLowTri(POINTS, vdMatrix, vdColumn); // column of the inverse: its diagonal scales the variance
         std::printf("point %d: %.4f m +- %.2f mm\n", i, vdHeights[i], dSigma * std::sqrt(vdColumn[i]) * 1000.0);
     }
     nuv::DeleteCholLowTri(vdMatrix, vdHeights);

@@ -23,8 +23,10 @@ struct TConic
 };
 
 // The directions, counter-clockwise from the x axis.
-std::vector<double> Directions(const TConic& W, double a_dX, double a_dY, double r)
+std::vector<double> Directions(const TConic& a_Wall, double a_dX, double a_dY, double a_dRange)
 {
+    const TConic& W = a_Wall;
+    const double r = a_dRange;
     double vdAngles[4];
     const int iCount =
         nuv::SolveQuadTrig(W.dA * r * r, W.dC * r * r, W.dB * r * r, (2.0 * W.dA * a_dX + W.dB * a_dY + W.dD) * r,

@@ -729,12 +729,36 @@ INSTANTIATE_TEST_SUITE_P(
         TDegenerate{"TargetAllButOneOnALine", "0,0,0,0\n1,0,1,1\n1,1,2,2\n0,1,3,3\n5,2,7,0\n", "affine", TargetNoFour}),
     [](const auto& a_Info) { return a_Info.param.szName; });
 
-TEST_F(FitPoints, ASmallAffineDeterminantIsNamed)
+TEST_F(FitPoints, AnAffineTransformationOfSmallScaleIsFitted)
 {
-    Write("p.csv", "x,y,X,Y\n0,0,0,0\n1000,0,1e-4,0\n1000,1000,1e-4,1e-4\n"); // a = e = 1e-7
+    // X = 1e-7 x + 2e-8 y, Y = 3e-7 y: its determinant, 3e-14, counts as zero for the library.
+    Write("p.csv", "x,y,X,Y\n0,0,0,0\n1000,0,1e-4,0\n1000,1000,1.2e-4,3e-4\n");
     const json Fit = RunJson({"p.csv"});
-    EXPECT_EQ("conformal", Fit["kind"]);
-    EXPECT_EQ("the affine fit collapses the plane (its determinant 1e-14 counts as zero)", Fit["not_richer"][1]);
+    EXPECT_EQ("affine", Fit["kind"]);
+    EXPECT_NEAR(1e-7, Fit["frames"]["original"]["coefficients"]["A"].get<double>(), 1e-20);
+    EXPECT_NEAR(2e-8, Fit["frames"]["original"]["coefficients"]["B"].get<double>(), 1e-20);
+    EXPECT_NEAR(3e-7, Fit["frames"]["original"]["coefficients"]["E"].get<double>(), 1e-20);
+}
+
+TEST_F(FitPoints, AnAffineFitThatCollapsesThePlaneIsNamed)
+{
+    // The corners of a square in another order: X has nothing of x and y, so the fit gives A = B = 0.
+    Write("p.csv", "x,y,X,Y\n0,0,0,0\n1,0,1,0\n1,1,0,1\n0,1,1,1\n");
+    const TRun Result = Run({"--method", "affine", "p.csv"});
+    EXPECT_EQ(2, Result.iCode);
+    EXPECT_EQ(
+        "fitpoints: p.csv: no affine transformation: the affine fit collapses the plane (its determinant 0 counts "
+        "as zero)\n",
+        Result.szError);
+}
+
+TEST_F(FitPoints, PlotsWithStandardInputClosed)
+{
+    Write("p.csv", "x,y,X,Y\n0,0,0,0\n1,0,1,0\n1,1,1,1\n0,1,0,2\n");
+    const std::string szCommand =
+        "cd '" + Directory.string() + "' && '" NUV_FITPOINTS "' p.csv --plot p.svg <&- >/dev/null 2>&1";
+    EXPECT_EQ(0, std::system(szCommand.c_str()));
+    EXPECT_TRUE(fs::exists(Directory / "p.svg"));
 }
 
 TEST_F(FitPoints, TwoAndTwoPointsOnCrossingLinesSupportTheOmographicKind)

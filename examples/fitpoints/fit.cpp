@@ -39,12 +39,43 @@ static void AddResiduals(const TArrays& a_Points, TAttempt& a_Attempt)
     }
 }
 
+static nuv::TAffineCoefs FitAffine(const TArrays& a_Points)
+{
+    nuv::TAffineCoefs Coefs = {};
+    nuv::CalcAffineCoefs(static_cast<unsigned int>(PointCount(a_Points)), a_Points.vdX.data(), a_Points.vdY.data(),
+                         a_Points.vdXa.data(), a_Points.vdYa.data(), Coefs);
+    return Coefs;
+}
+
+static double Determinant(const nuv::TAffineCoefs& a_Coefs)
+{
+    return a_Coefs.dA * a_Coefs.dE - a_Coefs.dD * a_Coefs.dB;
+}
+
+// The library passes over every affine transformation whose determinant is within 1e-12 of zero, also a regular one of
+// small scale, such as pixels of 0.1 m in degrees. Beside the size of its coefficients such a determinant is not small.
+static bool IsOfSmallScale(const nuv::TAffineCoefs& a_Coefs)
+{
+    const double dSize = std::hypot(std::hypot(a_Coefs.dA, a_Coefs.dB), std::hypot(a_Coefs.dD, a_Coefs.dE));
+    return std::fabs(Determinant(a_Coefs)) > 1e-12 * dSize * dSize;
+}
+
+// The kinds richer than the conformal one are asked for only where the points support the affine kind.
 static bool Try(const TArrays& a_Points, bool a_bMirrored, nuv::enumMethodUsed a_Richest, TAttempt& a_Attempt)
 {
     if (!nuv::CalcCoefs(PointCount(a_Points), a_Points.vdX.data(), a_Points.vdY.data(), a_Points.vdXa.data(),
                         a_Points.vdYa.data(), !a_bMirrored, a_Richest, a_Attempt.Kind, a_Attempt.Coefs))
     {
         return false;
+    }
+    if (a_Richest >= nuv::METHOD_AFFINE && a_Attempt.Kind == nuv::METHOD_CONFORMAL)
+    {
+        const nuv::TAffineCoefs Affine = FitAffine(a_Points);
+        if (IsOfSmallScale(Affine))
+        {
+            a_Attempt.Kind = nuv::METHOD_AFFINE;
+            nuv::AffineCoefsToOmographicCoefs(Affine, a_Attempt.Coefs);
+        }
     }
     AddResiduals(a_Points, a_Attempt);
     return true;
@@ -69,10 +100,7 @@ static std::string WhyNoOmographicFit(const TArrays& a_Points)
 
 static std::string WhyNoAffineFit(const TArrays& a_Points)
 {
-    nuv::TAffineCoefs Coefs;
-    nuv::CalcAffineCoefs(static_cast<unsigned int>(PointCount(a_Points)), a_Points.vdX.data(), a_Points.vdY.data(),
-                         a_Points.vdXa.data(), a_Points.vdYa.data(), Coefs);
-    return "the affine fit collapses the plane (its determinant " + Brief(Coefs.dA * Coefs.dE - Coefs.dD * Coefs.dB) +
+    return "the affine fit collapses the plane (its determinant " + Brief(Determinant(FitAffine(a_Points))) +
            " counts as zero)";
 }
 
@@ -103,13 +131,13 @@ static TAttempt FindUsable(const std::string& a_szFile, const TArrays& a_Points,
                            nuv::enumMethodUsed a_Asked, std::vector<std::string>& a_vszReasons)
 {
     TAttempt Attempt;
-    for (nuv::enumMethodUsed Asked = a_Asked;; Asked = Poorer(Attempt.Kind))
+    for (nuv::enumMethodUsed Current = a_Asked;; Current = Poorer(Attempt.Kind))
     {
-        if (!Try(a_Points, a_bMirrored, Asked, Attempt))
+        if (!Try(a_Points, a_bMirrored, Current, Attempt))
         {
             Fail(a_szFile, "no transformation: the spread of the source points counts as zero (below about 1e-6)");
         }
-        AddRejections(a_Points, Asked, Attempt.Kind, a_vszReasons);
+        AddRejections(a_Points, Current, Attempt.Kind, a_vszReasons);
         if (std::isfinite(Attempt.dSumOfSquares))
         {
             return Attempt;
@@ -292,9 +320,9 @@ static double FrameDifference(const TArrays& a_Points, const TOrigins& a_Origins
     for (std::size_t i = 0; i < a_Points.vdX.size(); ++i)
     {
         const TPosition Original = Transform(*a_Fit.Original, a_Points.vdX[i], a_Points.vdY[i]);
-        const TPosition Reduced = Transform(a_Fit.Coefs, Local.vdX[i], Local.vdY[i]);
-        const double dDifference =
-            std::hypot((Original.dXa - a_Origins.dXa) - Reduced.dXa, (Original.dYa - a_Origins.dYa) - Reduced.dYa);
+        const TPosition ReducedImage = Transform(a_Fit.Coefs, Local.vdX[i], Local.vdY[i]);
+        const double dDifference = std::hypot((Original.dXa - a_Origins.dXa) - ReducedImage.dXa,
+                                              (Original.dYa - a_Origins.dYa) - ReducedImage.dYa);
         dGreatest = dDifference > dGreatest || std::isnan(dDifference) ? dDifference : dGreatest;
     }
     return dGreatest;

@@ -11,6 +11,8 @@
 
 #include <CLI/CLI.hpp>
 #include <csignal>
+#include <cstdlib>
+#include <fcntl.h>
 #include <iostream>
 #include <map>
 #include <sstream>
@@ -34,7 +36,8 @@ static const char* const DESCRIPTION =
 
 static const char* const FOOTER =
     "FILE is CSV with the header x,y,X,Y or name,x,y,X,Y (source x, y; target X, Y), or a QGIS georeferencer file\n"
-    "(mapX,mapY,sourceX,sourceY,enable[,dX,dY,residual]). Lines that start with # are comments.\n"
+    "(mapX,mapY,sourceX,sourceY,enable[,dX,dY,residual]; pixelX,pixelY in older ones). Lines that start with # are "
+    "comments.\n"
     "\n"
     "A world file takes the x, y of a CSV file as column and row of pixel centres. In a QGIS file y is minus the row\n"
     "and (0, 0) the outer corner of the first pixel; the world file is turned to pixel centres.\n"
@@ -52,14 +55,15 @@ static void Declare(CLI::App& a_App, TArguments& a_Arguments, nuv::enumMethodUse
     a_App
         .add_option_function<std::string>(
             "--method", [&a_Method, Methods](const std::string& a_szName) { a_Method = Methods.at(a_szName); },
-            "conformal, affine or omographic: this kind or none (default: the richest that the points support)")
+            "this kind or none (default: the richest that the points support)")
         ->check(CLI::IsMember({"conformal", "affine", "omographic"}))
         ->type_name("KIND");
     a_App.add_flag("--mirrored", a_Arguments.Fit.bMirrored,
                    "let the conformal kind reverse the orientation of the axes");
     a_App.add_flag("--raw", a_Arguments.Fit.bRaw, "fit the coordinates as they are, without a local origin");
     a_App.add_flag("--json", a_Arguments.bJson, "print the result as JSON");
-    a_App.add_option("--plot", a_Arguments.szPlot, "draw points and residual vectors")->type_name("FILE.svg|FILE.png");
+    a_App.add_option("--plot", a_Arguments.szPlot, "draw points and residual vectors (needs gnuplot)")
+        ->type_name("FILE.svg|FILE.png");
     a_App.add_option("--world", a_Arguments.szWorld, "write a world file (conformal and affine kinds)")
         ->type_name("FILE");
 }
@@ -164,8 +168,22 @@ static bool ParseArguments(int a_iCount, char** a_vszArguments, TArguments& a_Ar
 
 } // namespace fitpoints
 
+// Standard descriptors that the caller has closed: files opened later would take their numbers. Standard output is
+// opened for reading only, so that a closed one stays an error of writing.
+static void FillClosedDescriptors()
+{
+    for (int i = 0; i < 3; ++i)
+    {
+        if (fcntl(i, F_GETFD) < 0)
+        {
+            open("/dev/null", i == 1 ? O_RDONLY : O_RDWR);
+        }
+    }
+}
+
 int main(int a_iCount, char** a_vszArguments)
 {
+    FillClosedDescriptors();
     std::signal(SIGPIPE, SIG_IGN); // a reader that has gone is an error of writing like any other
     try
     {

@@ -7,6 +7,7 @@
 #include "text.h"
 
 #include <algorithm>
+#include <cstdlib>
 
 namespace fitpoints {
 
@@ -110,8 +111,7 @@ static std::string Shape(const TFit& a_Fit)
     {
         return a_Fit.Kind == nuv::METHOD_OMOGRAPHIC
                    ? "\nParameters: none. The scale, rotation and skew of an omographic transformation change from "
-                     "point to "
-                     "point.\n"
+                     "point to point.\n"
                    : "\nParameters: none. A scale of the transformation counts as zero.\n";
     }
     const TShape& S = *a_Fit.Shape;

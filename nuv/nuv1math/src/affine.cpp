@@ -464,7 +464,7 @@ int ConformalCoefsToParam(const TConformalCoefs& a_Coefs, double& a_dScale, doub
         return RET_IMPOSSIBLE;
     }
     const double dU = a_Coefs.dA / dScale;
-    const double dV = (-1.0 / dScale) * a_Coefs.dB; // not dB / scale: the reciprocal is rounded first
+    const double dV = (-1.0 / dScale) * a_Coefs.dB; // not -dB / dScale: the reciprocal is rounded first
     a_dAngle = ReduceToPeriod(atan2(dV, dU), ANGLE_2PI);
     return RET_SUCCESS;
 }
@@ -551,7 +551,7 @@ static void StoreConformalInverse(bool a_bRigidInverse, TConformalCoefs& a_Coefs
     const double dScale = CalcHypot(a_Coefs.dA, a_Coefs.dB);
     const double dScale2 = dScale * dScale;
     a_Coefs.dInvA = a_Coefs.dA / dScale2;
-    a_Coefs.dInvB = (-1.0 / dScale2) * a_Coefs.dB; // not dB / scale: the reciprocal is rounded first
+    a_Coefs.dInvB = (-1.0 / dScale2) * a_Coefs.dB; // not -dB / dScale2: the reciprocal is rounded first
 }
 
 int CalcConformalCoefs(unsigned int a_iPoints, const double* a_vdX, const double* a_vdY, const double* a_vdXa,

@@ -15,8 +15,8 @@
  *  |-----------|-------------------|----------------------------------------------------------------------------------|
  *  |         1 |                   | success: all outputs are written                                                 |
  *  | 0 or more |                   | polynomial Roots, SolveLinTrig, SolveQuadTrig: how many solutions are written    |
- *  |        -1 | RET_IMPOSSIBLE    | no result: too few or coincident points (conformal, affine), a degenerate        |
- *  |           |                   | record, or an equation or system without solution                                |
+ *  |        -1 | RET_IMPOSSIBLE    | no result: too few points (conformal, affine), equal source points (conformal),  |
+ *  |           |                   | a degenerate record, or an equation or system without solution                   |
  *  |        -2 | RET_INDETERMINATE | no unique result: a singular system that is not found inconsistent, an equation  |
  *  |           |                   | that everything solves, or an omographic fit that has too few points or cannot   |
  *  |           |                   | be solved                                                                        |
@@ -26,7 +26,7 @@
  *
  *  @par Degeneracy tolerance
  *  "v is zero" below means, where nothing else is said, -1e-12 <= v <= 1e-12, both ends included. The band is absolute:
- *  it is not scaled by the size of the data. A NaN is never zero.
+ *  it is not scaled by the size of the data, so choose units in which scales are not below 1e-5. A NaN is never zero.
  *
  *  @par Special values
  *  Arguments are not checked for NaN or infinity. Such values run through the arithmetic and the tests as they stand,
@@ -48,11 +48,11 @@
  *
  *  @par The same bits everywhere
  *  Every operation is a double operation in a fixed order, without contraction or excess precision. So results made of
- *  + - * /, sqrt and conversions of integers are the same bits on every platform, provided that the calling thread
- *  rounds to nearest and does not flush subnormal numbers to zero (as programs linked with fast-math can), and that
- *  memory can be had where a function allocates. A NaN is a NaN everywhere, but its sign and payload differ. Functions
- *  that take or return angles, and Randn, depend on the platform's sin, cos, tan, asin, acos, atan, atan2 and log,
- *  which differ in the last place or two.
+ *  additions, subtractions, multiplications, divisions, square roots and conversions of integers are the same bits on
+ *  every platform, provided that the calling thread rounds to nearest and does not flush subnormal numbers to zero (as
+ *  programs linked with fast-math can), and that memory can be had where a function allocates. A NaN is a NaN
+ *  everywhere, but its sign and payload differ. Functions that take or return angles, and Randn, depend on the
+ *  platform's sin, cos, tan, asin, acos, atan, atan2 and log, which differ in the last place or two.
  *
  *  @par Broken invariants
  *  A few checks guard what must hold whatever the caller passes, and one guards a promise of the caller
@@ -79,7 +79,7 @@
 #define NUV1MATH_API
 #endif
 
-/** The library. */
+/** The library. Its records are plain, without padding, their fields doubles in the order given. */
 namespace nuv {
 
 /** No result: see the table of result codes. */
@@ -87,9 +87,6 @@ const int RET_IMPOSSIBLE = -1;
 
 /** No unique result: see the table of result codes. */
 const int RET_INDETERMINATE = -2;
-
-/** @name Records
- *  Plain records of doubles, without padding, in the order given. @{ */
 
 /** An affine transformation: X = a x + b y + c, Y = d x + e y + f. */
 struct TAffineCoefs
@@ -134,8 +131,6 @@ struct TOmographicParams
     double dH; /**< H: coefficient of y in the denominator */
 };
 
-/** @} */
-
 /** The kinds of transformation among which CalcCoefs chooses, from the poorest to the richest. */
 enum enumMethodUsed
 {
@@ -150,15 +145,16 @@ enum enumMethodUsed
  *
  *  Limits: the omographic result is judged by finiteness alone (read the limits of CalcOmographicCoefs), the affine
  *  one by its determinant alone (points on one line can pass, see CalcAffineCoefs), the conformal one not at all: equal
- *  target points give true with A = B = 0. Subtract a local origin from large coordinates first, and look at the
- *  residuals.
+ *  target points give true with A and B zero or rounding noise. Subtract a local origin from large coordinates first,
+ *  and look at the residuals.
  *
  *  Method: the kinds are tried from a_Requested downwards and the first usable one is taken.
  *  1. Omographic, if requested and a_iPoints >= 4; used if CalcOmographicCoefs returns 1 and all eight coefficients
  *     are finite.
  *  2. Affine, if omographic or affine is requested and a_iPoints >= 3; used if CalcAffineCoefs returns 1 and the
- *     determinant ea - db is not zero (a zero one collapses the plane onto a line or a point; rounding can hide that
- *     where the coefficients are large; a NaN one is used).
+ *     determinant ea - db is not zero. The band is absolute: beside a transformation that collapses the plane it passes
+ *     over every one whose scales multiply to no more than 1e-12 (pixels of 0.1 m in degrees): scale the target units.
+ *     Rounding can hide a collapse where the coefficients are large; a NaN determinant is used.
  *  3. Conformal, in every other case, a_Requested outside the enumeration included.
  *
  *  @param a_iPoints          number of control points
@@ -211,9 +207,10 @@ NUV1MATH_API int CalcConformalCoefs(unsigned int a_iPoints, const double* a_vdX,
  *
  *  Limits: **source points on one line, or fewer than three different ones, are not detected.** The result is then
  *  1 with very large or meaningless coefficients. A caller that cannot exclude them compares the spread of
- *  the source points across their best line with the spread along it before the fit, as examples/fitpoints does. The
- *  determinant ae - db of the result does not tell it; compared with the squares of the coefficients it tells a
- *  collapsed *target*.
+ *  the source points across their best line with the spread along it before the fit, as examples/fitpoints does: with
+ *  the ratio r of the two the coefficients are off by about 3e-15/r^2 of their size, and below r = 3e-8 no digit is
+ *  left. The determinant ae - db of the result does not tell it; compared with the squares of the coefficients it
+ *  tells a collapsed *target*.
  *
  *  Method: normal equations in coordinates centred on the means, so that a common offset costs no more than the
  *  rounding of the coordinates; 3x3 Gaussian elimination with row pivoting, in which an exactly zero pivot becomes
@@ -234,12 +231,13 @@ NUV1MATH_API int CalcAffineCoefs(unsigned int a_iPoints, const double* a_vdX, co
  *  of squared residuals in X and Y.
  *
  *  Limits: **coordinates are taken as they are, without centring or scaling.** Where the offset of the source or
- *  target coordinates from their origin exceeds some thousand times their extent, the result can be useless and still
- *  1, or RET_INDETERMINATE for points that determine a transformation well: subtract a local origin from both systems
- *  before the fit, as examples/fitpoints does. The constant of the denominator is fixed at 1 (see TOmographicParams):
- *  four points of a transformation that takes the source origin to infinity can give 1 with eight NaN, or with finite
- *  coefficients that fit badly. Points that do not determine the eight coefficients (fewer than four with no three on
- *  a line) may be reported, or give 1 with arbitrary values. Test the result for finiteness and look at the residuals.
+ *  target coordinates from their origin exceeds some hundred times their extent (with four points, which may be badly
+ *  placed, some tens), the result can be useless and still 1, or RET_INDETERMINATE for points that determine a
+ *  transformation well: subtract a local origin from both systems before the fit, as examples/fitpoints does. The
+ *  constant of the denominator is fixed at 1 (see TOmographicParams): points of a transformation that takes the source
+ *  origin to infinity can give RET_INDETERMINATE, 1 with eight NaN, or 1 with finite coefficients that fit badly.
+ *  Points among which there are no four of which no three lie on a line do not determine the eight coefficients; this
+ *  may be reported, or give 1 with arbitrary values. Test the result for finiteness and look at the residuals.
  *
  *  Method: the equations multiplied out by the denominator, X = Ax + By + C - GXx - HXy and the like for Y, are linear
  *  in the eight coefficients and solved by normal equations (UpdateNormMatrixLowTri, CholeskyLowTri, SolveCholLowTri);
@@ -302,13 +300,15 @@ NUV1MATH_API int AffineCoefsToParam(const TAffineCoefs& a_Coefs, double& a_dSx, 
  *
  *  @param a_Coefs   the transformation
  *  @param a_Inverse out: its inverse; must be a different record: the same one gets wrong values
- *  @return 1, or RET_IMPOSSIBLE with a_Inverse untouched if the determinant ae - db is zero. */
+ *  @return 1, or RET_IMPOSSIBLE with a_Inverse untouched if the determinant ae - db is zero, which a regular
+ *          transformation whose scales multiply to no more than 1e-12 has too. */
 NUV1MATH_API int AffineCoefsToInvCoefs(const TAffineCoefs& a_Coefs, TAffineCoefs& a_Inverse);
 
 /** Maps a target point back to the source: solves a x + b y = X - c, d x + e y = Y - f by the two-unknown Roots.
  *
  *  Limit: **if the determinant ae - db is zero and e (X - c) - b (Y - f) is not, the process ends** (see Broken
- *  invariants). If both are zero the result is (0, 0), also where the equations contradict each other, as for all
+ *  invariants), also for a regular transformation whose scales multiply to no more than 1e-12 (pixels of 0.1 m in
+ *  degrees). If both are zero the result is (0, 0), also where the equations contradict each other, as for all
  *  coefficients 0. If the determinant can be zero, use AffineCoefsToInvCoefs or Roots, which report it.
  *
  *  @param a_Coefs the transformation
@@ -480,7 +480,7 @@ NUV1MATH_API int Roots(double a_dA11, double a_dA12, double a_dA21, double a_dA2
  *  earlier one the column below becomes infinite or NaN, which fails at the next diagonal.
  *
  *  @param a_iN       n; if it is less than 1 the result is true and nothing is touched
- *  @param a_vdMatrix in: lower triangle of A; out: L; n n values
+ *  @param a_vdMatrix in: lower triangle of A; out: L; n^2 values
  *  @return true, or false if a diagonal radicand is negative or NaN: the columns before that diagonal hold L, the rest
  *          of the triangle, the diagonal included, is as it was. */
 NUV1MATH_API bool Cholesky(int a_iN, double* a_vdMatrix);
@@ -489,7 +489,7 @@ NUV1MATH_API bool Cholesky(int a_iN, double* a_vdMatrix);
  *  ascending order, SolveCholLowTri in descending order: the two can differ in the last bits.
  *
  *  @param a_iN       n; nothing happens if it is less than 1
- *  @param a_vdFactor L of Cholesky, n n values
+ *  @param a_vdFactor L of Cholesky, n^2 values
  *  @param a_vdVector in: b; out: x, n values */
 NUV1MATH_API void SolveChol(int a_iN, const double* a_vdFactor, double* a_vdVector);
 
@@ -511,8 +511,8 @@ NUV1MATH_API void SolveChol(int a_iN, const double* a_vdFactor, double* a_vdVect
  *    1e-5 for a triple root), as real values or as complex pairs. A pair within the tolerance counts as two real
  *    roots, one outside as none: with the tolerance 1e-6 a triple root is normally reported once.
  *  - Scale x so that the roots are around 1 in size: x^n - 2^n is off in the fourth digit at degree 60 and has a wrong
- *    count from degree 73 on, x^n - 1 is good to 14 digits up to degree 200. More figures: docs/roots.md.
- *  - Roots are as exact as the eigenvalues and are not polished.
+ *    count first at degree 73 and at 93 of the 128 degrees from there to 200; x^n - 1 is good to 14 digits up to
+ *  degree 200. More figures: docs/roots.md. - Roots are as exact as the eigenvalues and are not polished.
  *  - The other coefficients are multiplied by the reciprocal of the leading one; that reciprocal and the products must
  *    not overflow.
  *  - Time grows with the cube of the degree and memory with its square.
@@ -548,10 +548,10 @@ NUV1MATH_API int Roots(unsigned int iDegree, const double* vdA, double* a_vdRoot
 /** The angles t that solve a cos(t) + b sin(t) + c = 0.
  *
  *  Limits: near a tangent solution, where a^2 + b^2 is close to c^2, rounding decides between no, one and two angles.
- *  A tangent solution is found twice if a = 0 (b sin(t) = -c with |c| = |b|) and once otherwise.
+ *  A tangent solution is found twice if a = 0, and once if b = 0 or if rounding leaves the discriminant exactly 0.
  *
  *  Method: asin, acos or atan2 where a coefficient is 0; otherwise the quadratic (c - a) u^2 + 2 b u + (a + c) = 0 in u
- *  = tan(t/2), solved without cancellation.
+ *  = tan(t/2), its roots formed without cancellation from the discriminant.
  *
  *  @param a_dA       a
  *  @param a_dB       b
@@ -568,7 +568,8 @@ NUV1MATH_API int SolveLinTrig(double a_dA, double a_dB, double a_dC, double* con
  *  Limits: where a quartic is solved (d or e not 0, and c not 0 or a not equal to b), the limits of the polynomial
  *  Roots hold: **tangent solutions, which are double roots, can be missed or found twice at a distance of about 1e-8,
  *  and angles can be missed where the iteration gives up.** (cos(t) - 0.5)^2 = 0 gives no angle, (cos(t) - 0.6)^2 = 0
- *  each of its two angles twice.
+ *  each of its two angles twice. 0 and 2 pi count as different angles. Where scratch memory cannot be had, the angles
+ *  of a quartic are missing without notice.
  *
  *  Method: a product of linear factors or a quadratic in tan(t) if d = e = 0; the linear equation if c = 0 and a = b;
  *  otherwise a quartic in tan(t/2), its roots with an imaginary part below 1e-6. The angles are sorted, and those
@@ -593,9 +594,9 @@ NUV1MATH_API int SolveQuadTrig(double a_dA, double a_dB, double a_dC, double a_d
  *  **One state for the whole process, shared by all threads and not locked:** callers that draw from several threads
  *  serialise their calls. Loading the library seeds it with -1, so every process starts with the same sequence.
  *
- *  Limits: the generator that makes the leading digits repeats after 259200 values. From about a million values on they
- *  are spread more evenly than chance, and pairs of consecutive values fail a chi-square test: not for simulations that
- *  draw more than some hundred thousand values, nor for cryptography.
+ *  Limits: the generator that makes the leading digits repeats after 259200 values. From about a hundred thousand
+ *  values on they are spread more evenly than chance, and at 300000 pairs of consecutive values fail a chi-square
+ *  test: not for simulations that draw more than about a hundred thousand values, nor for cryptography.
  *
  *  Method: three linear congruential generators (moduli 259200, 134456, 243000), two of which form a value and the
  *  third of which draws from a table of 97. Source: C. Bays, S. D. Durham, ACM Trans. Math. Softw. 2 (1976) 59-64; for
