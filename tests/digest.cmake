@@ -1,8 +1,9 @@
 # SPDX-License-Identifier: MIT
 #
 # cmake -DEMULATOR=... -DPROGRAMS=... -DEXPECTED=... -DSEEN=... [-DUPDATE=ON] -P digest.cmake
-# Runs the tests of the exact tables in all PROGRAMS and collects the digest of every table. Fails if a test fails, or if
-# the digests are not those of the file EXPECTED; with UPDATE writes that file instead. SEEN gets what this platform has.
+# Runs the tests of the exact tables in all PROGRAMS and collects the digest of every table. Fails if a test fails, or
+# if the digests are not those of the file EXPECTED; with UPDATE writes that file instead. SEEN gets what this platform
+# has.
 # The parts of EMULATOR and PROGRAMS are separated by |.
 
 string(REPLACE "|" ";" EMULATOR "${EMULATOR}")
