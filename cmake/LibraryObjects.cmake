@@ -22,6 +22,6 @@ function(nuv1math_add_objects name)
   target_compile_options(${name} PRIVATE -pedantic -Wall -Wextra -Wshadow -Wconversion -fno-exceptions -fno-rtti)
   target_link_libraries(${name} PRIVATE nuv_floating_point)
   set_target_properties(${name} PROPERTIES
-    CXX_STANDARD 98 CXX_STANDARD_REQUIRED ON CXX_EXTENSIONS OFF
+    CXX_STANDARD ${NUV1MATH_CXX_STANDARD} CXX_STANDARD_REQUIRED ON CXX_EXTENSIONS OFF
     CXX_VISIBILITY_PRESET hidden VISIBILITY_INLINES_HIDDEN ON POSITION_INDEPENDENT_CODE ON)
 endfunction()

@@ -16,13 +16,15 @@ constexpr int CameBack = 77;
 struct TChildEnd
 {
     std::string szText; // all that it wrote to standard error
-    int iExitCode;      // -1 if a signal ended it
+    int iExitCode = -1; // -1 if a signal ended it
 };
 
-// Standard input is empty and no terminal; standard error is a pipe.
+// Standard input is empty and no terminal; standard error is a pipe. On Windows the text of a message box counts as
+// written too, and its user presses Retry.
 TChildEnd RunInChild(const std::function<void()>& a_Statement);
 
-// Standard input and standard error are a terminal, whose user types a_szAnswer once a_szPrompt is to be read.
+// Standard input and standard error are a terminal, whose user types a_szAnswer once a_szPrompt is to be read. Windows
+// has no such terminals.
 TChildEnd RunAtTerminal(const std::function<void()>& a_Statement, const std::string& a_szPrompt,
                         const std::string& a_szAnswer);
 

@@ -4,6 +4,7 @@
 # Fails unless the program ends with exit code 0 and prints the text of the file EXPECTED, no more and no less.
 
 execute_process(COMMAND ${PROGRAM} RESULT_VARIABLE result OUTPUT_VARIABLE printed)
+string(REPLACE "\r\n" "\n" printed "${printed}") # how Windows ends a line
 file(READ ${EXPECTED} expected)
 if(NOT result STREQUAL "0")
   message(FATAL_ERROR "exit code ${result}\n${printed}")

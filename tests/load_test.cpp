@@ -3,9 +3,8 @@
 // SPDX-License-Identifier: MIT
 
 #include "random_sequences.h"
+#include "shared_library.h"
 #include "testing.h"
-
-#include <dlfcn.h>
 
 namespace {
 
@@ -18,11 +17,11 @@ constexpr int Draws = 100;
 class TLibrary
 {
 public:
-    TLibrary() : m_pHandle(dlopen(NUV1MATH_LIBRARY, RTLD_NOW | RTLD_LOCAL))
+    TLibrary() : m_pHandle(LoadSharedLibrary(NUV1MATH_LIBRARY))
     {
         if (m_pHandle == nullptr)
         {
-            throw std::runtime_error(dlerror());
+            throw std::runtime_error("cannot load the library");
         }
     }
 
@@ -31,14 +30,14 @@ public:
 
     ~TLibrary()
     {
-        dlclose(m_pHandle);
+        UnloadSharedLibrary(m_pHandle);
     }
 
     // What Rand() of the library gives next.
     TValues Draw(int a_iCount) const
     {
         using TRand = double (*)();
-        const auto Rand = reinterpret_cast<TRand>(dlsym(m_pHandle, "_ZN3nuv4RandEv"));
+        const auto Rand = reinterpret_cast<TRand>(FindFunction(m_pHandle, "_ZN3nuv4RandEv"));
         if (Rand == nullptr)
         {
             throw std::runtime_error("the library has no nuv::Rand()");
@@ -57,12 +56,7 @@ private:
 
 bool IsLoaded()
 {
-    void* const pHandle = dlopen(NUV1MATH_LIBRARY, RTLD_NOW | RTLD_NOLOAD);
-    if (pHandle != nullptr)
-    {
-        dlclose(pHandle);
-    }
-    return pHandle != nullptr;
+    return IsSharedLibraryLoaded(NUV1MATH_LIBRARY);
 }
 
 // Draws a_iFirst and following of the sequence of seed -1.

@@ -192,9 +192,9 @@ void SolveChol(int a_iN, const double* a_vdFactor, double* a_vdVector)
 {
     const TTriangleRows Rows = DenseRows(a_iN);
     SubstituteForward(a_iN, Rows, a_vdFactor, a_vdVector);
-    for (ptrdiff_t i = static_cast<ptrdiff_t>(a_iN) - 1; i >= 0; --i)
+    for (ptrdiff_t i = a_iN; i >= 1; --i)
     {
-        SubstituteBackward(i, a_iN, i + 1, 1, Rows, a_vdFactor, a_vdVector); // from the row below the diagonal down
+        SubstituteBackward(i - 1, a_iN, i, 1, Rows, a_vdFactor, a_vdVector); // from the row below the diagonal down
     }
 }
 
@@ -205,11 +205,11 @@ bool CholeskyLowTri(int a_iUnknowns, double* a_vdMatrix)
 
 void SolveCholLowTri(int a_iUnknowns, const double* a_vdFactor, double* a_vdVector)
 {
-    const ptrdiff_t iLast = static_cast<ptrdiff_t>(a_iUnknowns) - 1;
-    SubstituteForward(a_iUnknowns, PACKED_ROWS, a_vdFactor, a_vdVector);
-    for (ptrdiff_t i = iLast; i >= 0; --i)
+    const ptrdiff_t iN = a_iUnknowns;
+    SubstituteForward(iN, PACKED_ROWS, a_vdFactor, a_vdVector);
+    for (ptrdiff_t i = iN; i >= 1; --i)
     {
-        SubstituteBackward(i, a_iUnknowns, iLast, -1, PACKED_ROWS, a_vdFactor, a_vdVector); // from the last row up
+        SubstituteBackward(i - 1, iN, iN - 1, -1, PACKED_ROWS, a_vdFactor, a_vdVector); // from the last row up
     }
 }
 

@@ -1,0 +1,18 @@
+# SPDX-License-Identifier: MIT
+#
+# What the tests need: GoogleTest, Eigen, and RapidCheck where there is one. A cross compiler has neither GoogleTest nor
+# RapidCheck as a package: GoogleTest is built from its packaged sources, and the properties are left to the other
+# platforms.
+
+if(CMAKE_CROSSCOMPILING)
+  set(NUV1MATH_GOOGLETEST_SOURCE /usr/src/googletest CACHE PATH "The sources of GoogleTest")
+  set(INSTALL_GTEST OFF CACHE BOOL "Install GoogleTest" FORCE)
+  add_subdirectory(${NUV1MATH_GOOGLETEST_SOURCE} ${PROJECT_BINARY_DIR}/googletest EXCLUDE_FROM_ALL SYSTEM)
+  set(NUV1MATH_HAVE_RAPIDCHECK OFF)
+else()
+  find_package(GTest REQUIRED)
+  find_package(rapidcheck REQUIRED)
+  set(NUV1MATH_HAVE_RAPIDCHECK ON)
+endif()
+find_package(Eigen3 REQUIRED NO_MODULE)
+include(GoogleTest)

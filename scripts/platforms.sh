@@ -1,0 +1,43 @@
+# platforms.sh: sourced by scripts/test; builds and tests the platforms and sums up what they did.
+# SPDX-License-Identifier: MIT
+
+platforms=(linux-gcc linux-gcc-cxx20 linux-clang linux-clang-cxx20 linux-sanitize linux-thread linux-armel linux-arm64
+           windows-x64 windows-x86)
+platform_packages=(googletest qemu-user g++-arm-linux-gnueabi g++-aarch64-linux-gnu g++-mingw-w64-x86-64-posix
+                   g++-mingw-w64-i686-posix wine wine64 xvfb xauth)
+
+# run_platform NAME: configures, builds and tests it; a display of its own serves the message boxes of Windows.
+run_platform() {
+    local show=()
+    [ "$1" != windows-x64 ] || show=(xvfb-run -a)
+    cmake --preset "$1" &&
+        cmake --build --preset "$1" &&
+        "${show[@]}" ctest --preset "$1" -j "$(nproc)" --output-junit "$PWD/build/$1/tests.xml"
+}
+
+# summary NAME SECONDS RESULT: one line: how it ended, how many tests ran, failed and were left out, the digest.
+summary() {
+    local head='' digest=-
+    # The head of the report: attributes of its first element.
+    [ ! -f "build/$1/tests.xml" ] || head=$(sed -n '/<testsuite/,/>/p' "build/$1/tests.xml" | tr '\n' ' ')
+    [ ! -f "build/$1/digest.txt" ] || digest=$(sed -n 's/^digest: //p' "build/$1/digest.txt")
+    count() { grep -o " $1=\"[0-9]*\"" <<<"$head" | tr -cd '0-9'; }
+    local tests skipped
+    tests=$(count tests) skipped=$(count skipped)
+    printf '%-18s %-6s %4s tests run, %s failed, %s skipped, digest %s, %s s\n' "$1" "$3" \
+        "$((${tests:-0} - ${skipped:-0}))" "$(count failures)" "${skipped:--}" "$digest" "$2"
+}
+
+# Runs every platform, also after one that failed; fails if one did.
+run_all_platforms() {
+    local platform start result failed=0 lines=()
+    for platform in "${platforms[@]}"; do
+        rm -f "build/$platform/tests.xml" "build/$platform/digest.txt"
+        start=$SECONDS result=passed
+        run_platform "$platform" || { result=FAILED failed=1; }
+        lines+=("$(summary "$platform" $((SECONDS - start)) $result)")
+    done
+    printf '\n'
+    printf '%s\n' "${lines[@]}"
+    return $failed
+}
