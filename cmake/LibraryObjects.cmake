@@ -5,7 +5,7 @@
 set(NUV1MATH_SOURCES
   src/TRIG.cpp src/affine.cpp src/assertion.cpp src/cholesky.cpp src/module.cpp src/omographic.cpp src/poly.cpp
   src/random.cpp)
-if(WIN32)
+if(WIN32 OR NUV1MATH_WINCE_IMAGE)
   list(APPEND NUV1MATH_SOURCES src/platform_windows.cpp)
 else()
   list(APPEND NUV1MATH_SOURCES src/platform_posix.cpp)
@@ -19,7 +19,11 @@ function(nuv1math_add_objects name)
   target_include_directories(${name} PUBLIC ${NUV1MATH_INCLUDE_DIR} ${PROJECT_SOURCE_DIR}/nuv/nuv1math/src)
   string(REPLACE "\\" "\\\\" source_root "${NUV1MATH_SOURCE_ROOT}")
   target_compile_definitions(${name} PRIVATE NUV1MATH_BUILD "NUV_SOURCE_ROOT=\"${source_root}\"")
-  target_compile_options(${name} PRIVATE -pedantic -Wall -Wextra -Wshadow -Wconversion -fno-exceptions -fno-rtti)
+  if(MSVC)
+    target_compile_options(${name} PRIVATE /W3 /GR-)
+  else()
+    target_compile_options(${name} PRIVATE -pedantic -Wall -Wextra -Wshadow -Wconversion -fno-exceptions -fno-rtti)
+  endif()
   target_link_libraries(${name} PRIVATE nuv_floating_point)
   set_target_properties(${name} PROPERTIES
     CXX_STANDARD ${NUV1MATH_CXX_STANDARD} CXX_STANDARD_REQUIRED ON CXX_EXTENSIONS OFF

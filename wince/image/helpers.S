@@ -1,0 +1,77 @@
+// helpers.S: the arithmetic helpers that GCC calls, by those of the device's core library.
+// Copyright (c) 2026 the nuv1math authors
+// SPDX-License-Identifier: MIT
+//
+// Each stands in a section of its own, so that an image holds, and imports, only what it needs.
+
+    .section .note.GNU-stack, "", %progbits
+    .syntax unified
+    .arm
+
+.macro begin name
+    .section .text.\name, "ax", %progbits
+    .align 2
+    .globl \name
+    .hidden \name
+    .type \name, %function
+\name:
+.endm
+
+// The same meaning under another name.
+.macro same name, core
+    begin \name
+    b \core
+.endm
+
+// The core library's answer, 1 or 0, turned into one whose comparison with 0 tells the same.
+.macro comparison name, core, turn:vararg
+    begin \name
+    str lr, [sp, #-4]!
+    bl \core
+    \turn
+    ldr lr, [sp], #4
+    bx lr
+.endm
+
+// The core library takes the divisor first.
+.macro quotient name, core
+    begin \name
+    mov r2, r0
+    mov r0, r1
+    mov r1, r2
+    b \core
+.endm
+
+.macro remainder name, core
+    begin \name
+    str lr, [sp, #-4]!
+    mov r2, r0
+    mov r0, r1
+    mov r1, r2
+    bl \core
+    mov r0, r1
+    ldr lr, [sp], #4
+    bx lr
+.endm
+
+    same __adddf3, __addd
+    same __subdf3, __subd
+    same __muldf3, __muld
+    same __divdf3, __divd
+    same __floatsidf, __itod
+    same __floatunsidf, __utod
+    same __fixdfsi, __dtoi
+    same __fixunsdfsi, __dtou
+
+    // GCC asks __gtdf2 for > 0 and __nedf2 for != 0: 1 and 0 as they are. With a NaN every comparison but != is false.
+    same __gtdf2, __gtd
+    same __nedf2, __ned
+    comparison __eqdf2, __eqd, eor r0, r0, #1 // == 0 where equal
+    comparison __ltdf2, __ltd, rsb r0, r0, #0 // < 0 where less
+    comparison __gedf2, __ged, sub r0, r0, #1 // >= 0 where greater or equal
+    comparison __ledf2, __led, rsb r0, r0, #1 // <= 0 where less or equal
+
+    quotient __divsi3, __rt_sdiv
+    quotient __udivsi3, __rt_udiv
+    remainder __modsi3, __rt_sdiv
+    remainder __umodsi3, __rt_udiv
