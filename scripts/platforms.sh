@@ -19,13 +19,13 @@ run_platform() {
 summary() {
     local head='' digest=-
     # The head of the report: attributes of its first element.
-    [ ! -f "build/$1/tests.xml" ] || head=$(sed -n '/<testsuite/,/>/p' "build/$1/tests.xml" | tr '\n' ' ')
+    [ ! -f "build/$1/tests.xml" ] || head=$(sed -n '/<testsuite/,/>/p' "build/$1/tests.xml" | tr '\n\t' '  ')
     [ ! -f "build/$1/digest.txt" ] || digest=$(sed -n 's/^digest: //p' "build/$1/digest.txt")
-    count() { grep -o " $1=\"[0-9]*\"" <<<"$head" | tr -cd '0-9'; }
-    local tests skipped
-    tests=$(count tests) skipped=$(count skipped)
+    count() { { grep -o " $1=\"[0-9]*\"" <<<"$head" | tr -cd '0-9'; } || true; }
+    local tests failed skipped
+    tests=$(count tests) failed=$(count failures) skipped=$(count skipped)
     printf '%-18s %-6s %4s tests run, %s failed, %s skipped, digest %s, %s s\n' "$1" "$3" \
-        "$((${tests:-0} - ${skipped:-0}))" "$(count failures)" "${skipped:--}" "$digest" "$2"
+        "$((${tests:-0} - ${skipped:-0}))" "${failed:--}" "${skipped:--}" "$digest" "$2"
 }
 
 # Runs every platform, also after one that failed; fails if one did.
