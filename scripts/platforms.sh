@@ -2,9 +2,10 @@
 # SPDX-License-Identifier: MIT
 
 platforms=(linux-gcc linux-gcc-cxx20 linux-clang linux-clang-cxx20 linux-sanitize linux-thread linux-armel linux-arm64
-           windows-x64 windows-x86)
+           windows-x64 windows-x86 wince-armv4)
 platform_packages=(googletest qemu-user g++-arm-linux-gnueabi g++-aarch64-linux-gnu g++-mingw-w64-x86-64-posix
-                   g++-mingw-w64-i686-posix wine wine64 xvfb xauth)
+                   g++-mingw-w64-i686-posix wine wine64 xvfb xauth
+                   libc6-dev-armel-cross llvm-14)
 
 # run_platform NAME: configures, builds and tests it; a display of its own serves the message boxes of Windows.
 run_platform() {
