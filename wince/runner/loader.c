@@ -2,7 +2,7 @@
 // Copyright (c) 2026 the nuv1math authors
 // SPDX-License-Identifier: MIT
 //
-// The layout is that of Microsoft's "PE Format" specification. The loader is for images that were built here: it checks
+// The layout is that of Microsoft's document "PE Format". The loader is for images that were built here: it checks
 // what it relies on and refuses what it does not know, but it does not defend itself against a hostile file.
 
 #define _GNU_SOURCE

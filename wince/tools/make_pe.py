@@ -7,7 +7,7 @@ SPDX-License-Identifier: MIT
 usage: make_pe.py ELF EXPORTS OUTPUT
 ELF is linked by image.ld with its relocations kept; EXPORTS has a line for each function: its name in the link, which
 is exported, and a second exported name. The same input makes the same bytes. The layout is that of Microsoft's
-"PE Format" specification.
+document "PE Format".
 """
 
 import collections
