@@ -314,7 +314,7 @@ TEST(SolveLinTrig, EveryAngleSolvesItsEquation)
 {
     std::mt19937_64 Random(20261121);
     int iAngles = 0;
-    for (int i = 0; i < 100000; ++i)
+    for (int i = 0; i < CasesHere(100000); ++i)
     {
         TTrigEquation Equation = RandomLinear(Random);
         double* const vdMissing[] = {nullptr, nullptr, nullptr, nullptr, &Equation.dD, &Equation.dE, &Equation.dF};
@@ -335,7 +335,7 @@ TEST(SolveLinTrig, EveryAngleSolvesItsEquation)
                 << HexText(Equation.dD) << ", " << HexText(Equation.dE) << ", " << HexText(Equation.dF);
         }
     }
-    EXPECT_GT(iAngles, 100000);
+    EXPECT_GT(iAngles, CasesHere(100000));
 }
 
 TEST(SolveLinTrig, FindsAsManyAnglesAsTheFunctionChangesSign)
@@ -343,7 +343,7 @@ TEST(SolveLinTrig, FindsAsManyAnglesAsTheFunctionChangesSign)
     std::mt19937_64 Random(7);
     std::uniform_real_distribution<double> Coefficient(-1.0, 1.0);
     int viCounts[3] = {};
-    for (int i = 0; i < 600; ++i)
+    for (int i = 0; i < CasesHere(600); ++i)
     {
         TTrigEquation Equation{0.0, 0.0, 0.0, Coefficient(Random), Coefficient(Random), Coefficient(Random)};
         double* const vdMissing[] = {nullptr, nullptr, &Equation.dD, &Equation.dE, &Equation.dF};
@@ -361,9 +361,9 @@ TEST(SolveLinTrig, FindsAsManyAnglesAsTheFunctionChangesSign)
         const int iResult = SolveLinear(Equation.dD, Equation.dE, Equation.dF).iResult;
         ASSERT_EQ(iExpected, iResult > 0 ? iResult : 0) << "equation " << i;
     }
-    EXPECT_GT(viCounts[0], 50);
-    EXPECT_GT(viCounts[2], 300);
-    EXPECT_GT(viCounts[0] + viCounts[2], 590); // the scan could tell nearly always
+    EXPECT_GT(viCounts[0], CasesHere(50));
+    EXPECT_GT(viCounts[2], CasesHere(300));
+    EXPECT_GT(viCounts[0] + viCounts[2], CasesHere(590)); // the scan could tell nearly always
 }
 
 // Exactly two for c^2 < a^2 + b^2 and none beyond, one step of c away from tangent solutions that are exact.

@@ -406,7 +406,7 @@ TEST(SolveQuadTrig, EveryAngleSolvesItsEquation)
 {
     std::mt19937_64 Random(20261121);
     int iAngles = 0;
-    for (int i = 0; i < 50000; ++i)
+    for (int i = 0; i < CasesHere(50000); ++i)
     {
         const TKind Kind = AllKinds[i % 5];
         const TTrigEquation Equation = RandomQuadratic(Kind, Random);
@@ -425,7 +425,7 @@ TEST(SolveQuadTrig, EveryAngleSolvesItsEquation)
             ASSERT_LE(std::fabs(Equation.At(dAngle)), dBound) << Text(Equation);
         }
     }
-    EXPECT_GT(iAngles, 75000);
+    EXPECT_GT(iAngles, CasesHere(75000));
 }
 
 // The scan leaves out equations with solutions near a tangent, where the number of angles is a matter of rounding. In
@@ -434,7 +434,7 @@ TEST(SolveQuadTrig, FindsAsManyAnglesAsTheFunctionChangesSign)
 {
     std::mt19937_64 Random(11);
     int viCounts[5] = {};
-    const int iEquations = 1500;
+    const int iEquations = CasesHere(1500);
     for (int i = 0; i < iEquations; ++i)
     {
         const TTrigEquation Equation = RandomQuadratic(AllKinds[i % 5], Random);
@@ -448,16 +448,16 @@ TEST(SolveQuadTrig, FindsAsManyAnglesAsTheFunctionChangesSign)
         const int iResult = SolveQuadratic(Equation).iResult;
         ASSERT_EQ(iExpected, iResult > 0 ? iResult : 0) << Text(Equation);
     }
-    EXPECT_GT(viCounts[0], 100);
-    EXPECT_GT(viCounts[2], 400);
-    EXPECT_GT(viCounts[4], 200);
+    EXPECT_GT(viCounts[0], CasesHere(100));
+    EXPECT_GT(viCounts[2], CasesHere(400));
+    EXPECT_GT(viCounts[4], CasesHere(200));
     EXPECT_GT(viCounts[0] + viCounts[2] + viCounts[4], iEquations * 9 / 10); // the scan could tell nearly always
 }
 
 TEST(SolveQuadTrig, AnglesAscendAndAreApart)
 {
     std::mt19937_64 Random(3);
-    for (int i = 0; i < 50000; ++i)
+    for (int i = 0; i < CasesHere(50000); ++i)
     {
         const TTrigEquation Equation = RandomQuadratic(AllKinds[i % 5], Random, i % 2 == 0 ? SmallWhole : Fraction);
         const TValues vdFound = SolveQuadratic(Equation).Found();
@@ -502,11 +502,8 @@ std::string Fault(const TAngles& a_Angles)
 
 TEST(SolveQuadTrig, SpecialArgumentsGiveNoMoreThanFourAnglesAndNoReport)
 {
-#if defined(__arm__) // without floating-point hardware, and emulated: a tenth of the cases
-    const TValues vdSpecial = {0.0, -0.0, 1.0, -Inf, NaN, 1e308};
-#else
-    const TValues vdSpecial = {0.0, -0.0, 1.0, -1.0, Inf, -Inf, NaN, 1e308, Subnormal};
-#endif
+    const TValues vdSpecial = Emulated ? TValues{0.0, -0.0, 1.0, -Inf, NaN, 1e308}
+                                       : TValues{0.0, -0.0, 1.0, -1.0, Inf, -Inf, NaN, 1e308, Subnormal};
     ExpectQuietCheck(
         [&]
         {
@@ -532,7 +529,7 @@ TEST(SolveQuadTrig, ArgumentsOfEverySizeGiveNoMoreThanFourAnglesAndNoReport)
         {
             std::mt19937_64 Random(5);
             std::uniform_int_distribution<int> Exponent(-1080, 1023);
-            for (int i = 0; i < 100000; ++i)
+            for (int i = 0; i < CasesHere(100000); ++i)
             {
                 TTrigEquation Equation = RandomQuadratic(AllKinds[i % 5], Random);
                 double vdScaled[6];

@@ -129,7 +129,7 @@ TEST(Rand, StaysFromZeroToBelowOneAndAwayFromBothByItsSteps)
     nuv::SetRandomSeed(-1);
     double dLeast = 1.0;
     double dGreatest = 0.0;
-    for (int i = 0; i < 10000000; ++i)
+    for (int i = 0; i < CasesHere(10000000); ++i)
     {
         const double dValue = nuv::Rand();
         dLeast = dValue < dLeast ? dValue : dLeast;
@@ -433,9 +433,9 @@ TEST(RandDistribution, FiftyThousandPairsAreSpreadOverTheSquareAsByChance)
 
 // Of n independent numbers the mean scatters by 1/sqrt(n), the variance by sqrt(2/n), the third moment by sqrt(15/n)
 // and the fourth by sqrt(96/n) about 0, 1, 0 and 3; four of these are exceeded in 1 of 16000 cases.
-TEST(RandnDistribution, TheFirstFourMomentsOfAMillionAreThoseOfTheNormalDistribution)
+TEST(RandnDistribution, TheFirstFourMomentsAreThoseOfTheNormalDistribution)
 {
-    const int iDraws = 1000000;
+    const int iDraws = CasesHere(1000000);
     for (int iSeed : TestSeeds)
     {
         SCOPED_TRACE(iSeed);

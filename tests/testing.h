@@ -60,6 +60,17 @@ inline ::testing::AssertionResult SameBitsResult(const char* a_szExpected, const
                                          << " = " << HexText(a_dExpected);
 }
 
+// Where every instruction is emulated, a tenth of the random cases is tried.
+#ifdef NUV_EMULATED
+constexpr bool Emulated = true;
+#else
+constexpr bool Emulated = false;
+#endif
+constexpr int CasesHere(int a_iCases)
+{
+    return Emulated ? a_iCases / 10 : a_iCases;
+}
+
 // Hides a value from the compiler, so that no call is folded with the compiler's own arithmetic.
 inline double Opaque(double a_dValue)
 {
