@@ -2,6 +2,7 @@
 // Copyright (c) 2026 the nuv1math authors
 // SPDX-License-Identifier: MIT
 
+#include "fresh_generator.h"
 #include "nuv1math.h"
 #include "random_sequences.h"
 #include "testing.h"
@@ -36,27 +37,6 @@ void ExpectSameSequence(const TValues& a_vdExpected, const TValues& a_vdActual)
         ASSERT_TRUE(SameBits(a_vdExpected[i], a_vdActual[i]))
             << "draw " << i << " is " << HexText(a_vdActual[i]) << ", expected " << HexText(a_vdExpected[i]);
     }
-}
-
-// Drops a normal number that waits from an earlier test. A call that returns it draws no uniform number; any other
-// draws some and leaves a new one waiting.
-void DropSpareNormal()
-{
-    nuv::SetRandomSeed(0);
-    const double dFirst = nuv::Rand();
-    nuv::SetRandomSeed(0);
-    nuv::Randn();
-    if (nuv::Rand() != dFirst)
-    {
-        nuv::Randn();
-    }
-}
-
-// A generator without a waiting normal number, just seeded.
-void StartFresh(int a_iSeed)
-{
-    DropSpareNormal();
-    nuv::SetRandomSeed(a_iSeed);
 }
 
 // --- the uniform sequence

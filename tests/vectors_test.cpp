@@ -3,6 +3,7 @@
 // SPDX-License-Identifier: MIT
 
 #include "nuv1math.h"
+#include "random_sequences.h"
 #include "vectors.h"
 
 namespace {
@@ -263,6 +264,22 @@ TEST(Vectors, CalcCoefs)
                    a_Case.ExpectInt(Used, iUntouched);
                    a_Case.ExpectRecord(Params);
                });
+}
+
+TEST(Vectors, SetRandomSeedAndRand)
+{
+    TDigest Digest;
+    for (const auto& Sequence : ReadRandomSequences())
+    {
+        SetRandomSeed(Sequence.first);
+        for (double dExpected : Sequence.second)
+        {
+            const double dDrawn = Rand();
+            Digest.Add(dDrawn);
+            EXPECT_SAME_BITS(dExpected, dDrawn) << "seed " << Sequence.first;
+        }
+    }
+    TDigestReport::Add("random_sequences", Digest.Value());
 }
 
 } // namespace

@@ -103,6 +103,8 @@ class ExactDouble:
         return ExactDouble(0, self.mantissa, self.exponent)
 
     def __add__(self, other):
+        if other.__class__ is not ExactDouble:
+            return NotImplemented
         if self.mantissa > 0 and other.mantissa > 0:
             return _exact_sum(
                 self.sign, self.mantissa, self.exponent, other.sign, other.mantissa, other.exponent
@@ -121,6 +123,8 @@ class ExactDouble:
         return self + -other
 
     def __mul__(self, other):
+        if other.__class__ is not ExactDouble:
+            return NotImplemented
         sign = self.sign ^ other.sign
         if self.mantissa > 0 and other.mantissa > 0:
             return rounded(sign, self.mantissa * other.mantissa, self.exponent + other.exponent)
