@@ -16,24 +16,26 @@ run_platform() {
         "${show[@]}" ctest --preset "$1" -j "$(nproc)" --output-junit "$PWD/build/$1/tests.xml"
 }
 
-# summary NAME SECONDS RESULT: one line: how it ended, how many tests ran, failed and were left out, the digest.
+# summary NAME SECONDS RESULT: how it ended, how many tests ran, failed and were left out, the digests of exact results,
+# and the greatest errors of the others in units in the last place.
 summary() {
-    local head='' digest=-
+    local head='' digest=- ulps=-
     # The head of the report: attributes of its first element.
     [ ! -f "build/$1/tests.xml" ] || head=$(sed -n '/<testsuite/,/>/p' "build/$1/tests.xml" | tr '\n\t' '  ')
-    [ ! -f "build/$1/digest.txt" ] || digest=$(sed -n 's/^digest: //p' "build/$1/digest.txt")
+    [ ! -f "build/$1/digest.txt" ] || digest=$(sed -n 's/^digest.*: //p' "build/$1/digest.txt" | paste -sd';' | sed 's/;/; /')
+    [ ! -f "build/$1/ulps.txt" ] || ulps=$(sed -n 's/^ulps: //p' "build/$1/ulps.txt" | paste -sd';' | sed 's/;/; /g')
     count() { { grep -o " $1=\"[0-9]*\"" <<<"$head" | tr -cd '0-9'; } || true; }
     local tests failed skipped
     tests=$(count tests) failed=$(count failures) skipped=$(count skipped)
-    printf '%-18s %-6s %4s tests run, %s failed, %s skipped, digest %s, %s s\n' "$1" "$3" \
-        "$((${tests:-0} - ${skipped:-0}))" "${failed:--}" "${skipped:--}" "$digest" "$2"
+    printf '%-18s %-6s %4s tests run, %s failed, %s skipped, %s s\n    digest %s\n    ulps   %s\n' "$1" "$3" \
+        "$((${tests:-0} - ${skipped:-0}))" "${failed:--}" "${skipped:--}" "$2" "$digest" "$ulps"
 }
 
 # Runs every platform, also after one that failed; fails if one did.
 run_all_platforms() {
     local platform start result failed=0 lines=()
     for platform in "${platforms[@]}"; do
-        rm -f "build/$platform/tests.xml" "build/$platform/digest.txt"
+        rm -f "build/$platform/tests.xml" "build/$platform/digest.txt" "build/$platform/ulps.txt"
         start=$SECONDS result=passed
         run_platform "$platform" || { result=FAILED failed=1; }
         lines+=("$(summary "$platform" $((SECONDS - start)) $result)")
