@@ -13,7 +13,11 @@
 
 namespace nuv_reference {
 
+#ifdef NUV_REFERENCE_REAL // what to compute with, where long double is not enough
+using TReal = NUV_REFERENCE_REAL;
+#else
 using TReal = long double;
+#endif
 using TMatrix = Eigen::Matrix<TReal, Eigen::Dynamic, Eigen::Dynamic>;
 using TVector = Eigen::Matrix<TReal, Eigen::Dynamic, 1>;
 
@@ -23,33 +27,48 @@ using TControlPoint = std::array<double, 4>;
 // Residual of a point, computed less given, in X and Y.
 using TResidual = std::array<TReal, 2>;
 
+// The least-squares transformation: its coefficients A ... H for the coordinates as they are given, and what it leaves.
+struct TFit
+{
+    TVector Coefs;
+    std::vector<TResidual> vResiduals;
+};
+
+// Where a system of coordinates has its mean, and how many units are one normalised unit.
+struct TFrame
+{
+    TVector Mean;
+    TReal dScale;
+};
+
 // Points with their mean at the origin and a mean distance of 1 from it, on either side; one row per point.
 struct TNormalised
 {
     TMatrix Source, Target;
-    TReal dTargetScale; // target units per normalised unit
+    TFrame SourceFrame, TargetFrame;
 };
 
-inline TReal Normalise(TMatrix& a_Points)
+inline TFrame Normalise(TMatrix& a_Points)
 {
-    a_Points.rowwise() -= a_Points.colwise().mean().eval();
+    const TVector Mean = a_Points.colwise().mean().transpose();
+    a_Points.rowwise() -= Mean.transpose();
     const TReal dScale = a_Points.rowwise().norm().mean();
     a_Points /= dScale;
-    return dScale;
+    return {Mean, dScale};
 }
 
 inline TNormalised Normalised(const std::vector<TControlPoint>& a_vPoints)
 {
     const auto iCount = static_cast<Eigen::Index>(a_vPoints.size());
-    TNormalised Result = {TMatrix(iCount, 2), TMatrix(iCount, 2), 1};
+    TNormalised Result = {TMatrix(iCount, 2), TMatrix(iCount, 2), {}, {}};
     for (Eigen::Index i = 0; i < iCount; ++i)
     {
         const TControlPoint& P = a_vPoints[static_cast<std::size_t>(i)];
         Result.Source.row(i) << P[0], P[1];
         Result.Target.row(i) << P[2], P[3];
     }
-    Normalise(Result.Source);
-    Result.dTargetScale = Normalise(Result.Target);
+    Result.SourceFrame = Normalise(Result.Source);
+    Result.TargetFrame = Normalise(Result.Target);
     return Result;
 }
 
@@ -91,34 +110,73 @@ inline TVector Values(const TNormalised& a_Points)
     return Result;
 }
 
-inline std::vector<TResidual> LinearResiduals(const TNormalised& a_Points, const TMatrix& a_Rows)
+// The same transformation between the systems as they are given. Its W is scaled so that the constant is 1.
+inline TVector InOriginalFrames(const TNormalised& a_Points, const TVector& a_Coefs)
+{
+    const TFrame& Source = a_Points.SourceFrame;
+    const TFrame& Target = a_Points.TargetFrame;
+    const auto Shifted = [&](TReal dX, TReal dY, TReal dConstant)
+    {
+        TVector Row(3);
+        Row << dX / Source.dScale, dY / Source.dScale,
+            dConstant - (dX * Source.Mean(0) + dY * Source.Mean(1)) / Source.dScale;
+        return Row;
+    };
+    const TVector W = Shifted(a_Coefs(6), a_Coefs(7), 1);
+    TVector Result(8);
+    for (Eigen::Index i = 0; i < 2; ++i)
+    {
+        Result.segment(3 * i, 3) =
+            Target.dScale * Shifted(a_Coefs(3 * i), a_Coefs(3 * i + 1), a_Coefs(3 * i + 2)) + Target.Mean(i) * W;
+    }
+    Result.tail(2) = W.head(2);
+    return Result / W(2);
+}
+
+inline TFit InTargetUnits(const TNormalised& a_Points, const TVector& a_Coefs, const TVector& a_Misfit)
+{
+    return {InOriginalFrames(a_Points, a_Coefs), InTargetUnits(a_Misfit, a_Points.TargetFrame.dScale)};
+}
+
+// a_Place puts the unknowns among the coefficients A ... H.
+template <class TPlace> TFit LinearFit(const TNormalised& a_Points, const TMatrix& a_Rows, TPlace a_Place)
 {
     const TVector Target = Values(a_Points);
-    return InTargetUnits(a_Rows * Solve(a_Rows, Target) - Target, a_Points.dTargetScale);
+    const TVector Unknowns = Solve(a_Rows, Target);
+    TVector Coefs = TVector::Zero(8);
+    a_Place(Unknowns, Coefs);
+    return InTargetUnits(a_Points, Coefs, a_Rows * Unknowns - Target);
 }
 
 // X = a x + b y + c, Y = -b x + a y + d; with the signs of Y turned where the orientation is reversed.
-inline std::vector<TResidual> ConformalResiduals(const std::vector<TControlPoint>& a_vPoints, bool a_bMirrored)
+inline TFit ConformalFit(const std::vector<TControlPoint>& a_vPoints, bool a_bMirrored)
 {
     const TNormalised Points = Normalised(a_vPoints);
     const TReal dSign = a_bMirrored ? -1 : 1;
-    return LinearResiduals(Points, Rows(Points, 4,
-                                        [&](Eigen::Index i, TReal x, TReal y, TMatrix& a_Rows)
-                                        {
-                                            a_Rows.row(2 * i) << x, y, 1, 0;
-                                            a_Rows.row(2 * i + 1) << dSign * y, -dSign * x, 0, 1;
-                                        }));
+    const TMatrix Design = Rows(Points, 4,
+                                [&](Eigen::Index i, TReal x, TReal y, TMatrix& a_Rows)
+                                {
+                                    a_Rows.row(2 * i) << x, y, 1, 0;
+                                    a_Rows.row(2 * i + 1) << dSign * y, -dSign * x, 0, 1;
+                                });
+    return LinearFit(Points, Design,
+                     [&](const TVector& a_Unknowns, TVector& a_Coefs)
+                     {
+                         a_Coefs.head(3) = a_Unknowns.head(3);
+                         a_Coefs.segment(3, 3) << -dSign * a_Unknowns(1), dSign * a_Unknowns(0), a_Unknowns(3);
+                     });
 }
 
-inline std::vector<TResidual> AffineResiduals(const std::vector<TControlPoint>& a_vPoints)
+inline TFit AffineFit(const std::vector<TControlPoint>& a_vPoints)
 {
     const TNormalised Points = Normalised(a_vPoints);
-    return LinearResiduals(Points, Rows(Points, 6,
-                                        [&](Eigen::Index i, TReal x, TReal y, TMatrix& a_Rows)
-                                        {
-                                            a_Rows.row(2 * i) << x, y, 1, 0, 0, 0;
-                                            a_Rows.row(2 * i + 1) << 0, 0, 0, x, y, 1;
-                                        }));
+    const TMatrix Design = Rows(Points, 6,
+                                [&](Eigen::Index i, TReal x, TReal y, TMatrix& a_Rows)
+                                {
+                                    a_Rows.row(2 * i) << x, y, 1, 0, 0, 0;
+                                    a_Rows.row(2 * i + 1) << 0, 0, 0, x, y, 1;
+                                });
+    return LinearFit(Points, Design, [](const TVector& a_Unknowns, TVector& a_Coefs) { a_Coefs.head(6) = a_Unknowns; });
 }
 
 // Residuals of the omographic transformation with the coefficients A ... H.
@@ -138,7 +196,7 @@ inline TVector OmographicMisfit(const TNormalised& a_Points, const TVector& a_Co
 
 // Gauss-Newton with steps that are halved until the sum of squares falls, from the solution of the equations that are
 // multiplied out, until nothing improves.
-inline std::vector<TResidual> OmographicResiduals(const std::vector<TControlPoint>& a_vPoints)
+inline TFit OmographicFit(const std::vector<TControlPoint>& a_vPoints)
 {
     const TNormalised Points = Normalised(a_vPoints);
     const TMatrix Linear = Rows(Points, 8,
@@ -176,16 +234,21 @@ inline std::vector<TResidual> OmographicResiduals(const std::vector<TControlPoin
         Coefs += Step;
         Misfit = Next;
     }
-    return InTargetUnits(Misfit, Points.dTargetScale);
+    return InTargetUnits(Points, Coefs, Misfit);
 }
 
 // By the name of the kind.
+inline TFit ReferenceFit(const std::string& a_szKind, bool a_bMirrored, const std::vector<TControlPoint>& a_vPoints)
+{
+    return a_szKind == "omographic" ? OmographicFit(a_vPoints)
+           : a_szKind == "affine"   ? AffineFit(a_vPoints)
+                                    : ConformalFit(a_vPoints, a_bMirrored);
+}
+
 inline std::vector<TResidual> ReferenceResiduals(const std::string& a_szKind, bool a_bMirrored,
                                                  const std::vector<TControlPoint>& a_vPoints)
 {
-    return a_szKind == "omographic" ? OmographicResiduals(a_vPoints)
-           : a_szKind == "affine"   ? AffineResiduals(a_vPoints)
-                                    : ConformalResiduals(a_vPoints, a_bMirrored);
+    return ReferenceFit(a_szKind, a_bMirrored, a_vPoints).vResiduals;
 }
 
 } // namespace nuv_reference
