@@ -20,6 +20,15 @@ namespace {
 int g_iExpectedLine = 0;
 std::jmp_buf g_Back;
 
+// The numbers read out of the current input, for whoever looks into a finding.
+nuv_fuzz::TValues g_vdRead;
+
+double Noted(double a_dValue)
+{
+    g_vdRead.push_back(a_dValue);
+    return a_dValue;
+}
+
 } // namespace
 
 namespace nuv {
@@ -41,7 +50,11 @@ namespace nuv_fuzz {
 
 void Fail(const char* a_szFile, int a_iLine, const char* a_szWhat)
 {
-    std::fprintf(stderr, "%s:%d: does not hold: %s\n", a_szFile, a_iLine, a_szWhat);
+    std::fprintf(stderr, "%s:%d: does not hold: %s\nnumbers read:\n", a_szFile, a_iLine, a_szWhat);
+    for (double dValue : g_vdRead)
+    {
+        std::fprintf(stderr, "  %.17g\n", dValue);
+    }
     std::abort();
 }
 
@@ -103,6 +116,11 @@ double Greatest(const TValues& a_vdValues)
 
 // ---------------------------------------------------------------------------------------------------------------------
 
+TInput::TInput(const std::uint8_t* a_pData, std::size_t a_iSize) : m_pData(a_pData), m_iLeft(a_iSize)
+{
+    g_vdRead.clear();
+}
+
 unsigned TInput::Byte()
 {
     if (m_iLeft == 0)
@@ -155,7 +173,7 @@ double TInput::Fresh()
     }
     case 4:
     case 5:
-        return Tame();
+        return FreshTame();
     case 6: // any size
     {
         const double dMantissa = static_cast<std::int8_t>(Byte()) / 64.0;
@@ -180,18 +198,23 @@ double TInput::Any()
     const unsigned iChoice = Byte() % 8;
     if (iChoice == 0)
     {
-        return m_vdRecent[Byte() % 4];
+        return Noted(m_vdRecent[Byte() % 4]);
     }
     if (iChoice == 1)
     {
-        return -m_vdRecent[Byte() % 4];
+        return Noted(-m_vdRecent[Byte() % 4]);
     }
     const double dValue = Fresh();
     m_vdRecent[m_iRecent++ % 4] = dValue;
-    return dValue;
+    return Noted(dValue);
 }
 
 double TInput::Tame()
+{
+    return Noted(FreshTame());
+}
+
+double TInput::FreshTame()
 {
     switch (Byte() % 4)
     {

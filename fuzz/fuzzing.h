@@ -67,8 +67,7 @@ double Greatest(const TValues& a_vdValues); // magnitude; 0 for none
 class TInput
 {
 public:
-    TInput(const std::uint8_t* a_pData, std::size_t a_iSize) : m_pData(a_pData), m_iLeft(a_iSize)
-    {}
+    TInput(const std::uint8_t* a_pData, std::size_t a_iSize);
 
     unsigned Byte();
     int Int(int a_iLow, int a_iHigh); // both included
@@ -86,6 +85,7 @@ public:
 
 private:
     double Fresh();
+    double FreshTame();
 
     const std::uint8_t* m_pData;
     std::size_t m_iLeft;

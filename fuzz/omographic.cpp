@@ -76,6 +76,10 @@ bool ReferenceFit(const TPoints& a_Points, TEight& a_P, TLong& a_dCondition)
                 dCorrection += N.At(j, k) * vdU[k];
             }
             a_P[j] = iStep == 0 ? dCorrection : a_P[j] + dCorrection;
+            if (!std::isfinite(dCorrection))
+            {
+                return false;
+            }
             dGreatest = std::max(dGreatest, std::fabs(dCorrection));
         }
         if (iStep > 0 && Within(dGreatest, 1e-8L, 1e-10L))

@@ -95,7 +95,7 @@ TValues Spread(const TValues& a_vdDense, std::size_t n, std::size_t a_iColumns, 
 
 bool GapsUntouched(const TRoom& a_Room, std::size_t n, std::size_t a_iColumns, std::size_t a_iLd)
 {
-    for (std::size_t j = 0; j + 1 < a_iColumns; ++j)
+    for (std::size_t j = 0; n > 0 && j + 1 < a_iColumns; ++j)
     {
         for (std::size_t i = j * a_iLd + n; i < (j + 1) * a_iLd; ++i)
         {

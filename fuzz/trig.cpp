@@ -86,17 +86,17 @@ void CheckLinear(TInput& a_Input)
     NUV_CHECK((Angles.iResult == nuv::RET_INDETERMINATE) == (a == 0.0 && b == 0.0 && c == 0.0));
     NUV_CHECK(Angles.iResult != nuv::RET_IMPOSSIBLE || a == 0.0 || b == 0.0);
     NUV_CHECK(Angles.iResult != 0 || (a != 0.0 && b != 0.0));
+    const TSix E = {0, 0, 0, a, b, c};
+    if (!InRange(E) || (a == 0.0 && b == 0.0))
+    {
+        return;
+    }
     if (Angles.iResult == 2)
     {
         const double dFirst = Angles.vdFound[0];
         const double dSecond = Angles.vdFound[1];
         const bool bDescending = c == 0.0 && a > 0.0 && b != 0.0;
         NUV_CHECK(!(bDescending ? dFirst < dSecond : dFirst > dSecond));
-    }
-    const TSix E = {0, 0, 0, a, b, c};
-    if (!InRange(E) || (a == 0.0 && b == 0.0))
-    {
-        return;
     }
     CheckResiduals(E, Angles, 64 * Eps);
     // a cos + b sin is a cosine of this amplitude; away from a tangent solution there are two angles or none.
