@@ -23,19 +23,25 @@ def bugs(texts):
     for line in (ROOT / "fuzz/planted.txt").read_text().splitlines():
         if line.startswith("#") or not line or (texts and not any(text in line for text in texts)):
             continue
-        target, source, old, new, finder = (field.strip().replace("\\|", "|").replace("\\n", "\n")
-                                            for field in line.replace("\\|\\|", "\0").split(" | "))
-        yield target, source, old.replace("\0", "||"), new.replace("\0", "||"), finder
+        target, source, old, new, finder = (field.strip().replace("<newline>", "\n")
+                                            for field in line.split(" | "))
+        yield target, source, old, new, finder
 
 
-def compile_command(build, source):
-    """How the build compiles a source of the library, without its output and its compiler cache."""
+def compile_commands(build, directory):
+    """Source and command, without output and compiler cache, of everything that goes into an object directory."""
     for entry in json.loads((build / "compile_commands.json").read_text()):
-        if entry["file"].endswith("/src/" + source) and "nuv1math_fuzz_objects" in entry["output"]:
-            words = shlex.split(entry["command"])
-            words = words[next(i for i, word in enumerate(words) if "clang" in word):]
-            return words[:words.index("-o")]
-    raise SystemExit(f"{source} is not in {build}/compile_commands.json: build the preset fuzz first")
+        words = shlex.split(entry["command"])
+        if directory in words[words.index("-o") + 1]:
+            first = next(i for i, word in enumerate(words) if word.endswith("clang++"))
+            yield pathlib.Path(entry["file"]), words[first:words.index("-o")]
+
+
+def compile_to(scratch, file, words):
+    output = scratch / f"{file.parent.name}-{file.name}.o"
+    # The planted header, if it is one, is found before the original.
+    subprocess.run([words[0], "-I" + str(scratch), "-w", *words[1:], "-c", str(file), "-o", str(output)], check=True)
+    return str(output)
 
 
 def hunt(build, seconds, target, source, old, new, scratch):
@@ -45,29 +51,19 @@ def hunt(build, seconds, target, source, old, new, scratch):
         return "STALE: its text is there %d times" % text.count(old)
     planted = scratch / source
     planted.write_text(text.replace(old, new))
-    # A header is found before the original one; every source is then compiled anew.
-    sources = [source] if source.endswith(".cpp") else ["affine.cpp", "poly.cpp", "omographic.cpp", "TRIG.cpp"]
     objects = []
-    for name in sources:
-        file = planted if name == source else DIRECTORIES[0] / name
-        objects.append(scratch / (name + ".o"))
-        words = compile_command(build, name)
-        words[1:1] = ["-I" + str(scratch), "-w"]
-        subprocess.run(words + ["-c", str(file), "-o", str(objects[-1])], check=True)
-    objects_of_target = build / f"fuzz/CMakeFiles/fuzz_{target}.dir"
+    own = [str(file) for file in sorted((build / f"fuzz/CMakeFiles/fuzz_{target}.dir").glob("*.o"))]
+    is_header = planted.suffix == ".h"
+    if is_header:
+        own = [compile_to(scratch, file, words) for file, words in compile_commands(build, f"fuzz_{target}.dir")]
+    for file, words in compile_commands(build, "nuv1math_fuzz_objects.dir"):
+        if file.name == source:
+            objects.append(compile_to(scratch, planted, words))
+        elif is_header and file.name in ("affine.cpp", "poly.cpp", "omographic.cpp", "TRIG.cpp"):
+            objects.append(compile_to(scratch, file, words))
+    # The archive's own object is not drawn, because the planted one defines everything that it has.
     program = scratch / "program"
-    # The archive's own object is left out, because the planted one defines everything that it has.
-    own = sorted(objects_of_target.glob("*.o"))
-    if not source.endswith(".cpp"):
-        own = []
-        for entry in json.loads((build / "compile_commands.json").read_text()):
-            if f"fuzz_{target}.dir" in entry["output"]:
-                words = shlex.split(entry["command"])
-                words = words[next(i for i, word in enumerate(words) if "clang" in word):]
-                own.append(scratch / pathlib.Path(entry["output"]).name)
-                subprocess.run([words[0], "-I" + str(scratch)] + words[1:words.index("-o")] +
-                               ["-c", entry["file"], "-o", str(own[-1])], check=True)
-    subprocess.run(["clang++", "-fsanitize=fuzzer,address,undefined", *map(str, own), *map(str, objects),
+    subprocess.run(["clang++", "-fsanitize=fuzzer,address,undefined", *own, *objects,
                     str(build / "fuzz/libnuv1math_fuzz.a"), "-o", str(program)], check=True)
     (scratch / "found").mkdir()
     run = subprocess.run([str(program), f"-max_total_time={seconds}", "-timeout=5", "-max_len=600",
