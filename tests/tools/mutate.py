@@ -168,7 +168,7 @@ class Build:
     def link_command(self, program):
         text = subprocess.run(["ninja", "-t", "commands", f"tests/{program}"], cwd=self.directory, capture_output=True,
                               text=True, check=True).stdout.splitlines()[-1]
-        return shlex.split(re.sub(r"^: && | && :.*$", "", text))
+        return shlex.split(re.sub(r"^: && | && .*$", "", text))
 
 
 class Mutation:
@@ -245,7 +245,9 @@ class Mutation:
 
 
 def stages_for(source):
-    for kind, program, test_filter in STAGES:
+    # No table of exact results goes through TRIG.cpp or random.cpp: their own tests come first.
+    stages = STAGES if source not in ("TRIG.cpp", "random.cpp") else [STAGES[2], *STAGES[:2], *STAGES[3:]]
+    for kind, program, test_filter in stages:
         family = FAMILIES.get(source)
         if test_filter == "FAMILY":
             if family:
