@@ -138,7 +138,12 @@ int MaxAbsIndex(int a_iN, const double* a_vdX, int a_iIncX)
 // Quotient of one row of the back substitution into a_dX; false where the row is inconsistent.
 static bool SolveUpperTriRow(double a_dDiagonal, double a_dRest, double& a_dX)
 {
-    if (a_dDiagonal != 0.0)
+    if (IsOne(a_dDiagonal)) // as SolveGauss leaves every diagonal element
+    {
+        a_dX = a_dRest;
+        return true;
+    }
+    if (!IsZero(a_dDiagonal))
     {
         a_dX = a_dRest / a_dDiagonal;
         return true;
@@ -220,13 +225,13 @@ static void SwapRows(const TGaussSystem& a_System, ptrdiff_t k, ptrdiff_t p)
 static void NormaliseRow(const TGaussSystem& a_System, ptrdiff_t k)
 {
     double& dPivot = a_System.vdA[k * a_System.iLda + k];
-    if (dPivot == 0.0)
+    if (IsZero(dPivot))
     {
         dPivot = PIVOT_REPLACEMENT;
     }
     const double dReciprocal = 1.0 / dPivot;
     dPivot = 1.0;
-    if (dReciprocal == 1.0)
+    if (IsOne(dReciprocal))
     {
         return;
     }
@@ -246,7 +251,7 @@ static void EliminateRow(const TGaussSystem& a_System, ptrdiff_t k, ptrdiff_t i)
     double& dBelowPivot = a_System.vdA[k * a_System.iLda + i];
     const double dFactor = -dBelowPivot;
     dBelowPivot = 0.0;
-    if (dFactor == 0.0)
+    if (IsZero(dFactor))
     {
         return;
     }
@@ -310,6 +315,34 @@ struct TMeans
 
 } // namespace
 
+// At least one point. The four sums run side by side: none waits for another, as the additions of one do.
+static void CalcMeans(unsigned int a_iPoints, const double* a_vdX, const double* a_vdY, const double* a_vdXa,
+                      const double* a_vdYa, TMeans& a_Means)
+{
+    double dX = 0.0, dY = 0.0, dXa = 0.0, dYa = 0.0;
+    unsigned int i = 0;
+    if (a_iPoints % 2 != 0) // an odd count starts as its first value, which keeps the sign of a sum of zeros
+    {
+        dX = a_vdX[0];
+        dY = a_vdY[0];
+        dXa = a_vdXa[0];
+        dYa = a_vdYa[0];
+        i = 1;
+    }
+    for (; i < a_iPoints; ++i)
+    {
+        dX = a_vdX[i] + dX;
+        dY = a_vdY[i] + dY;
+        dXa = a_vdXa[i] + dXa;
+        dYa = a_vdYa[i] + dYa;
+    }
+    const double dCount = static_cast<double>(a_iPoints);
+    a_Means.dX = dX / dCount;
+    a_Means.dY = dY / dCount;
+    a_Means.dXa = dXa / dCount;
+    a_Means.dYa = dYa / dCount;
+}
+
 void CalcMean(unsigned int a_iCount, const double* a_vdValues, double& a_dMean)
 {
     a_dMean = 0.0;
@@ -317,27 +350,9 @@ void CalcMean(unsigned int a_iCount, const double* a_vdValues, double& a_dMean)
     {
         return;
     }
-    unsigned int i = 0;
-    double dSum = 0.0;
-    if (a_iCount % 2 != 0) // an odd count starts as its first value, which keeps the sign of a sum of zeros
-    {
-        dSum = a_vdValues[0];
-        i = 1;
-    }
-    for (; i < a_iCount; ++i)
-    {
-        dSum = a_vdValues[i] + dSum;
-    }
-    a_dMean = dSum / static_cast<double>(a_iCount);
-}
-
-static void CalcMeans(unsigned int a_iPoints, const double* a_vdX, const double* a_vdY, const double* a_vdXa,
-                      const double* a_vdYa, TMeans& a_Means)
-{
-    CalcMean(a_iPoints, a_vdX, a_Means.dX);
-    CalcMean(a_iPoints, a_vdY, a_Means.dY);
-    CalcMean(a_iPoints, a_vdXa, a_Means.dXa);
-    CalcMean(a_iPoints, a_vdYa, a_Means.dYa);
+    TMeans Means;
+    CalcMeans(a_iCount, a_vdValues, a_vdValues, a_vdValues, a_vdValues, Means);
+    a_dMean = Means.dX;
 }
 
 // ---------------------------------------------------------------------------------------------------------------------

@@ -76,19 +76,59 @@ void DeleteCholLowTri(double* a_vdMatrix, double* a_vdVector)
     free(a_vdVector);
 }
 
+// Whether products with a coefficient of zero may be left out: there is one, and all factors are finite, so that it
+// makes every product a zero.
+static bool CanSkipZeros(int a_iUnknowns, const double* a_vdRow, double a_dValue)
+{
+    bool bZero = false;
+    for (int i = 0; i < a_iUnknowns; ++i)
+    {
+        if (!IsFinite(a_vdRow[i]))
+        {
+            return false;
+        }
+        bZero = bZero || IsZero(a_vdRow[i]);
+    }
+    return bZero && IsFinite(a_dValue);
+}
+
+// Adds a product to an element. A product that is a zero changes no element but -0.0, which +0.0 makes +0.0: to every
+// other one it is not added.
+static void AddProduct(double a_dFirst, double a_dSecond, bool a_bIsZero, double& a_dElement)
+{
+    if (!a_bIsZero || IsNegativeZero(a_dElement))
+    {
+        a_dElement = a_dFirst * a_dSecond + a_dElement;
+    }
+}
+
 void UpdateNormMatrixLowTri(int a_iUnknowns, double* a_vdMatrix, double* a_vdVector, const double* a_vdRow,
                             double a_dValue)
 {
+    const bool bSkipZeros = CanSkipZeros(a_iUnknowns, a_vdRow, a_dValue);
     double* pElement = a_vdMatrix; // walks the packed triangle from end to end
     for (int i = 0; i < a_iUnknowns; ++i)
     {
         const double dCoefficient = a_vdRow[i];
-        for (int j = 0; j <= i; ++j)
+        const double* const pEnd = pElement + i + 1;
+        const double* pOther = a_vdRow;
+        if (!bSkipZeros)
         {
-            *pElement += dCoefficient * a_vdRow[j];
-            ++pElement;
+            for (; pElement != pEnd; ++pElement, ++pOther)
+            {
+                *pElement = dCoefficient * *pOther + *pElement;
+            }
+            a_vdVector[i] = dCoefficient * a_dValue + a_vdVector[i];
         }
-        a_vdVector[i] += dCoefficient * a_dValue;
+        else
+        {
+            const bool bZero = IsZero(dCoefficient);
+            for (; pElement != pEnd; ++pElement, ++pOther)
+            {
+                AddProduct(dCoefficient, *pOther, bZero || IsZero(*pOther), *pElement);
+            }
+            AddProduct(dCoefficient, a_dValue, bZero || IsZero(a_dValue), a_vdVector[i]);
+        }
     }
 }
 

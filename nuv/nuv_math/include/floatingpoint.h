@@ -29,6 +29,17 @@
 #endif
 #endif
 
+// The helpers that look at the bits of a double take its low word first.
+#if defined(__FLOAT_WORD_ORDER__)
+#if __FLOAT_WORD_ORDER__ != __ORDER_LITTLE_ENDIAN__
+#error "nuv1math needs doubles with the low word first"
+#endif
+#elif !defined(__BYTE_ORDER__) || __BYTE_ORDER__ == __ORDER_LITTLE_ENDIAN__
+// Windows and Windows CE are little-endian on every processor.
+#else
+#error "nuv1math needs doubles with the low word first"
+#endif
+
 namespace nuv {
 
 // C++98 has no static_assert: an array of negative size does not compile.
