@@ -25,6 +25,12 @@ namespace nuv {
 // Order      Shared products are formed once; divisors are inverted once and multiplied.
 // ---------------------------------------------------------------------------------------------------------------------
 
+// The angle of [0, 2 pi] whose cosine and sine are these.
+static double CalcDirection(double a_dCos, double a_dSin)
+{
+    return ReduceToPeriod(atan2(a_dSin, a_dCos), ANGLE_2PI);
+}
+
 void AffineParamsToCoefs(double a_dSx, double a_dSy, double a_dPhi, double a_dTheta, double a_dTx, double a_dTy,
                          TAffineCoefs& a_Coefs)
 {
@@ -53,7 +59,7 @@ int AffineCoefsToParam(const TAffineCoefs& a_Coefs, double& a_dSx, double& a_dSy
     const double dReciprocal = 1.0 / dSx;
     const double dU = a_Coefs.dA * dReciprocal; // cos(theta)
     const double dV = a_Coefs.dD * dReciprocal; // sin(theta)
-    a_dTheta = ReduceToPeriod(atan2(dV, dU), ANGLE_2PI);
+    a_dTheta = CalcDirection(dU, dV);
 
     const double dSy = a_Coefs.dE * dU - a_Coefs.dB * dV;
     a_dSy = dSy;
@@ -168,16 +174,20 @@ int SolveUpperTri(int a_iN, const double* a_vdU, int a_iLdu, const double* a_vdB
     const ptrdiff_t iIncX = a_iIncX;
     const ptrdiff_t iLast = a_iN - 1;
 
-    // The last row subtracts nothing: b - 0 would be the same, but for one operation.
-    bool bConsistent = SolveUpperTriRow(a_vdU[iLast * iLdu + iLast], a_vdB[iLast * iIncB], a_vdX[iLast * iIncX]);
-    for (ptrdiff_t i = iLast - 1; i >= 0 && bConsistent; --i)
+    bool bConsistent = true;
+    for (ptrdiff_t i = iLast; i >= 0 && bConsistent; --i)
     {
-        double dSum = 0.0;
-        for (ptrdiff_t j = iLast; j > i; --j) // from the last unknown backwards
+        double dRest = a_vdB[i * iIncB];
+        if (i != iLast) // the last row subtracts nothing: b - 0 would be the same, but for one operation
         {
-            dSum = a_vdU[j * iLdu + i] * a_vdX[j * iIncX] + dSum;
+            double dSum = 0.0;
+            for (ptrdiff_t j = iLast; j > i; --j) // from the last unknown backwards
+            {
+                dSum = a_vdU[j * iLdu + i] * a_vdX[j * iIncX] + dSum;
+            }
+            dRest -= dSum;
         }
-        bConsistent = SolveUpperTriRow(a_vdU[i * iLdu + i], a_vdB[i * iIncB] - dSum, a_vdX[i * iIncX]);
+        bConsistent = SolveUpperTriRow(a_vdU[i * iLdu + i], dRest, a_vdX[i * iIncX]);
     }
     if (!bConsistent)
     {
@@ -480,7 +490,7 @@ int ConformalCoefsToParam(const TConformalCoefs& a_Coefs, double& a_dScale, doub
     }
     const double dU = a_Coefs.dA / dScale;
     const double dV = (-1.0 / dScale) * a_Coefs.dB; // not -dB / dScale: the reciprocal is rounded first
-    a_dAngle = ReduceToPeriod(atan2(dV, dU), ANGLE_2PI);
+    a_dAngle = CalcDirection(dU, dV);
     return RET_SUCCESS;
 }
 

@@ -80,16 +80,23 @@ void DeleteCholLowTri(double* a_vdMatrix, double* a_vdVector)
 // makes every product a zero.
 static bool CanSkipZeros(int a_iUnknowns, const double* a_vdRow, double a_dValue)
 {
-    bool bZero = false;
-    for (int i = 0; i < a_iUnknowns; ++i)
+    int i = 0;
+    while (i < a_iUnknowns && !IsZero(a_vdRow[i]))
+    {
+        ++i;
+    }
+    if (i >= a_iUnknowns || !IsFinite(a_dValue))
+    {
+        return false;
+    }
+    for (i = 0; i < a_iUnknowns; ++i)
     {
         if (!IsFinite(a_vdRow[i]))
         {
             return false;
         }
-        bZero = bZero || IsZero(a_vdRow[i]);
     }
-    return bZero && IsFinite(a_dValue);
+    return true;
 }
 
 // Adds a product to an element. A product that is a zero changes no element but -0.0, which +0.0 makes +0.0: to every
@@ -102,33 +109,40 @@ static void AddProduct(double a_dFirst, double a_dSecond, bool a_bIsZero, double
     }
 }
 
+static void AddWithoutZeros(int a_iUnknowns, double* a_vdMatrix, double* a_vdVector, const double* a_vdRow,
+                            double a_dValue)
+{
+    for (int i = 0; i < a_iUnknowns; ++i)
+    {
+        const double dCoefficient = a_vdRow[i];
+        const bool bZero = IsZero(dCoefficient);
+        for (int j = 0; j <= i; ++j)
+        {
+            AddProduct(dCoefficient, a_vdRow[j], bZero || IsZero(a_vdRow[j]), *a_vdMatrix);
+            ++a_vdMatrix;
+        }
+        AddProduct(dCoefficient, a_dValue, bZero, a_vdVector[i]);
+    }
+}
+
 void UpdateNormMatrixLowTri(int a_iUnknowns, double* a_vdMatrix, double* a_vdVector, const double* a_vdRow,
                             double a_dValue)
 {
-    const bool bSkipZeros = CanSkipZeros(a_iUnknowns, a_vdRow, a_dValue);
+    if (CanSkipZeros(a_iUnknowns, a_vdRow, a_dValue))
+    {
+        AddWithoutZeros(a_iUnknowns, a_vdMatrix, a_vdVector, a_vdRow, a_dValue);
+        return;
+    }
     double* pElement = a_vdMatrix; // walks the packed triangle from end to end
     for (int i = 0; i < a_iUnknowns; ++i)
     {
         const double dCoefficient = a_vdRow[i];
-        const double* const pEnd = pElement + i + 1;
-        const double* pOther = a_vdRow;
-        if (!bSkipZeros)
+        for (int j = 0; j <= i; ++j)
         {
-            for (; pElement != pEnd; ++pElement, ++pOther)
-            {
-                *pElement = dCoefficient * *pOther + *pElement;
-            }
-            a_vdVector[i] = dCoefficient * a_dValue + a_vdVector[i];
+            *pElement += dCoefficient * a_vdRow[j];
+            ++pElement;
         }
-        else
-        {
-            const bool bZero = IsZero(dCoefficient);
-            for (; pElement != pEnd; ++pElement, ++pOther)
-            {
-                AddProduct(dCoefficient, *pOther, bZero || IsZero(*pOther), *pElement);
-            }
-            AddProduct(dCoefficient, a_dValue, bZero || IsZero(a_dValue), a_vdVector[i]);
-        }
+        a_vdVector[i] += dCoefficient * a_dValue;
     }
 }
 
@@ -142,6 +156,8 @@ void UpdateNormMatrixLowTri(int /* a_iUnknowns */, double* a_vdMatrix, double* a
         {
             continue; // an unused entry
         }
+        const double dP = a_vdValues[p];
+        double* const vdRowP = a_vdMatrix + RowStart(PACKED_ROWS, iP);
         for (int q = 0; q <= p; ++q)
         {
             const ptrdiff_t iQ = a_viIndices[q];
@@ -149,10 +165,10 @@ void UpdateNormMatrixLowTri(int /* a_iUnknowns */, double* a_vdMatrix, double* a
             {
                 continue;
             }
-            const ptrdiff_t iElement = iP > iQ ? RowStart(PACKED_ROWS, iP) + iQ : RowStart(PACKED_ROWS, iQ) + iP;
-            a_vdMatrix[iElement] += a_vdValues[p] * a_vdValues[q];
+            double* const pElement = iP >= iQ ? vdRowP + iQ : a_vdMatrix + RowStart(PACKED_ROWS, iQ) + iP;
+            *pElement += dP * a_vdValues[q];
         }
-        a_vdVector[iP] += a_vdValues[p] * a_dValue;
+        a_vdVector[iP] += dP * a_dValue;
     }
 }
 

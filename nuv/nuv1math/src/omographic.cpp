@@ -235,8 +235,10 @@ static void FormEquations(const TControlPoints& a_Points, const double* a_vdCoef
         double vdRow[ROW_LENGTH];
         FormRows(a_Points, i, a_vdCoefs, vdRow);
         AddProducts(SHARED_ROWS, ROW_LENGTH, vdRow, vdSums);
-        AddProducts(2, 3, vdRow + ROW_X, vdSums + SHARED_SUMS);
-        AddProducts(2, 3, vdRow + ROW_Y, vdSums + SHARED_SUMS);
+        for (int iOwn = ROW_X; iOwn <= ROW_Y; iOwn += ROW_Y - ROW_X) // X before Y
+        {
+            AddProducts(2, 3, vdRow + iOwn, vdSums + SHARED_SUMS);
+        }
     }
     SpreadSums(vdSums, a_System);
     if (!IsFinite(a_System))

@@ -133,12 +133,8 @@ inline double ReduceToPeriod(double x, double y)
     // clang-format off
     NUV_ASSERT_AT("nuv\\nuv_math\\include\\functionsimp.h", 254, y>0);
     // clang-format on
-    // Nearer to zero than a period, as every angle of atan2 is, the remainder is x itself.
-    if (IsBelowZero(x))
-    {
-        return y - (fabs(x) < y ? -x : fmod(-x, y));
-    }
-    return fabs(x) < y ? x : fmod(x, y);
+    const double dRemainder = fabs(x) < y ? x : fmod(x, y); // an angle of atan2 needs no division
+    return IsBelowZero(x) ? y + dRemainder : dRemainder;
 }
 
 } // namespace nuv
