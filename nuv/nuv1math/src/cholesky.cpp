@@ -125,24 +125,37 @@ static void AddWithoutZeros(int a_iUnknowns, double* a_vdMatrix, double* a_vdVec
     }
 }
 
+// Adds a multiple of a row to a row that does not overlap it; two elements at a time, where that is one operation.
+static void AddRow(double a_dFactor, int a_iCount, const double* __restrict a_vdRow, double* __restrict a_vdSum)
+{
+    int j = 0;
+    if (!OPERATIONS_ARE_CALLS)
+    {
+        for (; j < a_iCount - 1; j += 2)
+        {
+            a_vdSum[j] += a_dFactor * a_vdRow[j];
+            a_vdSum[j + 1] += a_dFactor * a_vdRow[j + 1];
+        }
+    }
+    for (; j < a_iCount; ++j)
+    {
+        a_vdSum[j] += a_dFactor * a_vdRow[j];
+    }
+}
+
 void UpdateNormMatrixLowTri(int a_iUnknowns, double* a_vdMatrix, double* a_vdVector, const double* a_vdRow,
                             double a_dValue)
 {
-    if (CanSkipZeros(a_iUnknowns, a_vdRow, a_dValue))
+    if (OPERATIONS_ARE_CALLS && CanSkipZeros(a_iUnknowns, a_vdRow, a_dValue))
     {
         AddWithoutZeros(a_iUnknowns, a_vdMatrix, a_vdVector, a_vdRow, a_dValue);
         return;
     }
-    double* pElement = a_vdMatrix; // walks the packed triangle from end to end
     for (int i = 0; i < a_iUnknowns; ++i)
     {
-        const double dCoefficient = a_vdRow[i];
-        for (int j = 0; j <= i; ++j)
-        {
-            *pElement += dCoefficient * a_vdRow[j];
-            ++pElement;
-        }
-        a_vdVector[i] += dCoefficient * a_dValue;
+        AddRow(a_vdRow[i], i + 1, a_vdRow, a_vdMatrix);
+        a_vdVector[i] += a_vdRow[i] * a_dValue;
+        a_vdMatrix += i + 1;
     }
 }
 
