@@ -2,9 +2,9 @@
 // Copyright (c) 2026 the nuv1math authors
 // SPDX-License-Identifier: MIT
 //
-// Where an operation is a call, the library leaves out products with a coefficient of zero, and forms once the sums that
-// both rows of a control point have in common. The plain forms here leave nothing out. Inputs are random, and rich in
-// what such a shortcut could get wrong: zeros of both signs, infinite, NaN, overflowing and vanishing products.
+// Where an operation is a call, the library leaves out products with a coefficient of zero, and it forms once the sums
+// that both rows of a control point have in common. The plain forms here leave nothing out. Inputs are random, and rich
+// in what such a shortcut could get wrong: zeros of both signs, infinite, NaN, overflowing and vanishing products.
 
 #include "nuv1math.h"
 #include "testing.h"

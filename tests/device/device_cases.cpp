@@ -343,8 +343,8 @@ void TCases::Fits()
     Conformal(2, 7840);
     Conformal(10, 19400);
     Conformal(100, 127000);
-    // The number of refinements follows from the points: 1 where the linear solution is exact but for rounding, otherwise
-    // as tests/tools/reference.py needs for the same points in exact arithmetic.
+    // The number of refinements follows from the points: 1 where the linear solution is exact but for rounding,
+    // otherwise as tests/tools/reference.py needs for the same points in exact arithmetic.
     const auto Omographic = [&](int n, double a_dNoise, int a_iRefinements, int a_iBudget)
     {
         const auto s = Scratch(Points(n, a_dNoise));
