@@ -3,8 +3,8 @@
 # Copyright (c) 2026 the nuv1math authors
 # SPDX-License-Identifier: MIT
 """How many iterations the roots of a polynomial take depends on its coefficients, so that no formula gives the count
-of operations. The reference performs the same ones in exact arithmetic; here they are counted. Comparisons are more than the library makes: the reference asks
-some things twice, and the library answers some by looking at bits.
+of operations. The reference performs the same ones in exact arithmetic; here they are counted. Comparisons are more
+than the library makes: the reference asks some things twice, and the library answers some by looking at bits.
 
     python3 count_operations.py 1e-6 1 -3 2        tolerance, then the coefficients, the highest power first
 """
