@@ -13,6 +13,11 @@ endif()
 list(TRANSFORM NUV1MATH_SOURCES PREPEND ${PROJECT_SOURCE_DIR}/nuv/nuv1math/)
 set(NUV1MATH_INCLUDE_DIR ${PROJECT_SOURCE_DIR}/nuv/nuv_math/include)
 
+# Where every floating-point operation is a call there is little to gain between the calls: these sources are a tenth
+# smaller and no slower when they are optimised for size. The other ones are slower.
+set(NUV1MATH_SMALL_SOURCES src/TRIG.cpp src/affine.cpp src/omographic.cpp)
+list(TRANSFORM NUV1MATH_SMALL_SOURCES PREPEND ${PROJECT_SOURCE_DIR}/nuv/nuv1math/)
+
 # Compiles the library's sources as objects of the given name, the same way for every use of them.
 function(nuv1math_add_objects name)
   add_library(${name} OBJECT ${NUV1MATH_SOURCES})
@@ -23,6 +28,9 @@ function(nuv1math_add_objects name)
     target_compile_options(${name} PRIVATE /W3 /GR-)
   else()
     target_compile_options(${name} PRIVATE -pedantic -Wall -Wextra -Wshadow -Wconversion -fno-exceptions -fno-rtti)
+  endif()
+  if(CMAKE_SYSTEM_PROCESSOR STREQUAL "arm" AND NOT MSVC)
+    set_source_files_properties(${NUV1MATH_SMALL_SOURCES} PROPERTIES COMPILE_OPTIONS $<$<NOT:$<CONFIG:Debug>>:-Os>)
   endif()
   target_link_libraries(${name} PRIVATE nuv_floating_point)
   set_target_properties(${name} PROPERTIES

@@ -36,11 +36,11 @@ enum
 // the other is C/A over it: W. Kahan's form of the formula.
 static int SolveQuadratic(double a_dA, double a_dB, double a_dC, double* a_pRoot1, double* a_pRoot2)
 {
-    if (a_dA == 0.0)
+    if (IsZero(a_dA))
     {
-        if (a_dB == 0.0)
+        if (IsZero(a_dB))
         {
-            return a_dC != 0.0 ? RET_IMPOSSIBLE : RET_INDETERMINATE;
+            return !IsZero(a_dC) ? RET_IMPOSSIBLE : RET_INDETERMINATE;
         }
         *a_pRoot1 = -(a_dC / a_dB);
         return 1;
@@ -50,23 +50,23 @@ static int SolveQuadratic(double a_dA, double a_dB, double a_dC, double* a_pRoot
     {
         return 0;
     }
-    if (dDiscriminant == 0.0)
+    if (IsZero(dDiscriminant))
     {
         *a_pRoot1 = *a_pRoot2 = -(a_dB / (a_dA * 2.0));
         return 1;
     }
     const double dRoot = sqrt(dDiscriminant);
-    if (a_dB >= 0.0)
-    {
-        const double dSum = dRoot + a_dB;
-        *a_pRoot1 = -(dSum / (a_dA * 2.0));
-        *a_pRoot2 = a_dC * -2.0 / dSum;
-    }
-    else // negative, or NaN
+    if (IsBelowZero(a_dB)) // a NaN makes both roots NaN, here and there
     {
         const double dSum = dRoot - a_dB;
         *a_pRoot1 = dSum / (a_dA * 2.0);
         *a_pRoot2 = a_dC * 2.0 / dSum;
+    }
+    else
+    {
+        const double dSum = dRoot + a_dB;
+        *a_pRoot1 = -(dSum / (a_dA * 2.0));
+        *a_pRoot2 = a_dC * -2.0 / dSum;
     }
     return 2;
 }
@@ -75,22 +75,22 @@ static int SolveQuadratic(double a_dA, double a_dB, double a_dC, double* a_pRoot
 static double AngleOfHalfTangent(double a_dTangent)
 {
     const double dAngle = 2.0 * atan(a_dTangent);
-    return dAngle < 0.0 ? dAngle + ANGLE_2PI : dAngle;
+    return IsBelowZero(dAngle) ? dAngle + ANGLE_2PI : dAngle;
 }
 
 // Stores an angle of [-pi, pi] and its opposite, both in [0, 2 pi]. From a negative angle the first is the greater one,
 // and the second is formed from it, not from the angle: that is how it rounds.
 static void StoreOpposites(double a_dAngle, double* a_vdAngles)
 {
-    if (a_dAngle >= 0.0)
-    {
-        a_vdAngles[0] = a_dAngle;
-        a_vdAngles[1] = a_dAngle + ANGLE_PI;
-    }
-    else
+    if (IsBelowZero(a_dAngle))
     {
         a_vdAngles[0] = a_dAngle + ANGLE_2PI;
         a_vdAngles[1] = a_vdAngles[0] - ANGLE_PI;
+    }
+    else
+    {
+        a_vdAngles[0] = a_dAngle;
+        a_vdAngles[1] = a_dAngle + ANGLE_PI;
     }
 }
 
@@ -98,20 +98,20 @@ static void StoreOpposites(double a_dAngle, double* a_vdAngles)
 static int SolveSine(double a_dB, double a_dC, double* a_vdAngles)
 {
     const double dSine = -(a_dC / a_dB);
-    if (dSine > 1.0 || dSine < -1.0)
+    if (fabs(dSine) > 1.0)
     {
         return RET_IMPOSSIBLE;
     }
     const double dAngle = asin(dSine);
-    if (dSine >= 0.0)
-    {
-        a_vdAngles[0] = dAngle;
-        a_vdAngles[1] = ANGLE_PI - dAngle;
-    }
-    else
+    if (IsBelowZero(dSine))
     {
         a_vdAngles[0] = ANGLE_PI - dAngle;
         a_vdAngles[1] = dAngle + ANGLE_2PI;
+    }
+    else
+    {
+        a_vdAngles[0] = dAngle;
+        a_vdAngles[1] = ANGLE_PI - dAngle;
     }
     return 2;
 }
@@ -120,16 +120,16 @@ static int SolveSine(double a_dB, double a_dC, double* a_vdAngles)
 static int SolveCosine(double a_dA, double a_dC, double* a_vdAngles)
 {
     const double dCosine = -(a_dC / a_dA);
-    if (dCosine > 1.0 || dCosine < -1.0)
+    if (fabs(dCosine) > 1.0)
     {
         return RET_IMPOSSIBLE;
     }
-    if (dCosine == 1.0)
+    if (IsOne(dCosine))
     {
         a_vdAngles[0] = 0.0;
         return 1;
     }
-    if (dCosine == -1.0)
+    if (IsOne(-dCosine))
     {
         a_vdAngles[0] = ANGLE_PI;
         return 1;
@@ -165,19 +165,19 @@ static int SolveByHalfTangent(double a_dA, double a_dB, double a_dC, double* a_v
 
 int SolveLinTrig(double a_dA, double a_dB, double a_dC, double* const a_vdAngles)
 {
-    if (a_dA == 0.0)
+    if (IsZero(a_dA))
     {
-        if (a_dB == 0.0)
+        if (IsZero(a_dB))
         {
-            return a_dC == 0.0 ? RET_INDETERMINATE : RET_IMPOSSIBLE;
+            return IsZero(a_dC) ? RET_INDETERMINATE : RET_IMPOSSIBLE;
         }
         return SolveSine(a_dB, a_dC, a_vdAngles);
     }
-    if (a_dB == 0.0)
+    if (IsZero(a_dB))
     {
         return SolveCosine(a_dA, a_dC, a_vdAngles);
     }
-    if (a_dC == 0.0)
+    if (IsZero(a_dC))
     {
         StoreOpposites(atan2(-a_dA, a_dB), a_vdAngles);
         return 2;
@@ -268,21 +268,21 @@ static int SolveByQuartic(double a_dA, double a_dB, double a_dC, double a_dD, do
 static int SolveQuadTrigRaw(double a_dA, double a_dB, double a_dC, double a_dD, double a_dE, double a_dF,
                             double* const a_vdAngles)
 {
-    if (a_dD == 0.0 && a_dE == 0.0)
+    if (IsZero(a_dD) && IsZero(a_dE))
     {
         const double dP = a_dA + a_dF;
         const double dQ = a_dB + a_dF;
-        if (dP == 0.0)
+        if (IsZero(dP))
         {
             return SolveSineFactor(a_dC, dQ, a_vdAngles);
         }
-        if (dQ == 0.0)
+        if (IsZero(dQ))
         {
             return SolveCosineFactor(dP, a_dC, a_vdAngles);
         }
         return SolveByTangent(dP, a_dC, dQ, a_vdAngles);
     }
-    if (a_dC == 0.0 && a_dA == a_dB)
+    if (IsZero(a_dC) && a_dA == a_dB)
     {
         return SolveLinTrig(a_dD, a_dE, a_dA + a_dF, a_vdAngles);
     }

@@ -25,6 +25,12 @@ namespace nuv {
 // Order      Shared products are formed once; divisors are inverted once and multiplied.
 // ---------------------------------------------------------------------------------------------------------------------
 
+// The angle of [0, 2 pi] whose cosine and sine are these.
+static double CalcDirection(double a_dCos, double a_dSin)
+{
+    return ReduceToPeriod(atan2(a_dSin, a_dCos), ANGLE_2PI);
+}
+
 void AffineParamsToCoefs(double a_dSx, double a_dSy, double a_dPhi, double a_dTheta, double a_dTx, double a_dTy,
                          TAffineCoefs& a_Coefs)
 {
@@ -53,7 +59,7 @@ int AffineCoefsToParam(const TAffineCoefs& a_Coefs, double& a_dSx, double& a_dSy
     const double dReciprocal = 1.0 / dSx;
     const double dU = a_Coefs.dA * dReciprocal; // cos(theta)
     const double dV = a_Coefs.dD * dReciprocal; // sin(theta)
-    a_dTheta = ReduceToPeriod(atan2(dV, dU), ANGLE_2PI);
+    a_dTheta = CalcDirection(dU, dV);
 
     const double dSy = a_Coefs.dE * dU - a_Coefs.dB * dV;
     a_dSy = dSy;
@@ -138,7 +144,12 @@ int MaxAbsIndex(int a_iN, const double* a_vdX, int a_iIncX)
 // Quotient of one row of the back substitution into a_dX; false where the row is inconsistent.
 static bool SolveUpperTriRow(double a_dDiagonal, double a_dRest, double& a_dX)
 {
-    if (a_dDiagonal != 0.0)
+    if (IsOne(a_dDiagonal)) // as SolveGauss leaves every diagonal element
+    {
+        a_dX = a_dRest;
+        return true;
+    }
+    if (!IsZero(a_dDiagonal))
     {
         a_dX = a_dRest / a_dDiagonal;
         return true;
@@ -163,16 +174,20 @@ int SolveUpperTri(int a_iN, const double* a_vdU, int a_iLdu, const double* a_vdB
     const ptrdiff_t iIncX = a_iIncX;
     const ptrdiff_t iLast = a_iN - 1;
 
-    // The last row subtracts nothing: b - 0 would be the same, but for one operation.
-    bool bConsistent = SolveUpperTriRow(a_vdU[iLast * iLdu + iLast], a_vdB[iLast * iIncB], a_vdX[iLast * iIncX]);
-    for (ptrdiff_t i = iLast - 1; i >= 0 && bConsistent; --i)
+    bool bConsistent = true;
+    for (ptrdiff_t i = iLast; i >= 0 && bConsistent; --i)
     {
-        double dSum = 0.0;
-        for (ptrdiff_t j = iLast; j > i; --j) // from the last unknown backwards
+        double dRest = a_vdB[i * iIncB];
+        if (i != iLast) // the last row subtracts nothing: b - 0 would be the same, but for one operation
         {
-            dSum = a_vdU[j * iLdu + i] * a_vdX[j * iIncX] + dSum;
+            double dSum = 0.0;
+            for (ptrdiff_t j = iLast; j > i; --j) // from the last unknown backwards
+            {
+                dSum = a_vdU[j * iLdu + i] * a_vdX[j * iIncX] + dSum;
+            }
+            dRest -= dSum;
         }
-        bConsistent = SolveUpperTriRow(a_vdU[i * iLdu + i], a_vdB[i * iIncB] - dSum, a_vdX[i * iIncX]);
+        bConsistent = SolveUpperTriRow(a_vdU[i * iLdu + i], dRest, a_vdX[i * iIncX]);
     }
     if (!bConsistent)
     {
@@ -220,13 +235,13 @@ static void SwapRows(const TGaussSystem& a_System, ptrdiff_t k, ptrdiff_t p)
 static void NormaliseRow(const TGaussSystem& a_System, ptrdiff_t k)
 {
     double& dPivot = a_System.vdA[k * a_System.iLda + k];
-    if (dPivot == 0.0)
+    if (IsZero(dPivot))
     {
         dPivot = PIVOT_REPLACEMENT;
     }
     const double dReciprocal = 1.0 / dPivot;
     dPivot = 1.0;
-    if (dReciprocal == 1.0)
+    if (IsOne(dReciprocal))
     {
         return;
     }
@@ -246,7 +261,7 @@ static void EliminateRow(const TGaussSystem& a_System, ptrdiff_t k, ptrdiff_t i)
     double& dBelowPivot = a_System.vdA[k * a_System.iLda + i];
     const double dFactor = -dBelowPivot;
     dBelowPivot = 0.0;
-    if (dFactor == 0.0)
+    if (IsZero(dFactor))
     {
         return;
     }
@@ -310,6 +325,34 @@ struct TMeans
 
 } // namespace
 
+// At least one point. The four sums run side by side: none waits for another, as the additions of one do.
+static void CalcMeans(unsigned int a_iPoints, const double* a_vdX, const double* a_vdY, const double* a_vdXa,
+                      const double* a_vdYa, TMeans& a_Means)
+{
+    double dX = 0.0, dY = 0.0, dXa = 0.0, dYa = 0.0;
+    unsigned int i = 0;
+    if (a_iPoints % 2 != 0) // an odd count starts as its first value, which keeps the sign of a sum of zeros
+    {
+        dX = a_vdX[0];
+        dY = a_vdY[0];
+        dXa = a_vdXa[0];
+        dYa = a_vdYa[0];
+        i = 1;
+    }
+    for (; i < a_iPoints; ++i)
+    {
+        dX = a_vdX[i] + dX;
+        dY = a_vdY[i] + dY;
+        dXa = a_vdXa[i] + dXa;
+        dYa = a_vdYa[i] + dYa;
+    }
+    const double dCount = static_cast<double>(a_iPoints);
+    a_Means.dX = dX / dCount;
+    a_Means.dY = dY / dCount;
+    a_Means.dXa = dXa / dCount;
+    a_Means.dYa = dYa / dCount;
+}
+
 void CalcMean(unsigned int a_iCount, const double* a_vdValues, double& a_dMean)
 {
     a_dMean = 0.0;
@@ -317,27 +360,9 @@ void CalcMean(unsigned int a_iCount, const double* a_vdValues, double& a_dMean)
     {
         return;
     }
-    unsigned int i = 0;
-    double dSum = 0.0;
-    if (a_iCount % 2 != 0) // an odd count starts as its first value, which keeps the sign of a sum of zeros
-    {
-        dSum = a_vdValues[0];
-        i = 1;
-    }
-    for (; i < a_iCount; ++i)
-    {
-        dSum = a_vdValues[i] + dSum;
-    }
-    a_dMean = dSum / static_cast<double>(a_iCount);
-}
-
-static void CalcMeans(unsigned int a_iPoints, const double* a_vdX, const double* a_vdY, const double* a_vdXa,
-                      const double* a_vdYa, TMeans& a_Means)
-{
-    CalcMean(a_iPoints, a_vdX, a_Means.dX);
-    CalcMean(a_iPoints, a_vdY, a_Means.dY);
-    CalcMean(a_iPoints, a_vdXa, a_Means.dXa);
-    CalcMean(a_iPoints, a_vdYa, a_Means.dYa);
+    TMeans Means;
+    CalcMeans(a_iCount, a_vdValues, a_vdValues, a_vdValues, a_vdValues, Means);
+    a_dMean = Means.dX;
 }
 
 // ---------------------------------------------------------------------------------------------------------------------
@@ -465,7 +490,7 @@ int ConformalCoefsToParam(const TConformalCoefs& a_Coefs, double& a_dScale, doub
     }
     const double dU = a_Coefs.dA / dScale;
     const double dV = (-1.0 / dScale) * a_Coefs.dB; // not -dB / dScale: the reciprocal is rounded first
-    a_dAngle = ReduceToPeriod(atan2(dV, dU), ANGLE_2PI);
+    a_dAngle = CalcDirection(dU, dV);
     return RET_SUCCESS;
 }
 

@@ -76,19 +76,86 @@ void DeleteCholLowTri(double* a_vdMatrix, double* a_vdVector)
     free(a_vdVector);
 }
 
-void UpdateNormMatrixLowTri(int a_iUnknowns, double* a_vdMatrix, double* a_vdVector, const double* a_vdRow,
+// Whether products with a coefficient of zero may be left out: there is one, and all factors are finite, so that it
+// makes every product a zero.
+static bool CanSkipZeros(int a_iUnknowns, const double* a_vdRow, double a_dValue)
+{
+    int i = 0;
+    while (i < a_iUnknowns && !IsZero(a_vdRow[i]))
+    {
+        ++i;
+    }
+    if (i >= a_iUnknowns || !IsFinite(a_dValue))
+    {
+        return false;
+    }
+    for (i = 0; i < a_iUnknowns; ++i)
+    {
+        if (!IsFinite(a_vdRow[i]))
+        {
+            return false;
+        }
+    }
+    return true;
+}
+
+// Adds a product to an element. A product that is a zero changes no element but -0.0, which +0.0 makes +0.0: to every
+// other one it is not added.
+static void AddProduct(double a_dFirst, double a_dSecond, bool a_bIsZero, double& a_dElement)
+{
+    if (!a_bIsZero || IsNegativeZero(a_dElement))
+    {
+        a_dElement = a_dFirst * a_dSecond + a_dElement;
+    }
+}
+
+static void AddWithoutZeros(int a_iUnknowns, double* a_vdMatrix, double* a_vdVector, const double* a_vdRow,
                             double a_dValue)
 {
-    double* pElement = a_vdMatrix; // walks the packed triangle from end to end
     for (int i = 0; i < a_iUnknowns; ++i)
     {
         const double dCoefficient = a_vdRow[i];
+        const bool bZero = IsZero(dCoefficient);
         for (int j = 0; j <= i; ++j)
         {
-            *pElement += dCoefficient * a_vdRow[j];
-            ++pElement;
+            AddProduct(dCoefficient, a_vdRow[j], bZero || IsZero(a_vdRow[j]), *a_vdMatrix);
+            ++a_vdMatrix;
         }
-        a_vdVector[i] += dCoefficient * a_dValue;
+        AddProduct(dCoefficient, a_dValue, bZero, a_vdVector[i]);
+    }
+}
+
+// Adds a multiple of a row to a row that does not overlap it; two elements at a time, where that is one operation.
+static void AddRow(double a_dFactor, int a_iCount, const double* __restrict a_vdRow, double* __restrict a_vdSum)
+{
+    int j = 0;
+    if (!OPERATIONS_ARE_CALLS)
+    {
+        for (; j < a_iCount - 1; j += 2)
+        {
+            a_vdSum[j] += a_dFactor * a_vdRow[j];
+            a_vdSum[j + 1] += a_dFactor * a_vdRow[j + 1];
+        }
+    }
+    for (; j < a_iCount; ++j)
+    {
+        a_vdSum[j] += a_dFactor * a_vdRow[j];
+    }
+}
+
+void UpdateNormMatrixLowTri(int a_iUnknowns, double* a_vdMatrix, double* a_vdVector, const double* a_vdRow,
+                            double a_dValue)
+{
+    if (OPERATIONS_ARE_CALLS && CanSkipZeros(a_iUnknowns, a_vdRow, a_dValue))
+    {
+        AddWithoutZeros(a_iUnknowns, a_vdMatrix, a_vdVector, a_vdRow, a_dValue);
+        return;
+    }
+    for (int i = 0; i < a_iUnknowns; ++i)
+    {
+        AddRow(a_vdRow[i], i + 1, a_vdRow, a_vdMatrix);
+        a_vdVector[i] += a_vdRow[i] * a_dValue;
+        a_vdMatrix += i + 1;
     }
 }
 
@@ -102,6 +169,8 @@ void UpdateNormMatrixLowTri(int /* a_iUnknowns */, double* a_vdMatrix, double* a
         {
             continue; // an unused entry
         }
+        const double dP = a_vdValues[p];
+        double* const vdRowP = a_vdMatrix + RowStart(PACKED_ROWS, iP);
         for (int q = 0; q <= p; ++q)
         {
             const ptrdiff_t iQ = a_viIndices[q];
@@ -109,10 +178,10 @@ void UpdateNormMatrixLowTri(int /* a_iUnknowns */, double* a_vdMatrix, double* a
             {
                 continue;
             }
-            const ptrdiff_t iElement = iP > iQ ? RowStart(PACKED_ROWS, iP) + iQ : RowStart(PACKED_ROWS, iQ) + iP;
-            a_vdMatrix[iElement] += a_vdValues[p] * a_vdValues[q];
+            double* const pElement = iP >= iQ ? vdRowP + iQ : a_vdMatrix + RowStart(PACKED_ROWS, iQ) + iP;
+            *pElement += dP * a_vdValues[q];
         }
-        a_vdVector[iP] += a_vdValues[p] * a_dValue;
+        a_vdVector[iP] += dP * a_dValue;
     }
 }
 

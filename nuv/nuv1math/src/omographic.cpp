@@ -5,7 +5,6 @@
 #include "functionsimp.h"
 #include "nuv1math.h"
 
-#include <float.h>
 #include <math.h>
 #include <stddef.h>
 #include <stdlib.h>
@@ -61,48 +60,67 @@ typedef char TCheckOmographicLayout[sizeof(TOmographicParams) == OMOGRAPHIC_UNKN
 
 namespace {
 
-// The normal equations and the two observation rows of the current point.
+// The control points, as the caller passes them.
+struct TControlPoints
+{
+    int iPoints;
+    const double* vdX;
+    const double* vdY;
+    const double* vdXa;
+    const double* vdYa;
+};
+
+// What the two rows of a point are made of. The X row is (P, Q, R, 0, 0, 0, G, H) with the observed value V, the Y row
+// (0, 0, 0, P, Q, R, G, H): D, E and F do not occur in X, nor A, B and C in Y.
+enum
+{
+    ROW_P,
+    ROW_Q,
+    ROW_R,
+    ROW_X, // G, H and V of the X row
+    ROW_Y = ROW_X + 3,
+    ROW_LENGTH = ROW_Y + 3
+};
+
+// The sums of products that the normal equations consist of: of P, Q and R with themselves, which both rows have in
+// common, and with all after them; then of G and H, X and Y row alike.
+enum
+{
+    SHARED_ROWS = 3,
+    SHARED_SUMS = ROW_LENGTH + (ROW_LENGTH - 1) + (ROW_LENGTH - 2),
+    OMOGRAPHIC_SUMS = SHARED_SUMS + 3 + 2
+};
+
 struct TOmographicSystem
 {
     double vdMatrix[OMOGRAPHIC_PACKED];   // normal matrix, packed; then its factor
     double vdVector[OMOGRAPHIC_UNKNOWNS]; // right-hand side; then the solution
-    double vdRowX[OMOGRAPHIC_UNKNOWNS];   // D, E and F do not occur in X: zero throughout
-    double vdRowY[OMOGRAPHIC_UNKNOWNS];   // A, B and C do not occur in Y: zero throughout
 };
 
 } // namespace
 
-static void ClearEquations(TOmographicSystem& a_System)
+static int Packed(int i, int j)
 {
-    memset(a_System.vdMatrix, 0, sizeof a_System.vdMatrix);
-    memset(a_System.vdVector, 0, sizeof a_System.vdVector);
-}
-
-// Adds the two observations of a point, X first.
-static void AddObservations(double a_dValueX, double a_dValueY, TOmographicSystem& a_System)
-{
-    UpdateNormMatrixLowTri(OMOGRAPHIC_UNKNOWNS, a_System.vdMatrix, a_System.vdVector, a_System.vdRowX, a_dValueX);
-    UpdateNormMatrixLowTri(OMOGRAPHIC_UNKNOWNS, a_System.vdMatrix, a_System.vdVector, a_System.vdRowY, a_dValueY);
+    return i * (i + 1) / 2 + j;
 }
 
 // A x + B y + C - G X x - H X y = X, D x + E y + F - G Y x - H Y y = Y.
-static void AddLinearPoint(double a_dX, double a_dY, double a_dXa, double a_dYa, TOmographicSystem& a_System)
+static void FormLinearRows(double a_dX, double a_dY, double a_dXa, double a_dYa, double* a_vdRow)
 {
-    double* const vdRowX = a_System.vdRowX;
-    double* const vdRowY = a_System.vdRowY;
-    vdRowX[COEF_A] = vdRowY[COEF_D] = a_dX;
-    vdRowX[COEF_B] = vdRowY[COEF_E] = a_dY;
-    vdRowX[COEF_C] = vdRowY[COEF_F] = 1.0;
-    vdRowX[COEF_G] = -(a_dXa * a_dX);
-    vdRowX[COEF_H] = -(a_dXa * a_dY);
-    vdRowY[COEF_G] = -(a_dYa * a_dX);
-    vdRowY[COEF_H] = -(a_dYa * a_dY);
-    AddObservations(a_dXa, a_dYa, a_System);
+    a_vdRow[ROW_P] = a_dX;
+    a_vdRow[ROW_Q] = a_dY;
+    a_vdRow[ROW_R] = 1.0;
+    a_vdRow[ROW_X] = -(a_dXa * a_dX);
+    a_vdRow[ROW_X + 1] = -(a_dXa * a_dY);
+    a_vdRow[ROW_X + 2] = a_dXa;
+    a_vdRow[ROW_Y] = -(a_dYa * a_dX);
+    a_vdRow[ROW_Y + 1] = -(a_dYa * a_dY);
+    a_vdRow[ROW_Y + 2] = a_dYa;
 }
 
 // The partial derivatives of U/W and V/W by the eight coefficients, and the residuals, at a_vdCoefs.
-static void AddRefinementPoint(const double* a_vdCoefs, double a_dX, double a_dY, double a_dXa, double a_dYa,
-                               TOmographicSystem& a_System)
+static void FormRefinementRows(const double* a_vdCoefs, double a_dX, double a_dY, double a_dXa, double a_dYa,
+                               double* a_vdRow)
 {
     const double dU = (a_dX * a_vdCoefs[COEF_A] + a_dY * a_vdCoefs[COEF_B]) + a_vdCoefs[COEF_C];
     const double dV = (a_dX * a_vdCoefs[COEF_D] + a_dY * a_vdCoefs[COEF_E]) + a_vdCoefs[COEF_F];
@@ -111,16 +129,122 @@ static void AddRefinementPoint(const double* a_vdCoefs, double a_dX, double a_dY
     const double dInvW2 = 1.0 / (dW * dW); // a division of its own: the square of dInvW rounds differently
     const double dX2 = a_dX * dInvW2;
     const double dY2 = a_dY * dInvW2;
-    double* const vdRowX = a_System.vdRowX;
-    double* const vdRowY = a_System.vdRowY;
-    vdRowX[COEF_A] = vdRowY[COEF_D] = a_dX * dInvW;
-    vdRowX[COEF_B] = vdRowY[COEF_E] = a_dY * dInvW;
-    vdRowX[COEF_C] = vdRowY[COEF_F] = dInvW;
-    vdRowX[COEF_G] = -(dX2 * dU);
-    vdRowX[COEF_H] = -(dY2 * dU);
-    vdRowY[COEF_G] = -(dX2 * dV);
-    vdRowY[COEF_H] = -(dY2 * dV);
-    AddObservations(a_dXa - dInvW * dU, a_dYa - dInvW * dV, a_System);
+    a_vdRow[ROW_P] = a_dX * dInvW;
+    a_vdRow[ROW_Q] = a_dY * dInvW;
+    a_vdRow[ROW_R] = dInvW;
+    a_vdRow[ROW_X] = -(dX2 * dU);
+    a_vdRow[ROW_X + 1] = -(dY2 * dU);
+    a_vdRow[ROW_X + 2] = a_dXa - dInvW * dU;
+    a_vdRow[ROW_Y] = -(dX2 * dV);
+    a_vdRow[ROW_Y + 1] = -(dY2 * dV);
+    a_vdRow[ROW_Y + 2] = a_dYa - dInvW * dV;
+}
+
+// The rows of point i: linear ones where there are no coefficients to refine yet.
+static void FormRows(const TControlPoints& a_Points, int i, const double* a_vdCoefs, double* a_vdRow)
+{
+    if (a_vdCoefs == NULL)
+    {
+        FormLinearRows(a_Points.vdX[i], a_Points.vdY[i], a_Points.vdXa[i], a_Points.vdYa[i], a_vdRow);
+    }
+    else
+    {
+        FormRefinementRows(a_vdCoefs, a_Points.vdX[i], a_Points.vdY[i], a_Points.vdXa[i], a_Points.vdYa[i], a_vdRow);
+    }
+}
+
+// Adds the products of the first a_iFactors values with themselves and with all that follow them, each onto its sum.
+static void AddProducts(int a_iFactors, int a_iValues, const double* a_vdValues, double* a_vdSums)
+{
+    for (int i = 0; i < a_iFactors; ++i)
+    {
+        const double dFactor = a_vdValues[i];
+        for (int j = i; j < a_iValues; ++j)
+        {
+            *a_vdSums = dFactor * a_vdValues[j] + *a_vdSums;
+            ++a_vdSums;
+        }
+    }
+}
+
+// The normal equations from their sums; what no sum belongs to is zero.
+static void SpreadSums(const double* a_vdSums, TOmographicSystem& a_System)
+{
+    memset(&a_System, 0, sizeof a_System);
+    double* const vdMatrix = a_System.vdMatrix;
+    for (int i = 0; i < SHARED_ROWS; ++i)
+    {
+        for (int j = i; j < SHARED_ROWS; ++j)
+        {
+            vdMatrix[Packed(j, i)] = vdMatrix[Packed(j + COEF_D, i + COEF_D)] = *a_vdSums++;
+        }
+        for (int iColumn = i; iColumn <= COEF_D + i; iColumn += COEF_D)
+        {
+            vdMatrix[Packed(COEF_G, iColumn)] = *a_vdSums++;
+            vdMatrix[Packed(COEF_H, iColumn)] = *a_vdSums++;
+            a_System.vdVector[iColumn] = *a_vdSums++;
+        }
+    }
+    vdMatrix[Packed(COEF_G, COEF_G)] = *a_vdSums++;
+    vdMatrix[Packed(COEF_H, COEF_G)] = *a_vdSums++;
+    a_System.vdVector[COEF_G] = *a_vdSums++;
+    vdMatrix[Packed(COEF_H, COEF_H)] = *a_vdSums++;
+    a_System.vdVector[COEF_H] = *a_vdSums++;
+}
+
+// Whether every row that went into the equations was finite: an infinite or NaN coefficient stays in its square on the
+// diagonal, and such an observed value in its product with R, whatever is added.
+static bool IsFinite(const TOmographicSystem& a_System)
+{
+    for (int i = 0; i < OMOGRAPHIC_UNKNOWNS; ++i)
+    {
+        if (!IsFinite(a_System.vdMatrix[Packed(i, i)]) || !IsFinite(a_System.vdVector[i]))
+        {
+            return false;
+        }
+    }
+    return true;
+}
+
+// Forms the equations with all products, those with the rows' constant zeros included.
+static void FormFullEquations(const TControlPoints& a_Points, const double* a_vdCoefs, TOmographicSystem& a_System)
+{
+    memset(&a_System, 0, sizeof a_System);
+    for (int i = 0; i < a_Points.iPoints; ++i)
+    {
+        double vdRow[ROW_LENGTH];
+        FormRows(a_Points, i, a_vdCoefs, vdRow);
+        for (int iColumn = 0; iColumn <= COEF_D; iColumn += COEF_D) // X before Y
+        {
+            const double* const vdOwn = vdRow + ROW_X + iColumn;
+            double vdFull[OMOGRAPHIC_UNKNOWNS] = {0.0, 0.0, 0.0, 0.0, 0.0, 0.0, vdOwn[0], vdOwn[1]};
+            memcpy(vdFull + iColumn, vdRow, SHARED_ROWS * sizeof(double));
+            UpdateNormMatrixLowTri(OMOGRAPHIC_UNKNOWNS, a_System.vdMatrix, a_System.vdVector, vdFull, vdOwn[2]);
+        }
+    }
+}
+
+// Forms the equations. As long as all rows are finite, the products with their constant zeros are zeros, which change
+// no sum that began as +0.0; and the sums over A, B and C are those over D, E and F. Each is then formed once.
+static void FormEquations(const TControlPoints& a_Points, const double* a_vdCoefs, TOmographicSystem& a_System)
+{
+    double vdSums[OMOGRAPHIC_SUMS];
+    memset(vdSums, 0, sizeof vdSums);
+    for (int i = 0; i < a_Points.iPoints; ++i)
+    {
+        double vdRow[ROW_LENGTH];
+        FormRows(a_Points, i, a_vdCoefs, vdRow);
+        AddProducts(SHARED_ROWS, ROW_LENGTH, vdRow, vdSums);
+        for (int iOwn = ROW_X; iOwn <= ROW_Y; iOwn += ROW_Y - ROW_X) // X before Y
+        {
+            AddProducts(2, 3, vdRow + iOwn, vdSums + SHARED_SUMS);
+        }
+    }
+    SpreadSums(vdSums, a_System);
+    if (!IsFinite(a_System))
+    {
+        FormFullEquations(a_Points, a_vdCoefs, a_System);
+    }
 }
 
 // Adds the correction to the coefficients and returns its greatest magnitude, for which a NaN does not count.
@@ -140,32 +264,16 @@ static double ApplyCorrection(const double* a_vdCorrection, double* a_vdCoefs)
 }
 
 // One Gauss-Newton iteration. False when it is the last: the equations cannot be factorised, or it has converged.
-static bool Refine(int a_iPoints, const double* a_vdX, const double* a_vdY, const double* a_vdXa, const double* a_vdYa,
-                   TOmographicSystem& a_System, double* a_vdCoefs)
+static bool Refine(const TControlPoints& a_Points, double* a_vdCoefs)
 {
-    ClearEquations(a_System);
-    for (int i = 0; i < a_iPoints; ++i)
-    {
-        AddRefinementPoint(a_vdCoefs, a_vdX[i], a_vdY[i], a_vdXa[i], a_vdYa[i], a_System);
-    }
-    if (!CholeskyLowTri(OMOGRAPHIC_UNKNOWNS, a_System.vdMatrix))
+    TOmographicSystem System;
+    FormEquations(a_Points, a_vdCoefs, System);
+    if (!CholeskyLowTri(OMOGRAPHIC_UNKNOWNS, System.vdMatrix))
     {
         return false;
     }
-    SolveCholLowTri(OMOGRAPHIC_UNKNOWNS, a_System.vdMatrix, a_System.vdVector);
-    return !(ApplyCorrection(a_System.vdVector, a_vdCoefs) < OMOGRAPHIC_CONVERGENCE);
-}
-
-static void StoreParams(const double* a_vdCoefs, TOmographicParams& a_Params)
-{
-    a_Params.dA = a_vdCoefs[COEF_A];
-    a_Params.dB = a_vdCoefs[COEF_B];
-    a_Params.dC = a_vdCoefs[COEF_C];
-    a_Params.dD = a_vdCoefs[COEF_D];
-    a_Params.dE = a_vdCoefs[COEF_E];
-    a_Params.dF = a_vdCoefs[COEF_F];
-    a_Params.dG = a_vdCoefs[COEF_G];
-    a_Params.dH = a_vdCoefs[COEF_H];
+    SolveCholLowTri(OMOGRAPHIC_UNKNOWNS, System.vdMatrix, System.vdVector);
+    return !(ApplyCorrection(System.vdVector, a_vdCoefs) < OMOGRAPHIC_CONVERGENCE);
 }
 
 int CalcOmographicCoefs(int a_iPoints, const double* a_vdX, const double* a_vdY, const double* a_vdXa,
@@ -175,30 +283,18 @@ int CalcOmographicCoefs(int a_iPoints, const double* a_vdX, const double* a_vdY,
     {
         return RET_INDETERMINATE;
     }
+    const TControlPoints Points = {a_iPoints, a_vdX, a_vdY, a_vdXa, a_vdYa};
     TOmographicSystem System;
-    memset(&System, 0, sizeof System); // the rows' constant zeros are written here once
-    for (int i = 0; i < a_iPoints; ++i)
+    FormEquations(Points, NULL, System);
+    const bool bSolvable = CholeskyLowTri(OMOGRAPHIC_UNKNOWNS, System.vdMatrix);
+    if (bSolvable)
     {
-        AddLinearPoint(a_vdX[i], a_vdY[i], a_vdXa[i], a_vdYa[i], System);
+        SolveCholLowTri(OMOGRAPHIC_UNKNOWNS, System.vdMatrix, System.vdVector);
+        for (int k = 0; k < OMOGRAPHIC_ITERATIONS && Refine(Points, System.vdVector); ++k)
+        {}
     }
-    if (!CholeskyLowTri(OMOGRAPHIC_UNKNOWNS, System.vdMatrix))
-    {
-        StoreParams(System.vdVector, a_Params); // the accumulated right-hand side, not coefficients
-        return RET_INDETERMINATE;
-    }
-    SolveCholLowTri(OMOGRAPHIC_UNKNOWNS, System.vdMatrix, System.vdVector);
-
-    double vdCoefs[OMOGRAPHIC_UNKNOWNS];
-    memcpy(vdCoefs, System.vdVector, sizeof vdCoefs);
-    for (int k = 0; k < OMOGRAPHIC_ITERATIONS; ++k)
-    {
-        if (!Refine(a_iPoints, a_vdX, a_vdY, a_vdXa, a_vdYa, System, vdCoefs))
-        {
-            break;
-        }
-    }
-    StoreParams(vdCoefs, a_Params);
-    return RET_SUCCESS;
+    memcpy(&a_Params, System.vdVector, sizeof a_Params); // unless solvable, the right-hand side, not coefficients
+    return bSolvable ? RET_SUCCESS : RET_INDETERMINATE;
 }
 
 void AffineCoefsToOmographicCoefs(const TAffineCoefs& a_Affine, TOmographicParams& a_Params)
@@ -228,12 +324,6 @@ enum
     SELECTION_MINIMUM_POINTS = 2,
     AFFINE_ATTEMPT_POINTS = 3
 };
-
-// Neither infinite nor NaN.
-static bool IsFinite(double a_dValue)
-{
-    return fabs(a_dValue) <= DBL_MAX;
-}
 
 static bool IsFinite(const TOmographicParams& a_Params)
 {

@@ -119,7 +119,7 @@ double Randn()
         dX = 2.0 * Rand() - 1.0;
         dY = 2.0 * Rand() - 1.0;
         dS = dY * dY + dX * dX;
-    } while (!(dS < 1.0) || dS == 0.0);
+    } while (!(dS < 1.0) || IsZero(dS));
     const double dFactor = sqrt(log(dS) / dS * -2.0);
     g_State.spareNormal = dFactor * dX;
     g_State.hasSpareNormal = true;

@@ -29,7 +29,26 @@
 #endif
 #endif
 
+// The helpers that look at the bits of a double take its low word first.
+#if defined(__FLOAT_WORD_ORDER__)
+#if __FLOAT_WORD_ORDER__ != __ORDER_LITTLE_ENDIAN__
+#error "nuv1math needs doubles with the low word first"
+#endif
+#elif !defined(__BYTE_ORDER__) || __BYTE_ORDER__ == __ORDER_LITTLE_ENDIAN__
+// Windows and Windows CE are little-endian on every processor.
+#else
+#error "nuv1math needs doubles with the low word first"
+#endif
+
 namespace nuv {
+
+// Whether a floating-point operation is a call, hundreds of times as long as a look at the bits of its operands. With
+// floating-point hardware it is shorter than a branch.
+#if defined(__SOFTFP__) || defined(_WIN32_WCE)
+const bool OPERATIONS_ARE_CALLS = true;
+#else
+const bool OPERATIONS_ARE_CALLS = false;
+#endif
 
 // C++98 has no static_assert: an array of negative size does not compile.
 typedef char TCheckIec559[std::numeric_limits<double>::is_iec559 && sizeof(double) == 8 ? 1 : -1];

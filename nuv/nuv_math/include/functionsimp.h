@@ -11,6 +11,7 @@
 #include <math.h>
 #include <stddef.h>
 #include <stdlib.h>
+#include <string.h>
 
 namespace nuv {
 
@@ -27,6 +28,54 @@ const double ANGLE_2PI = 6.283185307179586; // the double nearest to 2 pi
 inline bool IsNegligible(double a_dValue)
 {
     return fabs(a_dValue) <= TOLERANCE_DEGENERATE;
+}
+
+// The bits of a double. A floating-point comparison is a call where there is no floating-point hardware; a look at the
+// bits is a few instructions, and is never inexact.
+struct TDoubleBits
+{
+    unsigned int iLow; // floatingpoint.h refuses another order
+    unsigned int iHigh;
+};
+
+inline TDoubleBits BitsOf(double a_dValue)
+{
+    TDoubleBits Bits;
+    memcpy(&Bits, &a_dValue, sizeof Bits);
+    return Bits;
+}
+
+// a_dValue == 0.0: zero of either sign.
+inline bool IsZero(double a_dValue)
+{
+    const TDoubleBits Bits = BitsOf(a_dValue);
+    return (Bits.iHigh << 1 | Bits.iLow) == 0;
+}
+
+inline bool IsNegativeZero(double a_dValue)
+{
+    const TDoubleBits Bits = BitsOf(a_dValue);
+    return Bits.iHigh == 0x80000000U && Bits.iLow == 0;
+}
+
+// a_dValue == 1.0.
+inline bool IsOne(double a_dValue)
+{
+    const TDoubleBits Bits = BitsOf(a_dValue);
+    return Bits.iHigh == 0x3FF00000U && Bits.iLow == 0;
+}
+
+// a_dValue < 0.0; but a NaN is what its sign says: for uses where it takes either way to the same end.
+inline bool IsBelowZero(double a_dValue)
+{
+    const TDoubleBits Bits = BitsOf(a_dValue);
+    return Bits.iHigh >= 0x80000000U && (Bits.iHigh << 1 | Bits.iLow) != 0;
+}
+
+// Neither infinite nor NaN.
+inline bool IsFinite(double a_dValue)
+{
+    return (BitsOf(a_dValue).iHigh & 0x7FF00000U) != 0x7FF00000U;
 }
 
 inline void Swap(double& a_dFirst, double& a_dSecond)
@@ -67,7 +116,7 @@ inline double CalcHypot(double a_dA, double a_dB)
         const double dRatio = dB / dA;
         return sqrt(dRatio * dRatio + 1.0) * dA;
     }
-    if (dB != 0.0)
+    if (!IsZero(dB))
     {
         const double dRatio = dA / dB;
         return sqrt(dRatio * dRatio + 1.0) * dB;
@@ -84,11 +133,8 @@ inline double ReduceToPeriod(double x, double y)
     // clang-format off
     NUV_ASSERT_AT("nuv\\nuv_math\\include\\functionsimp.h", 254, y>0);
     // clang-format on
-    if (x >= 0)
-    {
-        return fmod(x, y);
-    }
-    return y - fmod(-x, y);
+    const double dRemainder = fabs(x) < y ? x : fmod(x, y); // an angle of atan2 needs no division
+    return IsBelowZero(x) ? y + dRemainder : dRemainder;
 }
 
 } // namespace nuv
