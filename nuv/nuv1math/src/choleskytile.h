@@ -10,8 +10,8 @@
 // that takes its squares, descending from a_vdSquares[-1] on, comes along at little cost (a_dRadicand, SQUARES only).
 template <bool SQUARES>
 NUV_TILE_TARGET static void NUV_TILE_FUNCTION(ptrdiff_t a_iFrom, ptrdiff_t a_iCount, ptrdiff_t a_iRows,
-                                              const double* const* a_vvdRows, const double* a_vdColumns, TTile& a_Tile, const double* a_vdSquares,
-                                              double& a_dRadicand)
+                                              const double* const* a_vvdRows, const double* a_vdColumns, TTile& a_Tile,
+                                              const double* a_vdSquares, double& a_dRadicand)
 {
     enum
     {
