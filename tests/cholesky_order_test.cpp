@@ -192,9 +192,9 @@ protected:
             Result.push_back(i);
         }
 #if !defined(__arm__) // one sum at a time there, in an emulator: nothing changes beyond
-        for (const std::size_t iAround : {96, 128, 144, 160, 176, 272})
+        for (const std::size_t iAround : {128, 144, 160, 272})
         {
-            for (std::size_t i = iAround - 1; i <= iAround + 2; ++i)
+            for (std::size_t i = iAround - 1; i <= iAround + 1; ++i)
             {
                 Result.push_back(i);
             }
@@ -224,7 +224,7 @@ TEST_F(CholeskyOrder, EveryFailingDiagonalLeavesWhatPlainLoopsLeave)
     const double vdFailing[] = {-1e9, NaN, -Inf};
     for (const std::size_t iN : Sizes())
     {
-        const std::size_t iStep = iN <= 70 ? 1 + iN / 30 : 7; // all remainders by the tiles' sizes
+        const std::size_t iStep = iN <= 70 ? 1 + iN / 30 : 13; // all remainders by the tiles' sizes
         for (std::size_t i = iN % iStep; i < iN; i += iStep)
         {
             SCOPED_TRACE(::testing::Message() << iN << ", failing at " << i);
