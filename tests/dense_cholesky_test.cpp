@@ -390,7 +390,7 @@ TEST(CholeskyTwins, FactorsAndFailuresHaveTheSameBits)
     std::mt19937_64 Random(4);
     for (int i = 0; i < 1000; ++i)
     {
-        const std::size_t iN = 1 + i % 20;
+        const std::size_t iN = 1 + i % 70;
         const TRows Matrix = RandomMatrix(Random, iN, i % 3 == 0);
         TValues vdPacked = Packed(Matrix);
         const bool bPacked = nuv::CholeskyLowTri(static_cast<int>(iN), vdPacked.data());

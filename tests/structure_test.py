@@ -21,9 +21,9 @@ LIBRARY = os.environ["NUV1MATH_LIBRARY"]
 FMA_LIBRARY = os.environ.get("NUV1MATH_FMA_LIBRARY")
 FUSED_INSTRUCTION = re.compile(r"\bvfn?m(add|sub)")
 PORTABLE = sorted(path for path in SOURCES.glob("*.cpp") if path.name != "platform_windows.cpp")
-# What the compiler's start-up code brings into every library.
+# What the compiler's start-up code brings into every library, and its record of the processor's abilities.
 TOOLCHAIN_DATA = re.compile(r"completed\.\d+|__dso_handle|__TMC_END__|_GLOBAL_OFFSET_TABLE_|_DYNAMIC"
-                            r"|__(do_global_dtors_aux_fini|frame_dummy_init)_array_entry")
+                            r"|__cpu_model|__cpu_features2|__(do_global_dtors_aux_fini|frame_dummy_init)_array_entry")
 DIALECTS = [(compiler, standard) for compiler in ("g++", "clang++") for standard in ("c++98", "c++20")]
 
 

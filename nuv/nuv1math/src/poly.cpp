@@ -6,6 +6,7 @@
 
 #include "functionsimp.h"
 #include "nuv1math.h"
+#include "vectors.h"
 
 #include <float.h>
 #include <limits.h>
@@ -376,35 +377,62 @@ struct TReflection
 // Rows k ... of the columns k to nn.
 static void ReflectRows(double* const* A, int k, int nn, const TReflection& a_H)
 {
+    const TReflection H = a_H;
     const bool bThree = k != nn - 1;
     for (int j = k; j <= nn; ++j)
     {
-        double dP = At(A, k, j) + a_H.dQ * At(A, k + 1, j);
+        double* const vdColumn = &At(A, k, j);
+        double dP = vdColumn[0] + H.dQ * vdColumn[1];
         if (bThree)
         {
-            dP += a_H.dR * At(A, k + 2, j);
-            At(A, k + 2, j) -= dP * a_H.dZ;
+            dP += H.dR * vdColumn[2];
+            vdColumn[2] -= dP * H.dZ;
         }
-        At(A, k + 1, j) -= dP * a_H.dY;
-        At(A, k, j) -= dP * a_H.dX;
+        vdColumn[1] -= dP * H.dY;
+        vdColumn[0] -= dP * H.dX;
     }
 }
+
+#ifdef NUV_VECTORS
+static TPair LoadPair(const double* a_vdFrom)
+{
+    TPair Pair;
+    memcpy(&Pair, a_vdFrom, sizeof Pair);
+    return Pair;
+}
+#endif
 
 // Columns k ... of the rows l to k+3, below which they are zero.
 static void ReflectColumns(double* const* A, int k, int l, int nn, const TReflection& a_H)
 {
+    const TReflection H = a_H;
     const bool bThree = k != nn - 1;
     const int iLast = nn < k + 3 ? nn : k + 3;
-    for (int i = l; i <= iLast; ++i)
+    double* const vdFirst = &At(A, 1, k);
+    double* const vdSecond = &At(A, 1, k + 1);
+    double* const vdThird = bThree ? &At(A, 1, k + 2) : vdSecond;
+    int i = l - 1;
+#ifdef NUV_VECTORS
+    for (; bThree && i + 2 < k; i += 2) // above row k: a pair of elements just stored one by one would have to wait
     {
-        double dP = a_H.dX * At(A, i, k) + a_H.dY * At(A, i, k + 1);
+        const TPair Second = LoadPair(vdSecond + i);
+        const TPair P = H.dX * LoadPair(vdFirst + i) + H.dY * Second + H.dZ * LoadPair(vdThird + i);
+        const TPair vAfter[] = {LoadPair(vdFirst + i) - P, Second - P * H.dQ, LoadPair(vdThird + i) - P * H.dR};
+        memcpy(vdFirst + i, &vAfter[0], sizeof P);
+        memcpy(vdSecond + i, &vAfter[1], sizeof P);
+        memcpy(vdThird + i, &vAfter[2], sizeof P);
+    }
+#endif
+    for (; i < iLast; ++i)
+    {
+        double dP = H.dX * vdFirst[i] + H.dY * vdSecond[i];
         if (bThree)
         {
-            dP += a_H.dZ * At(A, i, k + 2);
-            At(A, i, k + 2) -= dP * a_H.dR;
+            dP += H.dZ * vdThird[i];
+            vdThird[i] -= dP * H.dR;
         }
-        At(A, i, k + 1) -= dP * a_H.dQ;
-        At(A, i, k) -= dP;
+        vdSecond[i] -= dP * H.dQ;
+        vdFirst[i] -= dP;
     }
 }
 
