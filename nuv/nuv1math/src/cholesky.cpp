@@ -615,8 +615,9 @@ void SolveChol(int a_iN, const double* a_vdFactor, double* a_vdVector)
 {
     const ptrdiff_t iN = a_iN;
     SubstituteForward(iN, DenseRows(a_iN), a_vdFactor, a_vdVector);
-    for (ptrdiff_t i = iN - 1; i >= 0; --i)
+    for (ptrdiff_t iEnd = iN; iEnd >= 1; --iEnd) // the least int has no number before it
     {
+        const ptrdiff_t i = iEnd - 1;
         const double* pElement = a_vdFactor + i * iN + i; // walks down column i
         const double dDiagonal = *pElement;
         double dRest = a_vdVector[i];
@@ -636,9 +637,11 @@ bool CholeskyLowTri(int a_iUnknowns, double* a_vdMatrix)
 
 void SolveCholLowTri(int a_iUnknowns, const double* a_vdFactor, double* a_vdVector)
 {
-    SubstituteForward(a_iUnknowns, PACKED_ROWS, a_vdFactor, a_vdVector);
-    for (ptrdiff_t k = a_iUnknowns - 1; k >= 0; --k) // descending: row k serves all the sums before it
+    const ptrdiff_t iN = a_iUnknowns;
+    SubstituteForward(iN, PACKED_ROWS, a_vdFactor, a_vdVector);
+    for (ptrdiff_t iEnd = iN; iEnd >= 1; --iEnd) // descending: row k serves all the sums before it
     {
+        const ptrdiff_t k = iEnd - 1;
         const double* const vdRow = a_vdFactor + RowStart(PACKED_ROWS, k);
         const double dSolution = a_vdVector[k] / vdRow[k];
         a_vdVector[k] = dSolution;
