@@ -380,6 +380,20 @@ TEST_F(FitPoints, ATransformationThatTakesTheOriginToInfinityHasNoOriginalFrame)
 // -1, 1 around the square, -1 at the bad corner. Sum 4, 8 - 6 = 2 degrees of freedom.
 const char* const Square = "x,y,X,Y\n0,0,0,0\n100,0,100,0\n100,100,104,100\n0,100,0,100\n";
 
+TEST_F(FitPoints, AnOriginalFrameThatTakesAPointToInfinityByRoundingIsNone)
+{
+    // Found by fuzzing. The source points with x = -1/16 go almost to infinity, and in original coordinates quite.
+    Write("p.csv", "x,y,X,Y\n0,0,0,-16\n0,1.875,0,-16\n-0.0625,-0.0625,-0.0625,-0.0625\n"
+                   "-0.0625,-0.0625,655.9375,-0.0625\n-0.0625,655.9375,-0.0625,-0.0625\n"
+                   "-0.0625,-0.0625,-0.0625,-0.0625\n-0.0625,-0.0625,-0.0625,-368.0625\n"
+                   "-0.0625,-0.0625,-0.0625,-0.0625\n-0.0625,-0.0625,-0.0625,-0.0625\n"
+                   "-0.0625,-0.0625,-368.0625,-0.0625\n");
+    const json Frames = RunJson({"p.csv"}).at("frames");
+    EXPECT_TRUE(Frames.at("original").is_null());
+    EXPECT_FALSE(Frames.contains("largest_difference"));
+    EXPECT_EQ(std::string::npos, Run({"p.csv"}).szOut.find("inf at most"));
+}
+
 TEST_F(FitPoints, ResidualsAreComputedLessGiven)
 {
     Write("p.csv", Square);

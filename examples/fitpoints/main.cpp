@@ -42,7 +42,7 @@ static const char* const FOOTER =
     "A world file takes the x, y of a CSV file as column and row of pixel centres. In a QGIS file y is minus the row\n"
     "and (0, 0) the outer corner of the first pixel; the world file is turned to pixel centres.\n"
     "\n"
-    "Limits: lines of 64 KiB, files of 256 MiB, 1000000 points, which take less than 1.5 GiB of memory.\n"
+    "Limits: lines of 64 KiB, files of 256 MiB, 1000000 points; no more than 1.25 GiB of memory.\n"
     "\n"
     "Exit code: 0, or 2 with one line on standard error; warnings go to standard error too.";
 
