@@ -6,6 +6,7 @@
 // double is as likely as text. Beside crashes: a failure is one line that names the file; a file that is read comes back
 // from what is written of it; every figure of a report is finite, JSON parses, no user's text reaches gnuplot's commands.
 
+#include "assertion.h"
 #include "fit.h"
 #include "plot.h"
 #include "report.h"
@@ -21,6 +22,26 @@
 #include <nlohmann/json.hpp>
 #include <sys/mman.h>
 #include <unistd.h>
+
+// An assertion report of the library is a finding; its own would end the process with code 0, unnoticed.
+namespace nuv {
+
+void FormatReport(TReportChar* a_szText, const TReportChar* a_szPath, int a_iLine, const TReportChar* a_szCondition)
+{
+    std::snprintf(a_szText, REPORT_LENGTH, "%s:%d %s", a_szPath, a_iLine, a_szCondition);
+}
+
+void ShowTextAndWait(const TReportChar* a_szText)
+{
+    std::fprintf(stderr, "assertion failure: %s\n", a_szText);
+}
+
+void EndProcess()
+{
+    std::abort();
+}
+
+} // namespace nuv
 
 using namespace fitpoints;
 
