@@ -33,3 +33,7 @@ require() {
 
 # What building the library and its examples takes.
 build_packages=(g++ cmake ninja-build libcli11-dev libcsv-dev nlohmann-json3-dev gnuplot-nox)
+
+# What the native tests take beside that.
+test_packages=("${build_packages[@]}" clang binutils python3 python3-mpmath libgtest-dev libgmock-dev librapidcheck-dev
+               libeigen3-dev libmpfr-dev libboost-dev abigail-tools ccache)

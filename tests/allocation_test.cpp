@@ -2,125 +2,17 @@
 // Copyright (c) 2026 the nuv1math authors
 // SPDX-License-Identifier: MIT
 //
-// Linked with the library's own objects and with --wrap for the allocator, so that every reference of the library to
-// malloc, calloc, realloc and free comes here.
+// The allocator comes from watched_allocator.h: every reference of the library to malloc and free goes there.
 
 #include "nuv1math.h"
 #include "testing.h"
+#include "watched_allocator.h"
 
 #include <climits>
-#include <cstdlib>
-#include <set>
-
-extern "C" {
-void* __real_malloc(std::size_t a_iBytes);
-void* __real_calloc(std::size_t a_iCount, std::size_t a_iBytes);
-void* __real_realloc(void* a_pMemory, std::size_t a_iBytes);
-void __real_free(void* a_pMemory);
-void* __wrap_malloc(std::size_t a_iBytes);
-void* __wrap_calloc(std::size_t a_iCount, std::size_t a_iBytes);
-void* __wrap_realloc(void* a_pMemory, std::size_t a_iBytes);
-void __wrap_free(void* a_pMemory);
-}
 
 namespace {
 
 using namespace nuv_tests;
-
-const std::size_t MostBytes = 1 << 20; // requests above this fail: they are looked at, not served
-const int Never = -1;
-
-// What the allocator is asked for while it is watched.
-struct TAllocator
-{
-    bool bWatched = false;
-    int iFailAt = Never; // the request that fails, counted from 0
-    std::vector<std::size_t> viRequests;
-    std::set<void*> Held;
-    int iReleases = 0;
-    int iForeignReleases = 0; // of what is not held, null pointers apart
-    int iOther = 0;           // calloc and realloc
-};
-
-TAllocator Allocator;
-
-// Watches the allocator as long as it lives.
-class TWatch
-{
-public:
-    explicit TWatch(int a_iFailAt = Never)
-    {
-        Allocator = TAllocator();
-        Allocator.iFailAt = a_iFailAt;
-        Allocator.bWatched = true;
-    }
-
-    ~TWatch()
-    {
-        Allocator.bWatched = false;
-    }
-
-    TWatch(const TWatch&) = delete;
-    TWatch& operator=(const TWatch&) = delete;
-};
-
-} // namespace
-
-extern "C" {
-
-void* __wrap_malloc(std::size_t a_iBytes)
-{
-    if (!Allocator.bWatched)
-    {
-        return __real_malloc(a_iBytes);
-    }
-    Allocator.bWatched = false; // what the bookkeeping allocates does not count
-    const bool bFail = static_cast<int>(Allocator.viRequests.size()) == Allocator.iFailAt || a_iBytes > MostBytes;
-    Allocator.viRequests.push_back(a_iBytes);
-    void* const pMemory = bFail ? nullptr : __real_malloc(a_iBytes);
-    if (pMemory != nullptr)
-    {
-        std::memset(pMemory, 0xA5, a_iBytes); // as dirty as memory can be
-        Allocator.Held.insert(pMemory);
-    }
-    Allocator.bWatched = true;
-    return pMemory;
-}
-
-void* __wrap_calloc(std::size_t a_iCount, std::size_t a_iBytes)
-{
-    Allocator.iOther += Allocator.bWatched ? 1 : 0;
-    return __real_calloc(a_iCount, a_iBytes);
-}
-
-void* __wrap_realloc(void* a_pMemory, std::size_t a_iBytes)
-{
-    Allocator.iOther += Allocator.bWatched ? 1 : 0;
-    return __real_realloc(a_pMemory, a_iBytes);
-}
-
-void __wrap_free(void* a_pMemory)
-{
-    if (Allocator.bWatched && a_pMemory != nullptr)
-    {
-        Allocator.bWatched = false;
-        ++Allocator.iReleases;
-        Allocator.iForeignReleases += Allocator.Held.erase(a_pMemory) == 0 ? 1 : 0;
-        Allocator.bWatched = true;
-    }
-    __real_free(a_pMemory);
-}
-
-} // extern "C"
-
-namespace {
-
-void ExpectNothingHeld()
-{
-    EXPECT_TRUE(Allocator.Held.empty());
-    EXPECT_EQ(0, Allocator.iForeignReleases);
-    EXPECT_EQ(0, Allocator.iOther);
-}
 
 // --- InitCholLowTri, DeleteCholLowTri
 // ---------------------------------------------------------------------------------
@@ -132,8 +24,10 @@ TEST(InitCholLowTri, AsksForThePackedMatrixAndThenForTheVector)
         SCOPED_TRACE(iUnknowns);
         double* vdMatrix = nullptr;
         double* vdVector = nullptr;
-        TWatch Watch;
-        nuv::InitCholLowTri(static_cast<int>(iUnknowns), &vdMatrix, &vdVector);
+        {
+            TWatch Watch;
+            nuv::InitCholLowTri(static_cast<int>(iUnknowns), &vdMatrix, &vdVector);
+        }
         const std::vector<std::size_t> viExpected = {iUnknowns * (iUnknowns + 1) / 2 * 8, iUnknowns * 8};
         EXPECT_EQ(viExpected, Allocator.viRequests);
         EXPECT_EQ((std::set<void*>{vdMatrix, vdVector}), Allocator.Held);
@@ -145,7 +39,10 @@ TEST(InitCholLowTri, AsksForThePackedMatrixAndThenForTheVector)
         {
             EXPECT_SAME_BITS(0.0, vdVector[i]);
         }
-        nuv::DeleteCholLowTri(vdMatrix, vdVector);
+        {
+            const TWatchAgain Again;
+            nuv::DeleteCholLowTri(vdMatrix, vdVector);
+        }
         EXPECT_EQ(2, Allocator.iReleases);
         ExpectNothingHeld();
     }
@@ -157,10 +54,15 @@ TEST(InitCholLowTri, ZeroAndNegativeCountsAskTwiceForNoBytes)
     {
         double* vdMatrix = nullptr;
         double* vdVector = nullptr;
-        TWatch Watch;
-        nuv::InitCholLowTri(iUnknowns, &vdMatrix, &vdVector);
+        {
+            TWatch Watch;
+            nuv::InitCholLowTri(iUnknowns, &vdMatrix, &vdVector);
+        }
         EXPECT_EQ((std::vector<std::size_t>{0, 0}), Allocator.viRequests);
-        nuv::DeleteCholLowTri(vdMatrix, vdVector);
+        {
+            const TWatchAgain Again;
+            nuv::DeleteCholLowTri(vdMatrix, vdVector);
+        }
         ExpectNothingHeld();
     }
 }
@@ -173,14 +75,19 @@ TEST(InitCholLowTri, AFailedAllocationOfEitherGivesTwoNullPointersAndLeaksNothin
         double Stale = Untouched;
         double* vdMatrix = &Stale;
         double* vdVector = &Stale;
-        TWatch Watch(iFailAt);
-        nuv::InitCholLowTri(8, &vdMatrix, &vdVector);
+        {
+            TWatch Watch(iFailAt);
+            nuv::InitCholLowTri(8, &vdMatrix, &vdVector);
+        }
         EXPECT_EQ(nullptr, vdMatrix);
         EXPECT_EQ(nullptr, vdVector);
         EXPECT_GE(static_cast<int>(Allocator.viRequests.size()), iFailAt + 1);
         ExpectNothingHeld();
         EXPECT_SAME_BITS(Untouched, Stale);
-        nuv::DeleteCholLowTri(vdMatrix, vdVector);
+        {
+            const TWatchAgain Again;
+            nuv::DeleteCholLowTri(vdMatrix, vdVector);
+        }
     }
 }
 
@@ -195,8 +102,10 @@ TEST(InitCholLowTri, CountsWhoseSizePassesAnIntAreAskedForInFull)
         SCOPED_TRACE(iUnknowns);
         double* vdMatrix = nullptr;
         double* vdVector = nullptr;
-        TWatch Watch;
-        nuv::InitCholLowTri(static_cast<int>(iUnknowns), &vdMatrix, &vdVector);
+        {
+            TWatch Watch;
+            nuv::InitCholLowTri(static_cast<int>(iUnknowns), &vdMatrix, &vdVector);
+        }
         ASSERT_FALSE(Allocator.viRequests.empty());
         EXPECT_EQ(iUnknowns * (iUnknowns + 1) / 2 * 8, Allocator.viRequests.front());
         EXPECT_EQ(nullptr, vdMatrix);
@@ -207,15 +116,23 @@ TEST(InitCholLowTri, CountsWhoseSizePassesAnIntAreAskedForInFull)
 
 TEST(DeleteCholLowTri, ReleasesTheMatrixAndTheVectorAndNoNullPointer)
 {
-    TWatch Watch;
-    nuv::DeleteCholLowTri(nullptr, nullptr);
-    EXPECT_EQ(0, Allocator.iReleases);
     double* vdMatrix = nullptr;
     double* vdVector = nullptr;
-    nuv::InitCholLowTri(2, &vdMatrix, &vdVector);
-    nuv::DeleteCholLowTri(vdMatrix, nullptr);
+    {
+        TWatch Watch;
+        nuv::DeleteCholLowTri(nullptr, nullptr);
+    }
+    EXPECT_EQ(0, Allocator.iReleases);
+    {
+        TWatch Watch;
+        nuv::InitCholLowTri(2, &vdMatrix, &vdVector);
+        nuv::DeleteCholLowTri(vdMatrix, nullptr);
+    }
     EXPECT_EQ((std::set<void*>{vdVector}), Allocator.Held);
-    nuv::DeleteCholLowTri(nullptr, vdVector);
+    {
+        const TWatchAgain Again;
+        nuv::DeleteCholLowTri(nullptr, vdVector);
+    }
     ExpectNothingHeld();
 }
 
@@ -229,9 +146,11 @@ const double TargetY[] = {2.0, 3.5, 9.0, 6.0, 4.0};
 const double AllEqual[] = {1.0, 1.0, 1.0, 1.0, 1.0};
 const int Points = 5;
 
-bool Choose(const double* a_vdX, const double* a_vdY, bool a_bSameOrientation, nuv::enumMethodUsed a_Requested,
-            nuv::enumMethodUsed& a_Used, nuv::TOmographicParams& a_Params)
+// CalcCoefs under a watch.
+bool Choose(int a_iFailAt, const double* a_vdX, const double* a_vdY, bool a_bSameOrientation,
+            nuv::enumMethodUsed a_Requested, nuv::enumMethodUsed& a_Used, nuv::TOmographicParams& a_Params)
 {
+    const TWatch Watch(a_iFailAt);
     return nuv::CalcCoefs(Points, a_vdX, a_vdY, TargetX, TargetY, a_bSameOrientation, a_Requested, a_Used, a_Params);
 }
 
@@ -241,8 +160,7 @@ TEST(CalcCoefs, AFailedAllocationOfTheMirroredTargetIsFalseAndTouchesNothing)
     {
         nuv::enumMethodUsed Used = Before;
         auto Params = Filled<nuv::TOmographicParams>();
-        TWatch Watch(0);
-        EXPECT_FALSE(Choose(SourceX, SourceY, false, nuv::METHOD_CONFORMAL, Used, Params));
+        EXPECT_FALSE(Choose(0, SourceX, SourceY, false, nuv::METHOD_CONFORMAL, Used, Params));
         EXPECT_EQ(Before, Used);
         EXPECT_TRUE(SameRecord(Filled<nuv::TOmographicParams>(), Params));
         EXPECT_EQ(1u, Allocator.viRequests.size());
@@ -262,8 +180,7 @@ TEST(CalcCoefs, TheMirroredTargetIsOneArrayAndIsReleasedWhateverTheFitReturns)
     {
         nuv::enumMethodUsed Used = nuv::METHOD_OMOGRAPHIC;
         auto Params = Filled<nuv::TOmographicParams>();
-        TWatch Watch;
-        EXPECT_EQ(Case.bResult, Choose(Case.vdX, Case.vdY, false, nuv::METHOD_CONFORMAL, Used, Params));
+        EXPECT_EQ(Case.bResult, Choose(Never, Case.vdX, Case.vdY, false, nuv::METHOD_CONFORMAL, Used, Params));
         EXPECT_EQ(Case.bResult ? nuv::METHOD_CONFORMAL : nuv::METHOD_OMOGRAPHIC, Used);
         EXPECT_EQ(std::vector<std::size_t>{Points * sizeof(double)}, Allocator.viRequests);
         ExpectNothingHeld();
@@ -282,8 +199,7 @@ TEST(CalcCoefs, NothingElseInItAllocates)
             }
             nuv::enumMethodUsed Used = nuv::METHOD_CONFORMAL;
             nuv::TOmographicParams Params;
-            TWatch Watch(0);
-            EXPECT_TRUE(Choose(SourceX, SourceY, bSameOrientation, Requested, Used, Params));
+            EXPECT_TRUE(Choose(0, SourceX, SourceY, bSameOrientation, Requested, Used, Params));
             EXPECT_EQ(Requested, Used);
             EXPECT_TRUE(Allocator.viRequests.empty());
             ExpectNothingHeld();
@@ -328,7 +244,7 @@ TEST(OtherFunctions, NeitherAllocateNorRelease)
     }
     EXPECT_TRUE(Allocator.viRequests.empty());
     EXPECT_EQ(0, Allocator.iReleases);
-    EXPECT_EQ(0, Allocator.iOther);
+    EXPECT_EQ(0, Allocator.iReallocations);
 }
 
 } // namespace

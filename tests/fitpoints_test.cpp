@@ -5,15 +5,19 @@
 #include "tools/reference_fits.h"
 
 #include <algorithm>
+#include <csignal>
 #include <cstdlib>
 #include <fcntl.h>
 #include <filesystem>
 #include <fstream>
+#include <functional>
 #include <gtest/gtest.h>
 #include <nlohmann/json.hpp>
 #include <random>
 #include <set>
 #include <sstream>
+#include <sys/prctl.h>
+#include <sys/resource.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -67,12 +71,7 @@ protected:
     {
         const fs::path Out = a_szOut.empty() ? fs::path(Directory.string() + ".out") : fs::path(a_szOut);
         const fs::path Error = Directory.string() + ".err";
-        const pid_t iChild = fork();
-        if (iChild == 0)
-        {
-            a_vszArguments.insert(a_vszArguments.begin(), NUV_FITPOINTS);
-            Exec(a_vszArguments, Out, Error, a_szPath);
-        }
+        const pid_t iChild = Start(a_vszArguments, Out, Error, a_szPath);
         int iStatus = 0;
         waitpid(iChild, &iStatus, 0);
         const TRun Result = {WIFEXITED(iStatus) ? WEXITSTATUS(iStatus) : -1, a_szOut.empty() ? Contents(Out) : "",
@@ -83,6 +82,22 @@ protected:
             fs::remove(Out);
         }
         return Result;
+    }
+
+    pid_t Start(std::vector<std::string> a_vszArguments, const fs::path& a_Out, const fs::path& a_Error,
+                const std::string& a_szPath) const
+    {
+        const pid_t iChild = fork();
+        if (iChild == 0)
+        {
+            if (Prepare)
+            {
+                Prepare();
+            }
+            a_vszArguments.insert(a_vszArguments.begin(), NUV_FITPOINTS);
+            Exec(a_vszArguments, a_Out, a_Error, a_szPath);
+        }
+        return iChild;
     }
 
     json RunJson(std::vector<std::string> a_vszArguments) const
@@ -115,7 +130,16 @@ protected:
         EXPECT_EQ(Before, Files());
     }
 
+    // A gnuplot of the test's own, in bin.
+    void WriteGnuplot(const std::string& a_szScript) const
+    {
+        fs::create_directory("bin");
+        Write("bin/gnuplot", "#!/bin/sh\n" + a_szScript);
+        fs::permissions("bin/gnuplot", fs::perms::owner_all);
+    }
+
     fs::path Directory;
+    std::function<void()> Prepare; // called in the process before it becomes the program
 
 private:
     [[noreturn]] static void Exec(std::vector<std::string>& a_vszCommand, const fs::path& a_Out,
@@ -355,6 +379,20 @@ TEST_F(FitPoints, ATransformationThatTakesTheOriginToInfinityHasNoOriginalFrame)
 // quarter of that on average, and leaves 1 unit at each corner with alternating signs: computed less given is -1, 1,
 // -1, 1 around the square, -1 at the bad corner. Sum 4, 8 - 6 = 2 degrees of freedom.
 const char* const Square = "x,y,X,Y\n0,0,0,0\n100,0,100,0\n100,100,104,100\n0,100,0,100\n";
+
+TEST_F(FitPoints, AnOriginalFrameThatTakesAPointToInfinityByRoundingIsNone)
+{
+    // Found by fuzzing. The source points with x = -1/16 go almost to infinity, and in original coordinates quite.
+    Write("p.csv", "x,y,X,Y\n0,0,0,-16\n0,1.875,0,-16\n-0.0625,-0.0625,-0.0625,-0.0625\n"
+                   "-0.0625,-0.0625,655.9375,-0.0625\n-0.0625,655.9375,-0.0625,-0.0625\n"
+                   "-0.0625,-0.0625,-0.0625,-0.0625\n-0.0625,-0.0625,-0.0625,-368.0625\n"
+                   "-0.0625,-0.0625,-0.0625,-0.0625\n-0.0625,-0.0625,-0.0625,-0.0625\n"
+                   "-0.0625,-0.0625,-368.0625,-0.0625\n");
+    const json Frames = RunJson({"p.csv"}).at("frames");
+    EXPECT_TRUE(Frames.at("original").is_null());
+    EXPECT_FALSE(Frames.contains("largest_difference"));
+    EXPECT_EQ(std::string::npos, Run({"p.csv"}).szOut.find("inf at most"));
+}
 
 TEST_F(FitPoints, ResidualsAreComputedLessGiven)
 {
@@ -957,16 +995,11 @@ TEST_F(FitPoints, AMissingOrFailingGnuplotIsAnError)
     const std::vector<std::string> vszArguments = {"p.csv",   "--method", "affine", "--plot",
                                                    "old.svg", "--world",  "p.wld"};
     ExpectFailure(vszArguments, "gnuplot: cannot be run: No such file or directory", (Directory / "bin").string());
-    const auto Fake = [&](const std::string& a_szScript)
-    {
-        Write("bin/gnuplot", "#!/bin/sh\n" + a_szScript);
-        fs::permissions("bin/gnuplot", fs::perms::owner_all);
-    };
-    Fake("echo half a picture\necho first >&2\necho ' the reason' >&2\nexit 1\n");
+    WriteGnuplot("echo half a picture\necho first >&2\necho ' the reason' >&2\nexit 1\n");
     ExpectFailure(vszArguments, "old.svg: gnuplot failed to draw it:  the reason", (Directory / "bin").string());
-    Fake("echo '<?xml whole picture</svg>'\nexit 1\n");
+    WriteGnuplot("echo '<?xml whole picture</svg>'\nexit 1\n");
     ExpectFailure(vszArguments, "old.svg: gnuplot failed to draw it", (Directory / "bin").string());
-    Fake("echo '<?xml half a picture'\nexit 0\n");
+    WriteGnuplot("echo '<?xml half a picture'\nexit 0\n");
     ExpectFailure(vszArguments, "old.svg: gnuplot failed to draw it", (Directory / "bin").string());
     EXPECT_EQ("old picture", Contents("old.svg"));
 }
@@ -979,6 +1012,266 @@ TEST_F(FitPoints, StandardOutputThatCannotBeWrittenIsAnError)
     EXPECT_EQ("fitpoints: standard output: cannot be written: No space left on device\n", Result.szError);
     EXPECT_EQ((std::set<std::string>{"p.csv"}), Files());
     EXPECT_EQ(2, Run({"--help"}, "/dev/full").iCode);
+}
+
+// ---------------------------------------------------------------------------------------------------------------------
+// Limits, faults and signals
+// ---------------------------------------------------------------------------------------------------------------------
+
+#if defined(__SANITIZE_ADDRESS__)
+constexpr bool IsMemoryCounted = false; // the sanitizer reserves more than any limit
+#else
+constexpr bool IsMemoryCounted = true;
+#endif
+constexpr rlim_t MiB = 1024 * 1024;
+
+void Limit(int a_iResource, rlim_t a_iValue)
+{
+    if (a_iResource != RLIMIT_AS || IsMemoryCounted)
+    {
+        const rlimit Value = {a_iValue, a_iValue};
+        setrlimit(static_cast<__rlimit_resource>(a_iResource), &Value);
+    }
+}
+
+// A pipe with a name, into which a process writes a beginning and then one text again and again until nobody reads.
+class TEndlessFile
+{
+public:
+    TEndlessFile(const std::string& a_szName, const std::string& a_szBegin, std::string a_szText)
+    {
+        EXPECT_EQ(0, mkfifo(a_szName.c_str(), 0600));
+        while (a_szText.size() < 0x10000)
+        {
+            a_szText += a_szText;
+        }
+        m_iWriter = fork();
+        if (m_iWriter == 0)
+        {
+            std::signal(SIGPIPE, SIG_DFL);
+            const int iPipe = open(a_szName.c_str(), O_WRONLY);
+            ssize_t iWritten = write(iPipe, a_szBegin.data(), a_szBegin.size());
+            while (iWritten >= 0)
+            {
+                iWritten = write(iPipe, a_szText.data(), a_szText.size());
+            }
+            _exit(1);
+        }
+    }
+
+    ~TEndlessFile()
+    {
+        kill(m_iWriter, SIGKILL);
+        waitpid(m_iWriter, nullptr, 0);
+    }
+
+    TEndlessFile(const TEndlessFile&) = delete;
+    TEndlessFile& operator=(const TEndlessFile&) = delete;
+
+private:
+    pid_t m_iWriter;
+};
+
+TEST_F(FitPoints, EndlessInputEndsAtALimitWithLittleMemory)
+{
+    const std::string szQgis = "mapX,mapY,sourceX,sourceY,enable\n";
+    const struct
+    {
+        std::string szName, szBegin, szText, szLine;
+    } Cases[] = {{"points", Header, "1,2,3,4\n", ":1000002: more than 1000000 points"},
+                 {"disabled", szQgis, "1,2,3,4,0\n", ":1000002: more than 1000000 points"},
+                 {"comments", "", "# comment\n", ":26843546: the file is longer than 256 MiB"},
+                 {"blank", Header, "                \n", ":15790322: the file is longer than 256 MiB"},
+                 {"zeros", "", std::string(64, '\0'), ":1: the line is longer than 64 KiB"},
+                 {"field", Header, "1", ":2: the line is longer than 64 KiB"},
+                 {"quoted", Header + "\"", "\"\"", ":2: the line is longer than 64 KiB"},
+                 {"headers", Header, Header, ":2: column x: 'x' is not a decimal number"}};
+    Prepare = []
+    {
+        Limit(RLIMIT_AS, 160 * MiB); // a million points take 77
+        Limit(RLIMIT_CPU, 60);
+    };
+    for (const auto& Case : Cases)
+    {
+        SCOPED_TRACE(Case.szName);
+        const TEndlessFile File(Case.szName, Case.szBegin, Case.szText);
+        ExpectFailure({Case.szName, "--world", "p.wld"}, Case.szName + Case.szLine);
+    }
+}
+
+TEST_F(FitPoints, AGigabyteInOneLineIsRefusedAtOnce)
+{
+    Prepare = []
+    {
+        Limit(RLIMIT_AS, 64 * MiB);
+        Limit(RLIMIT_CPU, 2);
+    };
+    Write("p.csv", "");
+    Write("q.csv", Header);
+    for (const char* const szFile : {"p.csv", "q.csv"})
+    {
+        fs::resize_file(szFile, 1024 * MiB); // zeros that take no room on the disk
+    }
+    ExpectFailure({"p.csv"}, "p.csv:1: the line is longer than 64 KiB");
+    ExpectFailure({"q.csv"}, "q.csv:2: the line is longer than 64 KiB");
+}
+
+// A million points with names, as many bytes as are read.
+TEST_F(FitPoints, TheGreatestFileTakesTheMemoryThatIsPromisedAndWithLessFailsWhole)
+{
+    if (!IsMemoryCounted)
+    {
+        GTEST_SKIP() << "memory is not counted under the address sanitizer";
+    }
+    {
+        std::ofstream Stream("p.csv", std::ios::binary);
+        Stream << "name,x,y,X,Y\n";
+        const std::string szName(190, 'n');
+        for (int i = 0; i < 1000000; ++i)
+        {
+            Stream << szName << "," << i << ".123456789012," << i * 7 % 97 << ".123456789," << i << ".98765432101,"
+                   << i * 7 % 97 << ".000000001\n";
+        }
+    }
+    EXPECT_LT(fs::file_size("p.csv"), 256 * MiB);
+    EXPECT_GT(fs::file_size("p.csv"), 240 * MiB);
+    Prepare = [] { Limit(RLIMIT_AS, 1280 * MiB); };
+    const TRun Result = Run({"p.csv", "--json"}, "/dev/null");
+    EXPECT_EQ(0, Result.iCode) << Result.szError;
+    Prepare = [] { Limit(RLIMIT_AS, 800 * MiB); }; // enough to read and fit them
+    Write("p.wld", "old world");
+    ExpectFailure({"p.csv", "--json", "--method", "affine", "--world", "p.wld"}, "not enough memory");
+    EXPECT_EQ("old world", Contents("p.wld"));
+}
+
+TEST_F(FitPoints, ALimitOfTheSizeOfFilesIsAnErrorOfWriting)
+{
+    Write("p.csv", Header + "0,0,0.1,0.7\n1,0,1.3,0.9\n1,1,1.4,2.3\n0,1,0.3,1.7\n"); // coefficients of many digits
+    Write("p.wld", "old world");
+    Write("p.svg", "old picture");
+    const std::vector<std::string> vszWorld = {"p.csv", "--method", "affine", "--world", "p.wld"};
+    const std::vector<std::string> vszPlot = {"p.csv", "--plot", "p.svg"};
+    Prepare = [] { Limit(RLIMIT_FSIZE, 60); };
+    ExpectFailure(vszWorld, "p.wld: cannot be written: File too large");
+    Prepare = [] { Limit(RLIMIT_FSIZE, 200); };
+    ExpectFailure(vszPlot, "temporary file: cannot be written: File too large");
+    Prepare = [] { Limit(RLIMIT_FSIZE, 4096); }; // holds what gnuplot is told, and not its picture
+    const TRun Result = Run(vszPlot);
+    EXPECT_EQ(2, Result.iCode);
+    EXPECT_EQ(0u, Result.szError.find("fitpoints: p.svg: gnuplot failed to draw it")) << Result.szError;
+    EXPECT_EQ((std::set<std::string>{"p.csv", "p.svg", "p.wld"}), Files());
+    EXPECT_EQ("old world", Contents("p.wld"));
+    EXPECT_EQ("old picture", Contents("p.svg"));
+}
+
+TEST_F(FitPoints, WhatMayNotBeReadOrWrittenIsRefused)
+{
+    Prepare = [] // a process of root's obeys permissions without these two capabilities
+    {
+        prctl(PR_CAPBSET_DROP, 1);
+        prctl(PR_CAPBSET_DROP, 2);
+    };
+    Write("p.csv", Square);
+    Write("secret.csv", Square);
+    Write("locked.wld", "old world");
+    fs::create_directory("d");
+    Write("d/p.wld", "old world");
+    fs::permissions("secret.csv", fs::perms::none);
+    fs::permissions("locked.wld", fs::perms::owner_read);
+    fs::permissions("d", fs::perms::owner_read | fs::perms::owner_exec);
+    ExpectFailure({"secret.csv"}, "secret.csv: cannot be read: Permission denied");
+    for (const char* const szWorld : {"locked.wld", "d/p.wld", "d/new.wld"})
+    {
+        ExpectFailure({"p.csv", "--method", "affine", "--world", szWorld},
+                      std::string(szWorld) + ": cannot be written: Permission denied");
+    }
+    fs::permissions("d", fs::perms::owner_all);
+    EXPECT_EQ("old world", Contents("locked.wld"));
+    EXPECT_EQ("old world", Contents("d/p.wld"));
+    EXPECT_FALSE(fs::exists("d/new.wld"));
+}
+
+// The program stopped by a signal while it waits for a gnuplot that does not end.
+class StoppedFitPoints : public FitPoints
+{
+protected:
+    // How it ended, as waitpid tells it.
+    int StopBy(int a_iSignal)
+    {
+        Write("p.csv", Square);
+        Write("p.wld", "old world");
+        Write("p.svg", "old picture");
+        WriteGnuplot("echo $$ >../pid.tmp; mv ../pid.tmp ../pid; exec sleep 60\n");
+        fs::create_directory("work");
+        EXPECT_EQ(0, chdir("work"));
+        const pid_t iProgram = Start({"../p.csv", "--method", "affine", "--world", "../p.wld", "--plot", "../p.svg"},
+                                     "/dev/null", "/dev/null", (Directory / "bin").string() + ":/usr/bin:/bin");
+        EXPECT_EQ(0, chdir(".."));
+        for (int i = 0; i < 6000 && !fs::exists("pid"); ++i)
+        {
+            usleep(10000);
+        }
+        Before = Files();
+        kill(iProgram, a_iSignal);
+        int iStatus = 0;
+        if (waitpid(iProgram, &iStatus, IsSurvived ? WNOHANG : 0) == 0)
+        {
+            kill(std::stoi(Contents("pid")), SIGKILL);
+            waitpid(iProgram, &iStatus, 0);
+        }
+        kill(std::stoi(Contents("pid")), SIGKILL);
+        return iStatus;
+    }
+
+    // The files under temporary names.
+    static std::size_t Temporaries(const std::set<std::string>& a_Names)
+    {
+        return std::count_if(a_Names.begin(), a_Names.end(),
+                             [](const std::string& a_szName) { return a_szName.find(".fitpoints-") == 0; });
+    }
+
+    void ExpectOldOutputs() const
+    {
+        EXPECT_EQ("old world", Contents("p.wld"));
+        EXPECT_EQ("old picture", Contents("p.svg"));
+    }
+
+    std::set<std::string> Before; // the files when the signal was sent
+    bool IsSurvived = false;
+};
+
+class EndingSignal : public StoppedFitPoints, public ::testing::WithParamInterface<int>
+{
+};
+
+TEST_P(EndingSignal, LeavesTheOutputsAsTheyWereAndNothingElse)
+{
+    Prepare = [] { std::signal(GetParam(), SIG_DFL); }; // a shell starts its background jobs with some ignored
+    const int iStatus = StopBy(GetParam());
+    ASSERT_TRUE(WIFSIGNALED(iStatus));
+    EXPECT_EQ(GetParam(), WTERMSIG(iStatus));
+    EXPECT_EQ(2u, Temporaries(Before));
+    EXPECT_EQ(0u, Temporaries(Files()));
+    ExpectOldOutputs();
+}
+
+INSTANTIATE_TEST_SUITE_P(All, EndingSignal, ::testing::Values(SIGHUP, SIGINT, SIGTERM));
+
+TEST_F(StoppedFitPoints, BySigkillLeavesTheOutputsAsTheyWere)
+{
+    EXPECT_TRUE(WIFSIGNALED(StopBy(SIGKILL)));
+    ExpectOldOutputs();
+}
+
+TEST_F(StoppedFitPoints, NotByASignalThatItWasToldToIgnore)
+{
+    Prepare = [] { std::signal(SIGHUP, SIG_IGN); };
+    IsSurvived = true;
+    const int iStatus = StopBy(SIGHUP);
+    ASSERT_TRUE(WIFEXITED(iStatus));
+    EXPECT_EQ(2, WEXITSTATUS(iStatus)); // because gnuplot was killed after that
+    EXPECT_EQ(0u, Temporaries(Files()));
+    ExpectOldOutputs();
 }
 
 } // namespace

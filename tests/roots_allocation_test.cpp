@@ -2,26 +2,20 @@
 // Copyright (c) 2026 the nuv1math authors
 // SPDX-License-Identifier: MIT
 //
-// Linked with the library's own objects and with --wrap, so that its malloc and free come here, and calloc, into which
-// an optimising compiler turns an allocation that is cleared at once. In order the driver asks for the companion matrix
-// and for the two parts of the eigenvalues, then each of the three eigenvalue routines for its table of columns.
+// In order the driver asks for the companion matrix and for the two parts of the eigenvalues, then each of the three
+// eigenvalue routines for its table of columns. Memory comes full of zeros: an eigenvalue that nobody has written would
+// count as a root there.
 
 #include "nuv1math.h"
-#include "poly.h"
 #include "testing.h"
+#include "watched_allocator.h"
 
 #include <algorithm>
-#include <cstdlib>
-#include <set>
 
-extern "C" {
-void* __real_malloc(std::size_t a_iBytes);
-void* __real_calloc(std::size_t a_iCount, std::size_t a_iBytes);
-void __real_free(void* a_pMemory);
-void* __wrap_malloc(std::size_t a_iBytes);
-void* __wrap_calloc(std::size_t a_iCount, std::size_t a_iBytes);
-void __wrap_free(void* a_pMemory);
-}
+#if __has_include("poly.h")
+#include "poly.h" // not where the library is an image that exports nothing else
+#define NUV_TEST_STAGES
+#endif
 
 namespace {
 
@@ -30,90 +24,7 @@ using namespace nuv_tests;
 using TValues = std::vector<double>;
 using TSizes = std::vector<std::size_t>;
 
-constexpr int Never = -1;
 constexpr std::size_t FirstTable = 3; // requests of the driver itself, before the tables
-
-struct TAllocator
-{
-    bool bWatched = false;
-    int iFailAt = Never; // the request that fails, counted from 0
-    TSizes viRequests;
-    std::set<void*> Held;
-    int iForeign = 0; // released without being held
-};
-
-TAllocator Allocator;
-
-// Watches the allocator as long as it lives.
-class TWatch
-{
-public:
-    explicit TWatch(int a_iFailAt = Never)
-    {
-        Allocator = TAllocator();
-        Allocator.iFailAt = a_iFailAt;
-        Allocator.bWatched = true;
-    }
-
-    ~TWatch()
-    {
-        Allocator.bWatched = false;
-    }
-
-    TWatch(const TWatch&) = delete;
-    TWatch& operator=(const TWatch&) = delete;
-};
-
-// One request of the library. Memory comes full of zeros, calloc's by right and malloc's by intent: an eigenvalue that
-// nobody has written would count as a root there.
-void* Serve(std::size_t a_iBytes)
-{
-    Allocator.bWatched = false; // what the bookkeeping allocates does not count
-    const bool bFails = static_cast<int>(Allocator.viRequests.size()) == Allocator.iFailAt;
-    Allocator.viRequests.push_back(a_iBytes);
-    void* const pMemory = bFails ? nullptr : __real_calloc(1, a_iBytes);
-    if (pMemory != nullptr)
-    {
-        Allocator.Held.insert(pMemory);
-    }
-    Allocator.bWatched = true;
-    return pMemory;
-}
-
-} // namespace
-
-extern "C" {
-
-void* __wrap_malloc(std::size_t a_iBytes)
-{
-    return Allocator.bWatched ? Serve(a_iBytes) : __real_malloc(a_iBytes);
-}
-
-void* __wrap_calloc(std::size_t a_iCount, std::size_t a_iBytes)
-{
-    return Allocator.bWatched ? Serve(a_iCount * a_iBytes) : __real_calloc(a_iCount, a_iBytes);
-}
-
-void __wrap_free(void* a_pMemory)
-{
-    if (Allocator.bWatched && a_pMemory != nullptr)
-    {
-        Allocator.bWatched = false;
-        Allocator.iForeign += Allocator.Held.erase(a_pMemory) == 0 ? 1 : 0;
-        Allocator.bWatched = true;
-    }
-    __real_free(a_pMemory);
-}
-
-} // extern "C"
-
-namespace {
-
-void ExpectNothingHeld()
-{
-    EXPECT_TRUE(Allocator.Held.empty());
-    EXPECT_EQ(0, Allocator.iForeign);
-}
 
 struct TOutcome
 {
@@ -127,7 +38,7 @@ TOutcome SolveWithFailure(const TValues& a_vdCoefficients, int a_iFailAt)
     const std::size_t iDegree = a_vdCoefficients.size() - 1;
     TOutcome Outcome = {0, TValues(iDegree + 2, Untouched), {}};
     {
-        TWatch Watch(a_iFailAt);
+        TWatch Watch(a_iFailAt, 0);
         Outcome.iResult =
             nuv::Roots(static_cast<unsigned int>(iDegree), a_vdCoefficients.data(), Outcome.vdRoots.data(), 1e-6);
     }
@@ -153,46 +64,10 @@ TValues Array(TValues a_vdRoots, std::size_t a_iDegree)
     return a_vdRoots;
 }
 
-// What the stages make of a companion matrix that is not balanced.
-TValues SolveUnbalanced(const TValues& a_vdMonic)
-{
-    const std::size_t iN = a_vdMonic.size() - 1;
-    TValues vdMatrix(iN * iN, 0.0);
-    for (std::size_t j = 0; j < iN; ++j)
-    {
-        vdMatrix[j * iN] = -a_vdMonic[j + 1];
-    }
-    for (std::size_t j = 0; j + 1 < iN; ++j)
-    {
-        vdMatrix[j * iN + j + 1] = 1.0;
-    }
-    const int n = static_cast<int>(iN);
-    TValues vdReal(iN);
-    TValues vdImaginary(iN);
-    nuv::ReduceToHessenberg(n, vdMatrix.data(), n);
-    EXPECT_EQ(1, nuv::HessenbergEigenvalues(n, vdMatrix.data(), n, vdReal.data(), vdImaginary.data()));
-    TValues vdRoots;
-    for (std::size_t i = 0; i < iN; ++i)
-    {
-        if (std::fabs(vdImaginary[i]) < 1e-6)
-        {
-            vdRoots.push_back(vdReal[i]);
-        }
-    }
-    return vdRoots;
-}
-
 // (x - 1)(x - 2)(x - 3)(x - 1000), whose roots come out with other bits if it is not balanced; then with the factor
 // x^2.
 const TValues Plain = {1, -1006, 6011, -11006, 6000};
 const TValues WithZeros = {1, -1006, 6011, -11006, 6000, 0, 0};
-
-TValues PrependZeros(const TValues& a_vdRoots)
-{
-    TValues vdAll = {0.0, 0.0};
-    vdAll.insert(vdAll.end(), a_vdRoots.begin(), a_vdRoots.end());
-    return vdAll;
-}
 
 TEST(RootsAllocation, AsksForTheMatrixTheEigenvaluesAndOneTableAStage)
 {
@@ -225,15 +100,6 @@ TEST(RootsAllocation, AFailureOfTheScratchGivesZeroRoots)
         ExpectSameValues(Array({0.0, 0.0}, 6), Zeros.vdRoots);
         EXPECT_LE(Zeros.viRequests.size(), FirstTable); // no stage has run
     }
-}
-
-TEST(RootsAllocation, WithoutATableForBalancingTheMatrixIsNotBalanced)
-{
-    const TValues vdUnbalanced = PrependZeros(SolveUnbalanced(Plain));
-    const TOutcome Outcome = SolveWithFailure(WithZeros, FirstTable);
-    EXPECT_EQ(6, Outcome.iResult);
-    ExpectSameValues(Array(vdUnbalanced, 6), Outcome.vdRoots);
-    EXPECT_NE(SolveWithFailure(WithZeros, Never).vdRoots, Outcome.vdRoots);
 }
 
 // A companion matrix is reduced already.
@@ -291,7 +157,79 @@ TEST(RootsAllocation, EigenvaluesThatWereNeverFoundAreNoRootsWhateverTheMemoryHe
     ExpectSameValues(Array({}, 4), Outcome.vdRoots);
 }
 
+// A quadratic equation in cosine and sine that leads to a quartic with real roots.
+TEST(RootsAllocation, EveryFailureInTurnBehindAnEquationOfAnglesLeaksNothing)
+{
+    int iFailAt = 0;
+    bool bFailed = true;
+    for (; bFailed; ++iFailAt)
+    {
+        SCOPED_TRACE(iFailAt);
+        double vdAngles[5] = {Untouched, Untouched, Untouched, Untouched, Untouched};
+        int iResult;
+        {
+            TWatch Watch(iFailAt, 0);
+            iResult = nuv::SolveQuadTrig(1.0, -2.0, 0.5, 0.25, -0.125, 0.1, vdAngles);
+        }
+        bFailed = Allocator.viRequests.size() > static_cast<std::size_t>(iFailAt);
+        ExpectNothingHeld();
+        // Without scratch, or without the table of the iteration, no root is found and so no angle.
+        EXPECT_EQ(iFailAt < static_cast<int>(FirstTable) || iFailAt == static_cast<int>(FirstTable) + 2, iResult == 0);
+        EXPECT_LE(iResult, 4);
+        EXPECT_SAME_BITS(Untouched, vdAngles[4]);
+        EXPECT_TRUE(iResult > 0 || SameBits(Untouched, vdAngles[0]));
+    }
+    EXPECT_EQ(7, iFailAt); // six requests, and the success
+}
+
 // --- The stages by themselves
+
+#if defined(NUV_TEST_STAGES)
+
+// What the stages make of a companion matrix that is not balanced.
+TValues SolveUnbalanced(const TValues& a_vdMonic)
+{
+    const std::size_t iN = a_vdMonic.size() - 1;
+    TValues vdMatrix(iN * iN, 0.0);
+    for (std::size_t j = 0; j < iN; ++j)
+    {
+        vdMatrix[j * iN] = -a_vdMonic[j + 1];
+    }
+    for (std::size_t j = 0; j + 1 < iN; ++j)
+    {
+        vdMatrix[j * iN + j + 1] = 1.0;
+    }
+    const int n = static_cast<int>(iN);
+    TValues vdReal(iN);
+    TValues vdImaginary(iN);
+    nuv::ReduceToHessenberg(n, vdMatrix.data(), n);
+    EXPECT_EQ(1, nuv::HessenbergEigenvalues(n, vdMatrix.data(), n, vdReal.data(), vdImaginary.data()));
+    TValues vdRoots;
+    for (std::size_t i = 0; i < iN; ++i)
+    {
+        if (std::fabs(vdImaginary[i]) < 1e-6)
+        {
+            vdRoots.push_back(vdReal[i]);
+        }
+    }
+    return vdRoots;
+}
+
+TValues PrependZeros(const TValues& a_vdRoots)
+{
+    TValues vdAll = {0.0, 0.0};
+    vdAll.insert(vdAll.end(), a_vdRoots.begin(), a_vdRoots.end());
+    return vdAll;
+}
+
+TEST(RootsAllocation, WithoutATableForBalancingTheMatrixIsNotBalanced)
+{
+    const TValues vdUnbalanced = PrependZeros(SolveUnbalanced(Plain));
+    const TOutcome Outcome = SolveWithFailure(WithZeros, FirstTable);
+    EXPECT_EQ(6, Outcome.iResult);
+    ExpectSameValues(Array(vdUnbalanced, 6), Outcome.vdRoots);
+    EXPECT_NE(SolveWithFailure(WithZeros, Never).vdRoots, Outcome.vdRoots);
+}
 
 const TValues General = {1, 1024, 2, 3, 5, 7, 4096, 11, 13}; // column by column; balancing and reduction change it
 
@@ -303,7 +241,7 @@ TEST(RootsAllocation, AStageWithoutItsTableLeavesTheMatrixAlone)
         {
             TValues vdMatrix = General;
             {
-                TWatch Watch(iFailAt);
+                TWatch Watch(iFailAt, 0);
                 Stage(3, vdMatrix.data(), 3);
             }
             EXPECT_EQ(1u, Allocator.viRequests.size());
@@ -320,7 +258,7 @@ TEST(RootsAllocation, TheIterationWithoutItsTableWritesNothingAndReturns0)
     TValues vdImaginary(3, Untouched);
     int iResult;
     {
-        TWatch Watch(0);
+        TWatch Watch(0, 0);
         iResult = nuv::HessenbergEigenvalues(3, vdMatrix.data(), 3, vdReal.data(), vdImaginary.data());
     }
     EXPECT_EQ(0, iResult);
@@ -338,7 +276,7 @@ TEST(RootsAllocation, TheTableIsReleasedWhereTheIterationGivesUp)
     TValues vdImaginary(4);
     int iResult;
     {
-        TWatch Watch;
+        TWatch Watch(Never, 0);
         iResult = nuv::HessenbergEigenvalues(4, vdMatrix.data(), 4, vdReal.data(), vdImaginary.data());
     }
     EXPECT_EQ(0, iResult);
@@ -348,7 +286,7 @@ TEST(RootsAllocation, TheTableIsReleasedWhereTheIterationGivesUp)
 
 TEST(RootsAllocation, AMatrixOfNoRowsTakesNoMemory)
 {
-    TWatch Watch;
+    TWatch Watch(Never, 0);
     for (int iN : {0, -1})
     {
         nuv::BalanceMatrix(iN, nullptr, 1);
@@ -357,5 +295,7 @@ TEST(RootsAllocation, AMatrixOfNoRowsTakesNoMemory)
     }
     EXPECT_TRUE(Allocator.viRequests.empty());
 }
+
+#endif
 
 } // namespace

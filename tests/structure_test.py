@@ -127,6 +127,19 @@ class Sources(unittest.TestCase):
                     result = compile_source(compiler, standard, source)
                     self.assertEqual((result.returncode, result.stderr), (0, ""))
 
+    def test_what_programs_rely_on_holds_in_every_dialect(self):
+        for compiler, standard in DIALECTS:
+            with self.subTest(compiler=compiler, standard=standard):
+                result = compile_source(compiler, standard, ROOT / "tests/contracts.cpp")
+                self.assertEqual((result.returncode, result.stderr), (0, ""))
+
+    def test_declarations_have_no_default_arguments(self):
+        """A default is compiled into the callers: a new one, or a changed one, is another contract."""
+        header = (HEADERS / "nuv1math.h").read_text()
+        declarations = re.findall(r"^NUV1MATH_API .*?;", header, re.DOTALL | re.MULTILINE)
+        self.assertEqual(len(declarations), len((ROOT / "tests/exports.txt").read_text().splitlines()))
+        self.assertEqual([text for text in declarations if "=" in text], [])
+
     def test_refuse_fast_math(self):
         result = compile_source("g++", "c++98", SOURCES / "affine.cpp", "-ffast-math")
         self.assertIn("must not be compiled with fast-math", result.stderr)

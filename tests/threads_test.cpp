@@ -301,10 +301,9 @@ TEST(Threads, TheFunctionsCalledHereAreAllButTheGenerators)
     EXPECT_EQ(Expected, Called);
 }
 
-TEST(Threads, EveryFunctionGivesTheSameBitsInAllOfThem)
+// Calls all functions a_iRounds times in each of a_iThreads threads at once, a_iWaves times with new threads.
+static void ExpectTheSameBits(int a_iThreads, int a_iWaves, int a_iRounds)
 {
-    constexpr int ThreadCount = 4;
-    constexpr int Rounds = 50;
     std::vector<TValues> Alone;
     for (const TFunction& Function : Functions)
     {
@@ -312,22 +311,32 @@ TEST(Threads, EveryFunctionGivesTheSameBitsInAllOfThem)
     }
     std::atomic<int> iDiffering{0};
     std::atomic<int> iCalls{0};
-    RunInThreads(ThreadCount,
-                 [&](int a_iThread)
-                 {
-                     for (int iRound = 0; iRound < Rounds; ++iRound)
-                     {
-                         // Every thread starts with another function, so that different ones run at once too.
-                         for (std::size_t i = 0; i < Functions.size(); ++i)
-                         {
-                             const std::size_t iFunction = (i + 7 * a_iThread) % Functions.size();
-                             iDiffering += !SameValues(Alone[iFunction], Functions[iFunction].Calls());
-                             ++iCalls;
-                         }
-                     }
-                 });
-    EXPECT_EQ(ThreadCount * Rounds * static_cast<int>(Functions.size()), iCalls);
+    const auto Work = [&](int a_iThread)
+    {
+        // Every thread starts with another function, so that different ones run at once too.
+        for (std::size_t i = 0; i < a_iRounds * Functions.size(); ++i)
+        {
+            const std::size_t iFunction = (i + 7 * a_iThread) % Functions.size();
+            iDiffering += !SameValues(Alone[iFunction], Functions[iFunction].Calls());
+            ++iCalls;
+        }
+    };
+    for (int iWave = 0; iWave < a_iWaves; ++iWave)
+    {
+        RunInThreads(a_iThreads, Work);
+    }
+    EXPECT_EQ(a_iThreads * a_iWaves * a_iRounds * static_cast<int>(Functions.size()), iCalls);
     EXPECT_EQ(0, iDiffering);
+}
+
+TEST(Threads, EveryFunctionGivesTheSameBitsInFourThatCallItLong)
+{
+    ExpectTheSameBits(4, 1, 50);
+}
+
+TEST(Threads, EveryFunctionGivesTheSameBitsInAThousandFiftyAtATime)
+{
+    ExpectTheSameBits(50, 20, 1);
 }
 
 #if defined(__SANITIZE_THREAD__)

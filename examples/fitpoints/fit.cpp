@@ -340,6 +340,10 @@ static void AddOriginalFrame(const TArrays& a_Points, TFit& a_Fit)
     {
         a_Fit.Original = Original;
         a_Fit.dFrameDifference = FrameDifference(a_Points, a_Fit.Origins, a_Fit);
+        if (!std::isfinite(a_Fit.dFrameDifference)) // rounding has put a point onto the line that goes to infinity
+        {
+            a_Fit.Original.reset();
+        }
     }
 }
 

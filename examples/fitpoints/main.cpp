@@ -42,6 +42,8 @@ static const char* const FOOTER =
     "A world file takes the x, y of a CSV file as column and row of pixel centres. In a QGIS file y is minus the row\n"
     "and (0, 0) the outer corner of the first pixel; the world file is turned to pixel centres.\n"
     "\n"
+    "Limits: lines of 64 KiB, files of 256 MiB, 1000000 points; no more than 1.25 GiB of memory.\n"
+    "\n"
     "Exit code: 0, or 2 with one line on standard error; warnings go to standard error too.";
 
 static void Declare(CLI::App& a_App, TArguments& a_Arguments, nuv::enumMethodUsed& a_Method)
@@ -184,7 +186,9 @@ static void FillClosedDescriptors()
 int main(int a_iCount, char** a_vszArguments)
 {
     FillClosedDescriptors();
-    std::signal(SIGPIPE, SIG_IGN); // a reader that has gone is an error of writing like any other
+    std::signal(SIGPIPE, SIG_IGN); // a reader that has gone is an error of writing like any other,
+    std::signal(SIGXFSZ, SIG_IGN); // and so is a limit of the size of files
+    fitpoints::RemoveOutputsOnSignals();
     try
     {
         fitpoints::TArguments Arguments = {};

@@ -6,6 +6,7 @@
 #include "text.h"
 
 #include <cerrno>
+#include <csignal>
 #include <cstdio>
 #include <cstdlib>
 #include <sys/stat.h>
@@ -15,6 +16,82 @@ namespace fitpoints {
 
 static const char* const CANNOT_WRITE = "cannot be written";
 
+// ---------------------------------------------------------------------------------------------------------------------
+// Signals
+// ---------------------------------------------------------------------------------------------------------------------
+
+static const int ENDING_SIGNALS[] = {SIGHUP, SIGINT, SIGTERM};
+
+// The outputs that have a temporary name. They change only while the signals wait.
+static const TOutput* g_vOutputs[2] = {};
+
+// The ending signals wait as long as it lives.
+class TSignalsWait
+{
+public:
+    TSignalsWait()
+    {
+        sigset_t Set;
+        sigemptyset(&Set);
+        for (const int iSignal : ENDING_SIGNALS)
+        {
+            sigaddset(&Set, iSignal);
+        }
+        sigprocmask(SIG_BLOCK, &Set, &m_Before);
+    }
+    ~TSignalsWait()
+    {
+        sigprocmask(SIG_SETMASK, &m_Before, nullptr);
+    }
+    TSignalsWait(const TSignalsWait&) = delete;
+    TSignalsWait& operator=(const TSignalsWait&) = delete;
+
+private:
+    sigset_t m_Before;
+};
+
+static void Remember(const TOutput* a_pKnown, const TOutput* a_pNew)
+{
+    for (const TOutput*& pOutput : g_vOutputs)
+    {
+        if (pOutput == a_pKnown)
+        {
+            pOutput = a_pNew;
+            return;
+        }
+    }
+}
+
+static void RemoveAndEnd(int a_iSignal)
+{
+    for (const TOutput* const pOutput : g_vOutputs)
+    {
+        if (pOutput != nullptr)
+        {
+            unlink(pOutput->szTemporary.c_str());
+        }
+    }
+    std::raise(a_iSignal); // its action is the default one again, and takes place on the return from here
+}
+
+void RemoveOutputsOnSignals()
+{
+    for (const int iSignal : ENDING_SIGNALS)
+    {
+        struct sigaction Action = {};
+        if (sigaction(iSignal, nullptr, &Action) == 0 && Action.sa_handler == SIG_DFL)
+        {
+            Action.sa_handler = RemoveAndEnd;
+            Action.sa_flags = SA_RESETHAND;
+            sigaction(iSignal, &Action, nullptr);
+        }
+    }
+}
+
+// ---------------------------------------------------------------------------------------------------------------------
+// Outputs
+// ---------------------------------------------------------------------------------------------------------------------
+
 TOutput::~TOutput()
 {
     if (iDescriptor >= 0)
@@ -23,6 +100,8 @@ TOutput::~TOutput()
     }
     if (!szTemporary.empty())
     {
+        const TSignalsWait Wait;
+        Remember(this, nullptr);
         unlink(szTemporary.c_str());
     }
 }
@@ -83,6 +162,19 @@ static mode_t FileMode(const std::string& a_szPlace)
     return 0666 & ~iMask;
 }
 
+static void MakeTemporary(TOutput& a_Output)
+{
+    const TSignalsWait Wait;
+    std::string szTemporary = DirectoryOf(a_Output.szPlace) + ".fitpoints-XXXXXX";
+    a_Output.iDescriptor = mkstemp(szTemporary.data());
+    if (a_Output.iDescriptor < 0)
+    {
+        FailWithError(a_Output.szName, CANNOT_WRITE, errno);
+    }
+    a_Output.szTemporary = szTemporary;
+    Remember(nullptr, &a_Output);
+}
+
 std::unique_ptr<TOutput> OpenOutput(const std::string& a_szName)
 {
     auto Output = std::make_unique<TOutput>();
@@ -93,13 +185,7 @@ std::unique_ptr<TOutput> OpenOutput(const std::string& a_szName)
     {
         FailWithError(a_szName, CANNOT_WRITE, errno);
     }
-    std::string szTemporary = DirectoryOf(Output->szPlace) + ".fitpoints-XXXXXX";
-    Output->iDescriptor = mkstemp(szTemporary.data());
-    if (Output->iDescriptor < 0)
-    {
-        FailWithError(a_szName, CANNOT_WRITE, errno);
-    }
-    Output->szTemporary = szTemporary;
+    MakeTemporary(*Output);
     if (fchmod(Output->iDescriptor, FileMode(Output->szPlace)) != 0)
     {
         FailWithError(a_szName, CANNOT_WRITE, errno);
@@ -138,10 +224,12 @@ void CloseOutput(TOutput& a_Output)
 
 void PutInPlace(TOutput& a_Output)
 {
+    const TSignalsWait Wait;
     if (std::rename(a_Output.szTemporary.c_str(), a_Output.szPlace.c_str()) != 0)
     {
         FailWithError(a_Output.szName, CANNOT_WRITE, errno);
     }
+    Remember(&a_Output, nullptr);
     a_Output.szTemporary.clear();
 }
 

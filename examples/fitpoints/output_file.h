@@ -39,6 +39,10 @@ void CloseOutput(TOutput& a_Output);
 // Renames a closed output to its place.
 void PutInPlace(TOutput& a_Output);
 
+// From now on SIGHUP, SIGINT and SIGTERM, where they are not ignored, remove what stands under temporary names before they
+// end the process.
+void RemoveOutputsOnSignals();
+
 // Writes to standard output and fails if that cannot be.
 void WriteStandardOutput(const std::string& a_szText);
 

@@ -208,7 +208,7 @@ static std::string Data(const TDrawing& a_Drawing)
     return szData + "END\n";
 }
 
-static std::string Script(const TPoints& a_Points, const TFit& a_Fit, enumPlotKind a_Kind)
+std::string PlotScript(const TPoints& a_Points, const TFit& a_Fit, enumPlotKind a_Kind)
 {
     const TDrawing Picture = Drawing(a_Points, a_Fit);
     const double dTick = RoundBelow(std::max(Width(Picture.X), Width(Picture.Y)) / 5);
@@ -251,7 +251,7 @@ static bool IsWhole(int a_iDescriptor, enumPlotKind a_Kind)
 void DrawPlot(const TPoints& a_Points, const TFit& a_Fit, TOutput& a_Output)
 {
     const enumPlotKind Kind = PlotKind(a_Output.szName);
-    const TChildResult Result = RunChild({"gnuplot", "-d"}, Script(a_Points, a_Fit, Kind), a_Output.iDescriptor);
+    const TChildResult Result = RunChild({"gnuplot", "-d"}, PlotScript(a_Points, a_Fit, Kind), a_Output.iDescriptor);
     if (!Result.bSucceeded || !IsWhole(a_Output.iDescriptor, Kind))
     {
         Fail(a_Output.szName, "gnuplot failed to draw it" + (Result.szError.empty() ? "" : ": " + Result.szError));

@@ -19,6 +19,9 @@ enum enumPlotKind
 // By the extension of the name. Fails for any other than .svg and .png.
 enumPlotKind PlotKind(const std::string& a_szName);
 
+// What gnuplot is told. Texts of the user stand in it between single quotes only.
+std::string PlotScript(const TPoints& a_Points, const TFit& a_Fit, enumPlotKind a_Kind);
+
 // Draws into the output.
 void DrawPlot(const TPoints& a_Points, const TFit& a_Fit, TOutput& a_Output);
 

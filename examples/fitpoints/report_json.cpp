@@ -103,7 +103,8 @@ std::string JsonReport(const TPoints& a_Points, const TFit& a_Fit)
     {
         szText += (i == 0 ? "\n    " : ",\n    ") + Dumped(PointWithResidual(a_Points, a_Fit, i), -1);
     }
-    return szText + "\n  ]\n}\n";
+    szText += "\n  ]\n}\n";
+    return szText;
 }
 
 } // namespace fitpoints

@@ -85,7 +85,8 @@ static std::string OriginalFrame(const TFit& a_Fit)
     if (!a_Fit.Original)
     {
         return "\nOriginal frame: none. The transformation takes the origin of the source coordinates to infinity,\n"
-               "  or its coefficients are not finite there. Use those of the local frame.\n";
+               "  its coefficients are not finite there, or by rounding they take a point to infinity. Use those of\n"
+               "  the local frame.\n";
     }
     return (a_Fit.bRaw
                 ? "\nOriginal frame, the frame of the fit: coordinates as given\n"

@@ -15,6 +15,7 @@
 #include <unistd.h>
 
 void* (*g_pAllocate)(size_t) = malloc;
+void (*g_pRelease)(void*) = free;
 
 // ---------------------------------------------------------------------------------------------------------------------
 // System
@@ -115,6 +116,11 @@ static void* Allocate(size_t a_iBytes)
     return g_pAllocate(a_iBytes);
 }
 
+static void Release(void* a_pMemory)
+{
+    g_pRelease(a_pMemory);
+}
+
 // ---------------------------------------------------------------------------------------------------------------------
 // Arithmetic, by the compiler's own helpers: this program has no floating-point hardware either
 // ---------------------------------------------------------------------------------------------------------------------
@@ -177,7 +183,7 @@ static const struct TNamed
     NAMED(atan2, atan2),
     NAMED(cos, cos),
     NAMED(fmod, fmod),
-    NAMED(free, free),
+    NAMED(free, Release),
     NAMED(log, log),
     NAMED(malloc, Allocate),
     NAMED(memcpy, memcpy),

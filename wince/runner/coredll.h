@@ -14,8 +14,9 @@ extern "C" {
 // The function of that name, or null where there is none.
 void* FindCoreFunction(const char* a_szName);
 
-// The allocator that images get: malloc, unless a test puts its own here.
+// The allocator that images get: malloc and free, unless a test puts its own here.
 extern void* (*g_pAllocate)(size_t a_iBytes);
+extern void (*g_pRelease)(void* a_pMemory);
 
 #if defined(__cplusplus)
 }

@@ -1,0 +1,25 @@
+// image_allocator.cpp: gives images the watched allocator in place of their core library's.
+// Copyright (c) 2026 the nuv1math authors
+// SPDX-License-Identifier: MIT
+
+#include "coredll.h"
+#include "watched_allocator.h"
+
+#include <cstdlib>
+
+void* nuv_tests::RealAllocate(std::size_t a_iBytes)
+{
+    return std::malloc(a_iBytes);
+}
+
+void nuv_tests::RealRelease(void* a_pMemory)
+{
+    std::free(a_pMemory);
+}
+
+[[maybe_unused]] static const bool IsGiven = []
+{
+    g_pAllocate = nuv_tests::Allocate;
+    g_pRelease = nuv_tests::Release;
+    return true;
+}();
