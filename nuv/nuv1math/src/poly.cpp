@@ -51,6 +51,19 @@ enum
     EXCEPTIONAL_ITERATION_2 = 20
 };
 
+// a_dValue == 0.0. Without floating-point hardware a comparison is a call, and a look at the bits is none.
+static inline bool IsExactZero(double a_dValue)
+{
+#ifdef NUV_VECTORS
+    return a_dValue == 0.0;
+#else
+    const double dMagnitude = fabs(a_dValue);
+    unsigned int viBits[2];
+    memcpy(viBits, &dMagnitude, sizeof viBits);
+    return (viBits[0] | viBits[1]) == 0;
+#endif
+}
+
 // The table of column addresses; null where it cannot be had. Released by free.
 static double** AllocateColumns(int a_iN, double* a_vdMatrix, int a_iStride)
 {
@@ -92,7 +105,7 @@ static bool BalanceRowAndColumn(double* const* A, int a_iN, int i)
     double dColumn;
     double dRow;
     CalcOffDiagonalNorms(A, a_iN, i, dColumn, dRow);
-    if (dColumn == 0.0 || dRow == 0.0 || dColumn > DBL_MAX) // an infinite norm would be halved for ever
+    if (IsExactZero(dColumn) || IsExactZero(dRow) || dColumn > DBL_MAX) // an infinite norm would be halved for ever
     {
         return false;
     }
@@ -115,12 +128,9 @@ static bool BalanceRowAndColumn(double* const* A, int a_iN, int i)
     {
         return false;
     }
-    for (int j = 1; j <= a_iN; ++j)
+    for (int j = 1; j <= a_iN; ++j) // the diagonal element by both, in this order
     {
         At(A, i, j) *= dReciprocal;
-    }
-    for (int j = 1; j <= a_iN; ++j)
-    {
         At(A, j, i) *= dFactor;
     }
     return true;
@@ -187,7 +197,7 @@ static void EliminateHessenbergColumn(double* const* A, int a_iN, int m, double 
     for (int i = m + 1; i <= a_iN; ++i)
     {
         double dFactor = At(A, i, m - 1);
-        if (dFactor == 0.0)
+        if (IsExactZero(dFactor))
         {
             continue;
         }
@@ -218,7 +228,7 @@ void ReduceToHessenberg(int a_iN, double* a_vdMatrix, int a_iStride)
     for (int m = 2; m < a_iN; ++m)
     {
         const double dPivot = PivotHessenbergColumn(A, a_iN, m);
-        if (dPivot != 0.0)
+        if (!IsExactZero(dPivot))
         {
             EliminateHessenbergColumn(A, a_iN, m, dPivot);
         }
@@ -268,7 +278,7 @@ static int FindNegligibleSubdiagonal(double* const* A, int nn, double a_dNorm)
     for (int l = nn; l >= 2; --l)
     {
         double dNeighbours = fabs(At(A, l - 1, l - 1)) + fabs(At(A, l, l));
-        if (dNeighbours == 0.0)
+        if (IsExactZero(dNeighbours))
         {
             dNeighbours = a_dNorm;
         }
@@ -291,7 +301,7 @@ static void StorePair(const TShift& a_Block, double a_dShifted, int nn, double* 
     {
         dZ = dP >= 0.0 ? dP + dZ : dP - dZ; // the sign that does not cancel
         a_vdReal[nn - 2] = a_vdReal[nn - 1] = dX + dZ;
-        if (dZ != 0.0)
+        if (!IsExactZero(dZ))
         {
             a_vdReal[nn - 1] = dX - a_Block.dW / dZ;
         }
@@ -377,19 +387,18 @@ struct TReflection
 // Rows k ... of the columns k to nn.
 static void ReflectRows(double* const* A, int k, int nn, const TReflection& a_H)
 {
-    const TReflection H = a_H;
     const bool bThree = k != nn - 1;
     for (int j = k; j <= nn; ++j)
     {
         double* const vdColumn = &At(A, k, j);
-        double dP = vdColumn[0] + H.dQ * vdColumn[1];
+        double dP = vdColumn[0] + a_H.dQ * vdColumn[1];
         if (bThree)
         {
-            dP += H.dR * vdColumn[2];
-            vdColumn[2] -= dP * H.dZ;
+            dP += a_H.dR * vdColumn[2];
+            vdColumn[2] -= dP * a_H.dZ;
         }
-        vdColumn[1] -= dP * H.dY;
-        vdColumn[0] -= dP * H.dX;
+        vdColumn[1] -= dP * a_H.dY;
+        vdColumn[0] -= dP * a_H.dX;
     }
 }
 
@@ -405,7 +414,6 @@ static TPair LoadPair(const double* a_vdFrom)
 // Columns k ... of the rows l to k+3, below which they are zero.
 static void ReflectColumns(double* const* A, int k, int l, int nn, const TReflection& a_H)
 {
-    const TReflection H = a_H;
     const bool bThree = k != nn - 1;
     const int iLast = nn < k + 3 ? nn : k + 3;
     double* const vdFirst = &At(A, 1, k);
@@ -416,8 +424,8 @@ static void ReflectColumns(double* const* A, int k, int l, int nn, const TReflec
     for (; bThree && i + 2 < k; i += 2) // above row k: a pair of elements just stored one by one would have to wait
     {
         const TPair Second = LoadPair(vdSecond + i);
-        const TPair P = H.dX * LoadPair(vdFirst + i) + H.dY * Second + H.dZ * LoadPair(vdThird + i);
-        const TPair vAfter[] = {LoadPair(vdFirst + i) - P, Second - P * H.dQ, LoadPair(vdThird + i) - P * H.dR};
+        const TPair P = a_H.dX * LoadPair(vdFirst + i) + a_H.dY * Second + a_H.dZ * LoadPair(vdThird + i);
+        const TPair vAfter[] = {LoadPair(vdFirst + i) - P, Second - P * a_H.dQ, LoadPair(vdThird + i) - P * a_H.dR};
         memcpy(vdFirst + i, &vAfter[0], sizeof P);
         memcpy(vdSecond + i, &vAfter[1], sizeof P);
         memcpy(vdThird + i, &vAfter[2], sizeof P);
@@ -425,13 +433,13 @@ static void ReflectColumns(double* const* A, int k, int l, int nn, const TReflec
 #endif
     for (; i < iLast; ++i)
     {
-        double dP = H.dX * vdFirst[i] + H.dY * vdSecond[i];
+        double dP = a_H.dX * vdFirst[i] + a_H.dY * vdSecond[i];
         if (bThree)
         {
-            dP += H.dZ * vdThird[i];
-            vdThird[i] -= dP * H.dR;
+            dP += a_H.dZ * vdThird[i];
+            vdThird[i] -= dP * a_H.dR;
         }
-        vdSecond[i] -= dP * H.dQ;
+        vdSecond[i] -= dP * a_H.dQ;
         vdFirst[i] -= dP;
     }
 }
@@ -446,7 +454,7 @@ static void SweepStep(double* const* A, int k, int m, int l, int nn, TReflectedV
         a_V.dQ = At(A, k + 1, k - 1);
         a_V.dR = k != nn - 1 ? At(A, k + 2, k - 1) : 0.0;
         dX = fabs(a_V.dP) + fabs(a_V.dQ) + fabs(a_V.dR);
-        if (dX != 0.0)
+        if (!IsExactZero(dX))
         {
             const double dScale = 1.0 / dX;
             a_V.dP *= dScale;
@@ -456,7 +464,7 @@ static void SweepStep(double* const* A, int k, int m, int l, int nn, TReflectedV
     }
     const double dLength = sqrt(a_V.dP * a_V.dP + a_V.dQ * a_V.dQ + a_V.dR * a_V.dR);
     const double dS = a_V.dP < 0.0 ? -dLength : dLength; // by value: -0.0 is not negative
-    if (dS == 0.0)
+    if (IsExactZero(dS))
     {
         return;
     }
@@ -632,11 +640,11 @@ static bool WriteNonZeroRoots(size_t a_iDegree, const double* a_vdA, double a_dT
 int Roots(unsigned int iDegree, const double* vdA, double* a_vdRoots, double a_dTolerance)
 {
     unsigned int iFirst = 0;
-    while (iFirst < iDegree && vdA[iFirst] == 0.0)
+    while (iFirst < iDegree && IsExactZero(vdA[iFirst]))
     {
         ++iFirst;
     }
-    if (vdA[iFirst] == 0.0)
+    if (IsExactZero(vdA[iFirst]))
     {
         return RET_INDETERMINATE;
     }
@@ -649,7 +657,7 @@ int Roots(unsigned int iDegree, const double* vdA, double* a_vdRoots, double a_d
         return RET_IMPOSSIBLE;
     }
     unsigned int iLast = iDegree;
-    while (vdA[iLast] == 0.0)
+    while (IsExactZero(vdA[iLast]))
     {
         --iLast;
     }
