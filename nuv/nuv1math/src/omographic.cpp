@@ -192,13 +192,13 @@ static void SpreadSums(const double* a_vdSums, TOmographicSystem& a_System)
     a_System.vdVector[COEF_H] = *a_vdSums++;
 }
 
-// Whether every row that went into the equations was finite: an infinite or NaN coefficient stays in its square on the
-// diagonal, and such an observed value in its product with R, whatever is added.
+// Whether every row that went into the equations was finite: each coefficient was multiplied by the observed value onto
+// the right-hand side, and what an infinite or NaN factor makes there stays infinite or NaN, whatever is added.
 static bool IsFinite(const TOmographicSystem& a_System)
 {
     for (int i = 0; i < OMOGRAPHIC_UNKNOWNS; ++i)
     {
-        if (!IsFinite(a_System.vdMatrix[Packed(i, i)]) || !IsFinite(a_System.vdVector[i]))
+        if (!IsFinite(a_System.vdVector[i]))
         {
             return false;
         }
