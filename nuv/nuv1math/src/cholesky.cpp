@@ -390,7 +390,7 @@ static void FinishTile(const TPanel& a_Panel, ptrdiff_t c, ptrdiff_t a_iColumns,
         vdReciprocals[q] = a_Panel.vdReciprocals[c - a_Panel.iFirst + q];
         NUV_UNROLL for (int k = 0; k < q; ++k)
         {
-            vvdFactors[q][k] = a_vvdDiagonal[q][c + k];
+            vvdFactors[q][k] = q < a_iColumns ? a_vvdDiagonal[q][c + k] : 0.0; // there may be no such row
         }
     }
     for (ptrdiff_t r = a_iFirst; r < a_iRows; ++r)
