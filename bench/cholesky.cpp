@@ -59,7 +59,8 @@ using TWork = TValues;
 // The lower triangle of a factor, row by row, from a full array by the steps between its rows and its columns.
 static auto TellTriangle(int n, std::size_t a_iRowStep, std::size_t a_iColumnStep)
 {
-    return [=](const TWork& a_vd) {
+    return [=](const TWork& a_vd)
+    {
         TValues vdTriangle;
         for (int i = 0; i < n; ++i)
         {
@@ -75,7 +76,8 @@ static auto TellTriangle(int n, std::size_t a_iRowStep, std::size_t a_iColumnSte
 // A run that copies the source and works on the copy.
 template <class TFunction> static auto OnCopy(std::shared_ptr<const TValues> a_pSource, TFunction a_Function)
 {
-    return [=](TWork& a_vdWork) {
+    return [=](TWork& a_vdWork)
+    {
         std::copy(a_pSource->begin(), a_pSource->end(), a_vdWork.begin());
         a_Function(a_vdWork.data());
     };
@@ -112,9 +114,10 @@ template <int N> static void AddFixedSize(TContest& a_Contest, const TSystemPoin
     using TMatrix = Eigen::Matrix<double, N, N>;
     a_Contest.Peer(
         "Eigen LLT of a fixed size", TOLERANCE, TMatrix(),
-        [a_pSystem](TMatrix& L) {
+        [a_pSystem](TMatrix& L)
+        {
             L = Eigen::Map<const TMatrix>(a_pSystem->vdFull.data());
-            Eigen::LLT<Eigen::Ref<TMatrix>> Llt(L);
+            Eigen::LLT<Eigen::Ref<TMatrix> > Llt(L);
         },
         [](const TMatrix& L) { return TellTriangle(N, 1, N)(TWork(L.data(), L.data() + N * N)); });
 }
@@ -129,10 +132,13 @@ static void AddDense(const TSystemPointer& a_pSystem)
 
     TContest Factor("Cholesky", n);
     Factor.Ours("Cholesky", vdWork, OnCopy(pMatrix, [n](double* a_vd) { nuv::Cholesky(n, a_vd); }), TellRows);
-    Factor.Peer("Eigen LLT", TOLERANCE, vdWork, OnCopy(pMatrix, [n](double* a_vd) {
-                    Eigen::Map<Eigen::MatrixXd> L(a_vd, n, n);
-                    Eigen::LLT<Eigen::Ref<Eigen::MatrixXd>> Llt(L);
-                }),
+    Factor.Peer("Eigen LLT", TOLERANCE, vdWork,
+                OnCopy(pMatrix,
+                       [n](double* a_vd)
+                       {
+                           Eigen::Map<Eigen::MatrixXd> L(a_vd, n, n);
+                           Eigen::LLT<Eigen::Ref<Eigen::MatrixXd> > Llt(L);
+                       }),
                 TellColumns);
     if (n == 3)
     {
@@ -143,10 +149,13 @@ static void AddDense(const TSystemPointer& a_pSystem)
         AddFixedSize<8>(Factor, a_pSystem);
     }
 #ifdef NUV_BENCH_GSL
-    Factor.Peer("GSL gsl_linalg_cholesky_decomp1", TOLERANCE, vdWork, OnCopy(pMatrix, [iStep](double* a_vd) {
-                    gsl_matrix_view View = gsl_matrix_view_array(a_vd, iStep, iStep);
-                    gsl_linalg_cholesky_decomp1(&View.matrix);
-                }),
+    Factor.Peer("GSL gsl_linalg_cholesky_decomp1", TOLERANCE, vdWork,
+                OnCopy(pMatrix,
+                       [iStep](double* a_vd)
+                       {
+                           gsl_matrix_view View = gsl_matrix_view_array(a_vd, iStep, iStep);
+                           gsl_linalg_cholesky_decomp1(&View.matrix);
+                       }),
                 TellRows);
 #endif
     for (const TLapack& Lapack : Lapacks())
@@ -168,19 +177,25 @@ static void AddDense(const TSystemPointer& a_pSystem)
 
     TContest Solve("SolveChol", n);
     Solve.Ours("SolveChol", vdVector, OnCopy(pRhs, [=](double* a_vd) { nuv::SolveChol(n, vdFactor, a_vd); }), Same);
-    Solve.Peer("Eigen LLT::solveInPlace", TOLERANCE, vdVector, OnCopy(pRhs, [=](double* a_vd) {
-                   const Eigen::Map<const Eigen::MatrixXd> L(vdFactor, n, n);
-                   Eigen::Map<Eigen::VectorXd> x(a_vd, n); // what LLT::solveInPlace does with its factor
-                   L.triangularView<Eigen::Lower>().solveInPlace(x);
-                   L.triangularView<Eigen::Lower>().adjoint().solveInPlace(x);
-               }),
+    Solve.Peer("Eigen LLT::solveInPlace", TOLERANCE, vdVector,
+               OnCopy(pRhs,
+                      [=](double* a_vd)
+                      {
+                          const Eigen::Map<const Eigen::MatrixXd> L(vdFactor, n, n);
+                          Eigen::Map<Eigen::VectorXd> x(a_vd, n); // what LLT::solveInPlace does with its factor
+                          L.triangularView<Eigen::Lower>().solveInPlace(x);
+                          L.triangularView<Eigen::Lower>().adjoint().solveInPlace(x);
+                      }),
                Same);
 #ifdef NUV_BENCH_GSL
-    Solve.Peer("GSL gsl_linalg_cholesky_svx", TOLERANCE, vdVector, OnCopy(pRhs, [=](double* a_vd) {
-                   const gsl_matrix_const_view L = gsl_matrix_const_view_array(vdFactor, iStep, iStep);
-                   gsl_vector_view x = gsl_vector_view_array(a_vd, iStep);
-                   gsl_linalg_cholesky_svx(&L.matrix, &x.vector);
-               }),
+    Solve.Peer("GSL gsl_linalg_cholesky_svx", TOLERANCE, vdVector,
+               OnCopy(pRhs,
+                      [=](double* a_vd)
+                      {
+                          const gsl_matrix_const_view L = gsl_matrix_const_view_array(vdFactor, iStep, iStep);
+                          gsl_vector_view x = gsl_vector_view_array(a_vd, iStep);
+                          gsl_linalg_cholesky_svx(&L.matrix, &x.vector);
+                      }),
                Same);
 #endif
     for (const TLapack& Lapack : Lapacks())
@@ -214,8 +229,8 @@ static void AddPacked(const TSystemPointer& a_pSystem)
     const auto pRhs = Share(pFactored, pFactored->vdRhs);
     const TWork vdVector(pRhs->size());
     TContest Solve("SolveCholLowTri", n);
-    Solve.Ours("SolveCholLowTri", vdVector, OnCopy(pRhs, [=](double* a_vd) { nuv::SolveCholLowTri(n, vdFactor, a_vd); }),
-               Same);
+    Solve.Ours("SolveCholLowTri", vdVector,
+               OnCopy(pRhs, [=](double* a_vd) { nuv::SolveCholLowTri(n, vdFactor, a_vd); }), Same);
     for (const TLapack& Lapack : Lapacks())
     {
         Factor.Peer(Lapack.Name() + " dpptrf", TOLERANCE, vdWork,
@@ -226,15 +241,16 @@ static void AddPacked(const TSystemPointer& a_pSystem)
         const auto pRectangular = std::make_shared<const TValues>(ToRectangular(Lapack, n, a_pSystem->vdPacked));
         Factor.Peer(Lapack.Name() + " dpftrf", TOLERANCE, vdWork,
                     OnCopy(pRectangular, [n, &Lapack](double* a_vd) { Lapack.Pftrf('N', 'U', n, a_vd); }),
-                    [n, &Lapack](const TWork& a_vd) {
+                    [n, &Lapack](const TWork& a_vd)
+                    {
                         TValues vdPacked(a_vd.size());
                         Lapack.Tfttp('N', 'U', n, a_vd.data(), vdPacked.data());
                         return vdPacked;
                     });
         const auto pFactor = std::make_shared<const TValues>(ToRectangular(Lapack, n, pFactored->vdPacked));
-        Solve.Peer(
-            Lapack.Name() + " dpftrs", TOLERANCE, vdVector,
-            OnCopy(pRhs, [=, &Lapack](double* a_vd) { Lapack.Pftrs('N', 'U', n, pFactor->data(), a_vd); }), Same);
+        Solve.Peer(Lapack.Name() + " dpftrs", TOLERANCE, vdVector,
+                   OnCopy(pRhs, [=, &Lapack](double* a_vd) { Lapack.Pftrs('N', 'U', n, pFactor->data(), a_vd); }),
+                   Same);
     }
     Factor.Floors(vdWork.size(), FactorOperations(n), FactorChain(n));
     Solve.Floors(vdWork.size(), SolveOperations(n), 2.0 * n); // both substitutions end with the newest term
@@ -257,12 +273,14 @@ static void AddUpdate(int n)
     const std::size_t iStep = n;
 
     // Every run starts from a state that the next one goes on with; adding to zero comes first and is what is told.
-    const auto Tell = [](const TNormalEquations& a_Equations) {
+    const auto Tell = [](const TNormalEquations& a_Equations)
+    {
         TValues vdAll = a_Equations.vdMatrix;
         vdAll.insert(vdAll.end(), a_Equations.vdVector.begin(), a_Equations.vdVector.end());
         return vdAll;
     };
-    const auto TellFull = [=](std::size_t a_iRowStep, std::size_t a_iColumnStep) {
+    const auto TellFull = [=](std::size_t a_iRowStep, std::size_t a_iColumnStep)
+    {
         return [=](const TNormalEquations& a_Equations) {
             return Tell({TellTriangle(n, a_iRowStep, a_iColumnStep)(a_Equations.vdMatrix), a_Equations.vdVector});
         };
@@ -273,14 +291,16 @@ static void AddUpdate(int n)
     TContest Contest("UpdateNormMatrixLowTri", n);
     Contest.Ours(
         "UpdateNormMatrixLowTri", Packed,
-        [=](TNormalEquations& a_Equations) {
+        [=](TNormalEquations& a_Equations)
+        {
             nuv::UpdateNormMatrixLowTri(n, a_Equations.vdMatrix.data(), a_Equations.vdVector.data(),
                                         pSystem->vdRhs.data(), VALUE);
         },
         Tell);
     Contest.Peer(
         "Eigen rankUpdate", TOLERANCE, Full,
-        [=](TNormalEquations& a_Equations) {
+        [=](TNormalEquations& a_Equations)
+        {
             const Eigen::Map<const Eigen::VectorXd> Row(pSystem->vdRhs.data(), n);
             Eigen::Map<Eigen::MatrixXd>(a_Equations.vdMatrix.data(), n, n)
                 .selfadjointView<Eigen::Lower>()
@@ -291,7 +311,8 @@ static void AddUpdate(int n)
 #ifdef NUV_BENCH_GSL
     Contest.Peer(
         "GSL gsl_blas_dsyr, gsl_blas_daxpy", TOLERANCE, Full,
-        [=](TNormalEquations& a_Equations) {
+        [=](TNormalEquations& a_Equations)
+        {
             const gsl_vector_const_view Row = gsl_vector_const_view_array(pSystem->vdRhs.data(), iStep);
             gsl_matrix_view Matrix = gsl_matrix_view_array(a_Equations.vdMatrix.data(), iStep, iStep);
             gsl_vector_view Vector = gsl_vector_view_array(a_Equations.vdVector.data(), iStep);
@@ -304,7 +325,8 @@ static void AddUpdate(int n)
     {
         Contest.Peer(
             Lapack.Name() + " dspr, daxpy", TOLERANCE, Packed,
-            [=, &Lapack](TNormalEquations& a_Equations) {
+            [=, &Lapack](TNormalEquations& a_Equations)
+            {
                 Lapack.Spr('U', n, 1.0, pSystem->vdRhs.data(), a_Equations.vdMatrix.data());
                 Lapack.Axpy(n, VALUE, pSystem->vdRhs.data(), a_Equations.vdVector.data());
             },

@@ -19,8 +19,7 @@ static std::string g_szMissing = NUV_BENCH_MISSING;
 
 TContest::TContest(std::string a_szRoutine, int a_iSize, int a_iBatch)
     : m_szRoutine(std::move(a_szRoutine)), m_iSize(a_iSize), m_iBatch(a_iBatch)
-{
-}
+{}
 
 // Greatest difference divided by the greatest magnitude of ours; infinite for another number of values.
 static double Difference(const TValues& a_vdOurs, const TValues& a_vdTheirs)

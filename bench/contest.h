@@ -77,19 +77,21 @@ private:
     {
         const bool bPeer = a_Kind == EKind::PEER;
         const double dDifference = m_dDifference, dTolerance = m_dTolerance;
-        benchmark::RegisterBenchmark(Label(a_Kind, a_szName).c_str(), [=](benchmark::State& a_Timer) {
-            for ([[maybe_unused]] auto Iteration : a_Timer)
-            {
-                a_Run(*a_pState);
-                benchmark::ClobberMemory();
-            }
-            a_Timer.SetItemsProcessed(a_Timer.iterations() * a_iBatch);
-            if (bPeer)
-            {
-                a_Timer.counters["difference"] = dDifference;
-                a_Timer.counters["tolerance"] = dTolerance;
-            }
-        });
+        benchmark::RegisterBenchmark(Label(a_Kind, a_szName).c_str(),
+                                     [=](benchmark::State& a_Timer)
+                                     {
+                                         for ([[maybe_unused]] auto Iteration : a_Timer)
+                                         {
+                                             a_Run(*a_pState);
+                                             benchmark::ClobberMemory();
+                                         }
+                                         a_Timer.SetItemsProcessed(a_Timer.iterations() * a_iBatch);
+                                         if (bPeer)
+                                         {
+                                             a_Timer.counters["difference"] = dDifference;
+                                             a_Timer.counters["tolerance"] = dTolerance;
+                                         }
+                                     });
     }
 
     std::string m_szRoutine;

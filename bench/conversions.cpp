@@ -38,10 +38,9 @@ namespace {
 template <std::size_t I> class TRecordContest
 {
 public:
-    TRecordContest(const std::string& a_szRoutine, const std::vector<TInput<I>>& a_vInputs)
+    TRecordContest(const std::string& a_szRoutine, const std::vector<TInput<I> >& a_vInputs)
         : m_Contest(a_szRoutine, 1, CALLS), m_vInputs(a_vInputs)
-    {
-    }
+    {}
 
     template <class TMake, class TRun, class TTell>
     void Ours(const std::string& a_szName, TMake a_Make, TRun a_Run, TTell a_Tell)
@@ -62,7 +61,7 @@ private:
     {
         using TIn = decltype(a_Make(m_vInputs[0]));
         using TOut = decltype(a_Run(std::declval<const TIn&>()));
-        std::pair<std::vector<TIn>, std::vector<TOut>> State;
+        std::pair<std::vector<TIn>, std::vector<TOut> > State;
         for (const auto& vdInput : m_vInputs)
         {
             State.first.push_back(a_Make(vdInput));
@@ -73,7 +72,8 @@ private:
 
     template <class TRun> static auto RunAll(TRun a_Run)
     {
-        return [a_Run](auto& a_State) {
+        return [a_Run](auto& a_State)
+        {
             for (std::size_t i = 0; i < a_State.first.size(); ++i)
             {
                 a_State.second[i] = a_Run(a_State.first[i]);
@@ -83,7 +83,8 @@ private:
 
     template <class TTell> static auto TellAll(TTell a_Tell)
     {
-        return [a_Tell](const auto& a_State) {
+        return [a_Tell](const auto& a_State)
+        {
             TValues vdAll;
             for (const auto& Out : a_State.second)
             {
@@ -95,17 +96,17 @@ private:
     }
 
     TContest m_Contest;
-    std::vector<TInput<I>> m_vInputs;
+    std::vector<TInput<I> > m_vInputs;
 };
 
 } // namespace
 
 // So many inputs, each value within its own bounds.
 template <std::size_t I>
-static std::vector<TInput<I>> MakeInputs(const std::array<std::array<double, 2>, I>& a_vdBounds)
+static std::vector<TInput<I> > MakeInputs(const std::array<std::array<double, 2>, I>& a_vdBounds)
 {
     std::mt19937 Generator(1);
-    std::vector<TInput<I>> vInputs(CALLS);
+    std::vector<TInput<I> > vInputs(CALLS);
     for (auto& vdInput : vInputs)
     {
         for (std::size_t i = 0; i < I; ++i)
@@ -147,7 +148,7 @@ static double PositiveAngle(double a_dAngle)
     return a_dAngle < 0.0 ? a_dAngle + ANGLE_2PI : a_dAngle;
 }
 
-static const std::vector<TInput<6>>& AffineInputs()
+static const std::vector<TInput<6> >& AffineInputs()
 {
     static const auto vInputs =
         MakeInputs<6>({{{0.5, 2.0}, {-0.4, 0.4}, {-100.0, 100.0}, {-0.4, 0.4}, {0.5, 2.0}, {-100.0, 100.0}}});
@@ -181,25 +182,26 @@ static void AddAffineInverse()
     TRecordContest<6> Contest("AffineCoefsToInvCoefs", AffineInputs());
     Contest.Ours(
         "AffineCoefsToInvCoefs", ToAffine,
-        [](const nuv::TAffineCoefs& c) {
+        [](const nuv::TAffineCoefs& c)
+        {
             nuv::TAffineCoefs Inverse;
             nuv::AffineCoefsToInvCoefs(c, Inverse);
             return Inverse;
         },
         FromAffine);
-    Contest.Peer("Eigen Affine2d::inverse", ToEigen, [](const Eigen::Affine2d& t) { return t.inverse(); }, FromEigen);
+    Contest.Peer(
+        "Eigen Affine2d::inverse", ToEigen, [](const Eigen::Affine2d& t) { return t.inverse(); }, FromEigen);
 #ifdef NUV_BENCH_OPENCV
     Contest.Peer(
         "OpenCV invertAffineTransform",
         [](const TInput<6>& c) { return cv::Matx23d(c[0], c[1], c[2], c[3], c[4], c[5]); },
-        [](const cv::Matx23d& m) {
+        [](const cv::Matx23d& m)
+        {
             cv::Matx23d Inverse;
             cv::invertAffineTransform(m, Inverse);
             return Inverse;
         },
-        [](const cv::Matx23d& m) {
-            return TInput<6>{m(0, 0), m(0, 1), m(0, 2), m(1, 0), m(1, 1), m(1, 2)};
-        });
+        [](const cv::Matx23d& m) { return TInput<6>{m(0, 0), m(0, 1), m(0, 2), m(1, 0), m(1, 1), m(1, 2)}; });
 #endif
 #ifdef NUV_BENCH_GDAL
     Contest.Peer("GDAL GDALInvGeoTransform", ToGdal, GdalInverse, FromGdal);
@@ -212,7 +214,8 @@ static void AddAffineUntransform()
     TRecordContest<6> Contest("AffineUntransform", AffineInputs());
     Contest.Ours(
         "AffineUntransform", ToAffine,
-        [](const nuv::TAffineCoefs& c) {
+        [](const nuv::TAffineCoefs& c)
+        {
             TInput<2> vdPoint;
             nuv::AffineUntransform(c, X, Y, vdPoint[0], vdPoint[1]);
             return vdPoint;
@@ -224,14 +227,14 @@ static void AddAffineUntransform()
         [](const Eigen::Affine2d& t) -> Eigen::Vector2d { return t.inverse() * Eigen::Vector2d(X, Y); }, Tell);
     Contest.Peer(
         "Eigen partialPivLu", ToEigen,
-        [](const Eigen::Affine2d& t) -> Eigen::Vector2d {
-            return Eigen::Matrix2d(t.linear()).partialPivLu().solve(Eigen::Vector2d(X, Y) - t.translation());
-        },
+        [](const Eigen::Affine2d& t) -> Eigen::Vector2d
+        { return Eigen::Matrix2d(t.linear()).partialPivLu().solve(Eigen::Vector2d(X, Y) - t.translation()); },
         Tell);
 #ifdef NUV_BENCH_GDAL
     Contest.Peer(
         "GDAL GDALInvGeoTransform, GDALApplyGeoTransform", ToGdal,
-        [](const TInput<6>& g) {
+        [](const TInput<6>& g)
+        {
             TInput<6> vdInverse = GdalInverse(g);
             TInput<2> vdPoint;
             GDALApplyGeoTransform(vdInverse.data(), X, Y, &vdPoint[0], &vdPoint[1]);
@@ -249,7 +252,8 @@ static void AddAffineParameters()
     TRecordContest<6> ToCoefs("AffineParamsToCoefs", vInputs);
     ToCoefs.Ours(
         "AffineParamsToCoefs", Same,
-        [](const TInput<6>& p) {
+        [](const TInput<6>& p)
+        {
             nuv::TAffineCoefs Coefs;
             nuv::AffineParamsToCoefs(p[0], p[1], p[2], p[3], p[4], p[5], Coefs);
             return Coefs;
@@ -257,7 +261,8 @@ static void AddAffineParameters()
         FromAffine);
     ToCoefs.Peer(
         "Eigen Rotation2D and shear", Same,
-        [](const TInput<6>& p) {
+        [](const TInput<6>& p)
+        {
             Eigen::Matrix2d Shear;
             Shear << p[0], p[1] * std::tan(p[2]), 0.0, p[1];
             Eigen::Affine2d Transform;
@@ -271,7 +276,8 @@ static void AddAffineParameters()
     TRecordContest<6> ToParam("AffineCoefsToParam", AffineInputs());
     ToParam.Ours(
         "AffineCoefsToParam", ToAffine,
-        [](const nuv::TAffineCoefs& c) {
+        [](const nuv::TAffineCoefs& c)
+        {
             TInput<6> p;
             nuv::AffineCoefsToParam(c, p[0], p[1], p[2], p[3], p[4], p[5]);
             return p;
@@ -279,7 +285,8 @@ static void AddAffineParameters()
         Same);
     ToParam.Peer(
         "Eigen HouseholderQR and atan", ToEigen,
-        [](const Eigen::Affine2d& t) {
+        [](const Eigen::Affine2d& t)
+        {
             const Eigen::HouseholderQR<Eigen::Matrix2d> Qr(t.linear());
             const Eigen::Matrix2d Q = Qr.householderQ();
             const Eigen::Matrix2d& R = Qr.matrixQR();
@@ -295,7 +302,8 @@ static void AddAffineParameters()
         Same);
 }
 
-using TComplexPair = std::array<std::complex<double>, 2>; // factor and translation: X + iY = factor (x + iy) + tx + i ty
+using TComplexPair =
+    std::array<std::complex<double>, 2>; // factor and translation: X + iY = factor (x + iy) + tx + i ty
 
 static TInput<4> FromComplex(const TComplexPair& a_Pair)
 {
@@ -330,7 +338,8 @@ static void AddConformal()
     TRecordContest<4> ToParam("ConformalCoefsToParam", vInputs);
     ToParam.Ours(
         "ConformalCoefsToParam", ToConformal,
-        [](const nuv::TConformalCoefs& c) {
+        [](const nuv::TConformalCoefs& c)
+        {
             TInput<4> p;
             nuv::ConformalCoefsToParam(c, p[0], p[1], p[2], p[3]);
             return p;
@@ -346,7 +355,8 @@ static void AddConformal()
     TRecordContest<4> Inverse("ConformalCoefsToInvCoefs", vInputs);
     Inverse.Ours(
         "ConformalCoefsToInvCoefs", ToConformal,
-        [](const nuv::TConformalCoefs& c) {
+        [](const nuv::TConformalCoefs& c)
+        {
             nuv::TConformalCoefs Inverted;
             nuv::ConformalCoefsToInvCoefs(c, Inverted);
             return Inverted;
@@ -354,14 +364,16 @@ static void AddConformal()
         FromConformal);
     Inverse.Peer(
         "std::complex division", ToComplex,
-        [](const TComplexPair& c) {
+        [](const TComplexPair& c)
+        {
             const std::complex<double> Factor = 1.0 / c[0];
             return TComplexPair{Factor, -Factor * c[1]};
         },
         FromComplex);
     Inverse.Peer(
         "Eigen Affine2d::inverse",
-        [](const TInput<4>& p) {
+        [](const TInput<4>& p)
+        {
             const TInput<4> c = FromComplex(ToComplex(p));
             return ToEigen({c[0], c[1], c[2], -c[1], c[0], c[3]});
         },
@@ -379,13 +391,15 @@ static void AddTwoUnknowns()
     TRecordContest<6> Contest("Roots, two unknowns", vInputs);
     Contest.Ours(
         "Roots", Same,
-        [](const TInput<6>& s) {
+        [](const TInput<6>& s)
+        {
             TInput<2> x;
             nuv::Roots(s[0], s[1], s[2], s[3], s[4], s[5], x[0], x[1]);
             return x;
         },
         Same);
-    const auto Make = [](const TInput<6>& s) {
+    const auto Make = [](const TInput<6>& s)
+    {
         std::pair<Eigen::Matrix2d, Eigen::Vector2d> System;
         System.first << s[0], s[1], s[2], s[3];
         System.second << s[4], s[5];
@@ -401,10 +415,9 @@ static void AddTwoUnknowns()
 #ifdef NUV_BENCH_OPENCV
     Contest.Peer(
         "OpenCV solve",
-        [](const TInput<6>& s) {
-            return std::pair(cv::Matx22d(s[0], s[1], s[2], s[3]), cv::Vec2d(s[4], s[5]));
-        },
-        [](const std::pair<cv::Matx22d, cv::Vec2d>& s) {
+        [](const TInput<6>& s) { return std::pair(cv::Matx22d(s[0], s[1], s[2], s[3]), cv::Vec2d(s[4], s[5])); },
+        [](const std::pair<cv::Matx22d, cv::Vec2d>& s)
+        {
             cv::Vec2d x;
             cv::solve(s.first, s.second, x, cv::DECOMP_LU);
             return x;

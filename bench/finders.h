@@ -66,8 +66,7 @@ struct TGslFinder
 
     explicit TGslFinder(std::size_t a_iDegree)
         : pWork(gsl_poly_complex_workspace_alloc(a_iDegree + 1), gsl_poly_complex_workspace_free)
-    {
-    }
+    {}
 
     void Find(const TValues& a_vdAscending, std::vector<TComplex>& a_vRoots) const
     {
@@ -89,7 +88,8 @@ struct TVigraFinder
     {
         vFound.clear();
         vigra::polynomialRoots(
-            vigra::Polynomial<double>(a_vdAscending.data(), static_cast<unsigned int>(a_vdAscending.size() - 1)), vFound);
+            vigra::Polynomial<double>(a_vdAscending.data(), static_cast<unsigned int>(a_vdAscending.size() - 1)),
+            vFound);
         a_vRoots.assign(vFound.begin(), vFound.end());
     }
 };
@@ -103,8 +103,7 @@ struct TDhseqrFinder
 
     TDhseqrFinder(const TLapack& a_Lapack, std::size_t n)
         : pLapack(&a_Lapack), vdMatrix(n * n), vdReal(n), vdImaginary(n)
-    {
-    }
+    {}
 
     void Find(const TValues& a_vdAscending, std::vector<TComplex>& a_vRoots)
     {

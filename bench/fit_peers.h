@@ -34,14 +34,16 @@ inline TOperations PerPoint(int n, double a_dAdditions, double a_dMultiplication
 
 #ifdef NUV_BENCH_OPENCV
 // An OpenCV function of two lists of points that returns the matrix of the transformation.
-template <class TFit> void AddOpenCv(TContest& a_Contest, const std::string& a_szName, const TPoints& a_Points, TFit a_Fit)
+template <class TFit>
+void AddOpenCv(TContest& a_Contest, const std::string& a_szName, const TPoints& a_Points, TFit a_Fit)
 {
     using TLists = TPointLists<cv::Point2f, cv::Mat>;
     a_Contest.Peer(
         "OpenCV " + a_szName, TOLERANCE_SINGLE,
         TLists(a_Points, [](double x, double y) { return cv::Point2f(float(x), float(y)); }),
         [a_Fit](TLists& a_Lists) { a_Lists.Fit = a_Fit(a_Lists.vSource, a_Lists.vTarget); },
-        [](const TLists& a_Lists) {
+        [](const TLists& a_Lists)
+        {
             THomography h = {0, 0, 0, 0, 0, 0, 0, 0, 1};
             std::copy_n(a_Lists.Fit.ptr<double>(), a_Lists.Fit.total(), h.begin());
             return MapCorners(h);
@@ -57,14 +59,16 @@ void AddDlib(TContest& a_Contest, const std::string& a_szName, double a_dToleran
     using TTransform = decltype(a_Fit(std::vector<dlib::dpoint>(), std::vector<dlib::dpoint>()));
     using TLists = TPointLists<dlib::dpoint, TTransform>;
     a_Contest.Peer(
-        "dlib " + a_szName, a_dTolerance,
-        TLists(a_Points, [](double x, double y) { return dlib::dpoint(x, y); }),
+        "dlib " + a_szName, a_dTolerance, TLists(a_Points, [](double x, double y) { return dlib::dpoint(x, y); }),
         [a_Fit](TLists& a_Lists) { a_Lists.Fit = a_Fit(a_Lists.vSource, a_Lists.vTarget); },
-        [](const TLists& a_Lists) {
-            return MapCorners([&](double x, double y) {
-                const dlib::dpoint Mapped = a_Lists.Fit(dlib::dpoint(x, y));
-                return std::array{Mapped.x(), Mapped.y()};
-            });
+        [](const TLists& a_Lists)
+        {
+            return MapCorners(
+                [&](double x, double y)
+                {
+                    const dlib::dpoint Mapped = a_Lists.Fit(dlib::dpoint(x, y));
+                    return std::array{Mapped.x(), Mapped.y()};
+                });
         });
 }
 #endif

@@ -54,11 +54,11 @@ TLapack::TLapack(std::string a_szName, const char* a_szBlas, const char* a_szLap
     }
     int iMajor = 0, iMinor = 0, iPatch = 0;
     reinterpret_cast<void (*)(int*, int*, int*)>(Find("ilaver_"))(&iMajor, &iMinor, &iPatch);
-    std::string szVersion =
-        "LAPACK " + std::to_string(iMajor) + '.' + std::to_string(iMinor) + '.' + std::to_string(iPatch);
+    std::string szVersion = std::to_string(iMajor) + '.' + std::to_string(iMinor) + '.' + std::to_string(iPatch);
     if (void* const pConfig = dlsym(m_pLapack, "openblas_get_config"))
     {
         szVersion = reinterpret_cast<const char* (*)()>(pConfig)();
+        szVersion.erase(0, szVersion.find(' ') + 1); // the name again
     }
     NameVersion(m_szName, szVersion);
 }
@@ -105,9 +105,9 @@ template <class TCall> int CallWithWork(std::vector<double>& a_vdWork, TCall a_C
 
 int TLapack::Gels(int m, int n, int a_iNrhs, double* a_vdA, double* a_vdB, std::vector<double>& a_vdWork) const
 {
-    return CallWithWork(a_vdWork, [&](double* a_vd, const int* a_piSize, int* a_piInfo) {
-        Call(m_pGels, "N", &m, &n, &a_iNrhs, a_vdA, &m, a_vdB, &m, a_vd, a_piSize, a_piInfo, LENGTH);
-    });
+    return CallWithWork(
+        a_vdWork, [&](double* a_vd, const int* a_piSize, int* a_piInfo)
+        { Call(m_pGels, "N", &m, &n, &a_iNrhs, a_vdA, &m, a_vdB, &m, a_vd, a_piSize, a_piInfo, LENGTH); });
 }
 
 int TLapack::Potrf(char a_cUplo, int n, double* a_vdA) const
@@ -169,10 +169,12 @@ int TLapack::Tfttp(char a_cTransr, char a_cUplo, int n, const double* a_vdRectan
 int TLapack::Hseqr(int n, double* a_vdH, double* a_vdReal, double* a_vdImaginary, std::vector<double>& a_vdWork) const
 {
     double dUnused = 0.0; // the Schur vectors, which are not asked for
-    return CallWithWork(a_vdWork, [&](double* a_vd, const int* a_piSize, int* a_piInfo) {
-        Call(m_pHseqr, "E", "N", &n, &ONE, &n, a_vdH, &n, a_vdReal, a_vdImaginary, &dUnused, &ONE, a_vd, a_piSize,
-             a_piInfo, LENGTH, LENGTH);
-    });
+    return CallWithWork(a_vdWork,
+                        [&](double* a_vd, const int* a_piSize, int* a_piInfo)
+                        {
+                            Call(m_pHseqr, "E", "N", &n, &ONE, &n, a_vdH, &n, a_vdReal, a_vdImaginary, &dUnused, &ONE,
+                                 a_vd, a_piSize, a_piInfo, LENGTH, LENGTH);
+                        });
 }
 
 void TLapack::Spr(char a_cUplo, int n, double a_dAlpha, const double* a_vdX, double* a_vdPacked) const
@@ -187,7 +189,8 @@ void TLapack::Axpy(int n, double a_dAlpha, const double* a_vdX, double* a_vdY) c
 
 const std::vector<TLapack>& Lapacks()
 {
-    static const std::vector<TLapack> All = [] {
+    static const std::vector<TLapack> All = []
+    {
         std::vector<TLapack> Loaded;
         for (TLapack Lapack : {TLapack("LAPACK reference", NUV_BENCH_REFERENCE_BLAS, NUV_BENCH_REFERENCE_LAPACK),
                                TLapack("OpenBLAS", NUV_BENCH_OPENBLAS, NUV_BENCH_OPENBLAS)})

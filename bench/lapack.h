@@ -17,8 +17,14 @@ public:
     // Loads the files, the first for the BLAS, the second for LAPACK; a name of its own keeps their symbols apart.
     TLapack(std::string a_szName, const char* a_szBlas, const char* a_szLapack);
 
-    bool IsLoaded() const { return m_bLoaded; }
-    const std::string& Name() const { return m_szName; }
+    bool IsLoaded() const
+    {
+        return m_bLoaded;
+    }
+    const std::string& Name() const
+    {
+        return m_szName;
+    }
 
     int Gels(int m, int n, int a_iNrhs, double* a_vdA, double* a_vdB, std::vector<double>& a_vdWork) const;
     int Potrf(char a_cUplo, int n, double* a_vdA) const;

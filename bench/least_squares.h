@@ -31,17 +31,18 @@ template <int P, int K> using TSolution = std::array<double, P * K>;
 template <int P, int K> class TEigenSolver
 {
 public:
-    explicit TEigenSolver(int a_iRows) : m_A(a_iRows, P), m_B(a_iRows, K), m_Qr(a_iRows, P) {}
+    explicit TEigenSolver(int a_iRows) : m_A(a_iRows, P), m_B(a_iRows, K), m_Qr(a_iRows, P)
+    {}
 
 protected:
     Eigen::Matrix<double, Eigen::Dynamic, P> m_A;
     Eigen::Matrix<double, Eigen::Dynamic, K> m_B;
-    Eigen::ColPivHouseholderQR<Eigen::Matrix<double, Eigen::Dynamic, P>> m_Qr;
+    Eigen::ColPivHouseholderQR<Eigen::Matrix<double, Eigen::Dynamic, P> > m_Qr;
 
     static TSolution<P, K> Store(const Eigen::Matrix<double, P, K>& a_X)
     {
         TSolution<P, K> vdX;
-        Eigen::Map<Eigen::Matrix<double, P, K>>(vdX.data()) = a_X;
+        Eigen::Map<Eigen::Matrix<double, P, K> >(vdX.data()) = a_X;
         return vdX;
     }
 };
@@ -77,7 +78,10 @@ struct TElements
     double* pFirst;
     std::size_t iRowStep, iColumnStep;
 
-    double& operator()(int i, int j) const { return pFirst[i * iRowStep + j * iColumnStep]; }
+    double& operator()(int i, int j) const
+    {
+        return pFirst[i * iRowStep + j * iColumnStep];
+    }
 };
 
 template <int P, int K> class TDgels
@@ -85,8 +89,7 @@ template <int P, int K> class TDgels
 public:
     TDgels(int a_iRows, const TLapack& a_Lapack)
         : m_Lapack(a_Lapack), m_iRows(a_iRows), m_vdA(m_iRows * P), m_vdB(m_iRows * K)
-    {
-    }
+    {}
 
     template <class TFill> TSolution<P, K> Solve(TFill a_Fill)
     {
@@ -112,8 +115,7 @@ template <int P, int K> class TGslMultifit
 public:
     explicit TGslMultifit(int a_iRows)
         : m_iRows(a_iRows), m_vdA(m_iRows * P), m_vdB(m_iRows * K), m_pWork(gsl_multifit_linear_alloc(m_iRows, P))
-    {
-    }
+    {}
 
     template <class TFill> TSolution<P, K> Solve(TFill a_Fill)
     {
@@ -134,7 +136,10 @@ public:
 private:
     struct TFree
     {
-        void operator()(gsl_multifit_linear_workspace* a_p) const { gsl_multifit_linear_free(a_p); }
+        void operator()(gsl_multifit_linear_workspace* a_p) const
+        {
+            gsl_multifit_linear_free(a_p);
+        }
     };
 
     std::size_t m_iRows;
@@ -147,14 +152,14 @@ private:
 // Calls a_Visit(name, solver) for every solver, a shared pointer.
 template <int P, int K, class TVisit> void ForEachSolver(int a_iRows, TVisit a_Visit)
 {
-    a_Visit("Eigen ColPivHouseholderQR", std::make_shared<TEigenQr<P, K>>(a_iRows));
-    a_Visit("Eigen LDLT of normal equations", std::make_shared<TEigenNormalEquations<P, K>>(a_iRows));
+    a_Visit("Eigen ColPivHouseholderQR", std::make_shared<TEigenQr<P, K> >(a_iRows));
+    a_Visit("Eigen LDLT of normal equations", std::make_shared<TEigenNormalEquations<P, K> >(a_iRows));
 #ifdef NUV_BENCH_GSL
-    a_Visit("GSL gsl_multifit_linear", std::make_shared<TGslMultifit<P, K>>(a_iRows));
+    a_Visit("GSL gsl_multifit_linear", std::make_shared<TGslMultifit<P, K> >(a_iRows));
 #endif
     for (const TLapack& Lapack : Lapacks())
     {
-        a_Visit(Lapack.Name() + " dgels", std::make_shared<TDgels<P, K>>(a_iRows, Lapack));
+        a_Visit(Lapack.Name() + " dgels", std::make_shared<TDgels<P, K> >(a_iRows, Lapack));
     }
 }
 

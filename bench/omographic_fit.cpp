@@ -59,8 +59,7 @@ template <class A, class B> static void FillRefinement(const TPoints& a_Points, 
 }
 
 // Linear solution, then at most four iterations, as the library does them; a_iIterations counts them.
-template <class TSolver>
-static TCoefs Fit(const TPoints& a_Points, TSolver& a_Solver, int& a_iIterations)
+template <class TSolver> static TCoefs Fit(const TPoints& a_Points, TSolver& a_Solver, int& a_iIterations)
 {
     TCoefs vdCoefs = a_Solver.Solve([&](auto&& A, auto&& B) { FillLinear(a_Points, A, B); });
     double dGreatest = 1.0;
@@ -85,7 +84,8 @@ struct TOwnNormalEquations
 {
     std::vector<double> vdA, vdB;
 
-    explicit TOwnNormalEquations(int a_iRows) : vdA(a_iRows * std::size_t(UNKNOWNS)), vdB(a_iRows) {}
+    explicit TOwnNormalEquations(int a_iRows) : vdA(a_iRows * std::size_t(UNKNOWNS)), vdB(a_iRows)
+    {}
 
     template <class TFill> TCoefs Solve(TFill a_Fill)
     {
@@ -120,36 +120,40 @@ static void AddSize(int n)
     TContest Contest("CalcOmographicCoefs", n);
     Contest.Ours(
         "CalcOmographicCoefs", nuv::TOmographicParams(),
-        [pPoints](nuv::TOmographicParams& a_Params) {
+        [pPoints](nuv::TOmographicParams& a_Params)
+        {
             const TPoints& p = *pPoints;
             nuv::CalcOmographicCoefs(p.Size(), p.vdX.data(), p.vdY.data(), p.vdXa.data(), p.vdYa.data(), a_Params);
         },
         [](const nuv::TOmographicParams& p) {
             return MapCorners({p.dA, p.dB, p.dC, p.dD, p.dE, p.dF, p.dG, p.dH, 1.0});
         });
-    ForEachSolver<UNKNOWNS, 1>(2 * n, [&](const std::string& a_szName, auto a_pSolver) {
-        const auto Run = [=](TCoefs& a_Coefs) {
-            int iIterations = 0;
-            a_Coefs = Fit(*pPoints, *a_pSolver, iIterations);
-        };
-        Contest.Peer("Gauss-Newton by " + a_szName, 1e-8, TCoefs(), Run,
-                     [](const TCoefs& a_Coefs) { return MapCorners(a_Coefs); });
-    });
+    ForEachSolver<UNKNOWNS, 1>(2 * n,
+                               [&](const std::string& a_szName, auto a_pSolver)
+                               {
+                                   const auto Run = [=](TCoefs& a_Coefs)
+                                   {
+                                       int iIterations = 0;
+                                       a_Coefs = Fit(*pPoints, *a_pSolver, iIterations);
+                                   };
+                                   Contest.Peer("Gauss-Newton by " + a_szName, 1e-8, TCoefs(), Run,
+                                                [](const TCoefs& a_Coefs) { return MapCorners(a_Coefs); });
+                               });
 #ifdef NUV_BENCH_OPENCV
     if (n == 4)
     {
-        AddOpenCv(Contest, "getPerspectiveTransform", *pPoints, [](const auto& a_Source, const auto& a_Target) {
-            return cv::getPerspectiveTransform(a_Source, a_Target);
-        });
+        AddOpenCv(Contest, "getPerspectiveTransform", *pPoints,
+                  [](const auto& a_Source, const auto& a_Target)
+                  { return cv::getPerspectiveTransform(a_Source, a_Target); });
     }
     AddOpenCv(Contest, "findHomography, method 0", *pPoints,
               [](const auto& a_Source, const auto& a_Target) { return cv::findHomography(a_Source, a_Target, 0); });
 #endif
 #ifdef NUV_BENCH_DLIB
     // Ends its search for the minimum some way before it.
-    AddDlib(
-        Contest, "find_projective_transform", 1e-6, *pPoints,
-        [](const auto& a_Source, const auto& a_Target) { return dlib::find_projective_transform(a_Source, a_Target); });
+    AddDlib(Contest, "find_projective_transform", 1e-6, *pPoints,
+            [](const auto& a_Source, const auto& a_Target)
+            { return dlib::find_projective_transform(a_Source, a_Target); });
 #endif
     TOwnNormalEquations Own(2 * n);
     int iIterations = 0;

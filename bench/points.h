@@ -48,7 +48,10 @@ struct TPoints
 {
     std::vector<double> vdX, vdY, vdXa, vdYa;
 
-    int Size() const { return static_cast<int>(vdX.size()); }
+    int Size() const
+    {
+        return static_cast<int>(vdX.size());
+    }
 };
 
 // Points spread over the source area, mapped, with noise of a quarter unit. All coordinates are multiples of 1/64, so

@@ -42,7 +42,8 @@ template <class TGenerator> struct TDraws
 // Greatest difference that is looked for: of mean and mean square, and how many lie between the bounds.
 static auto TellDistribution(double a_dLow, double a_dHigh)
 {
-    return [=](const auto& a_Draws) {
+    return [=](const auto& a_Draws)
+    {
         double dSum = 0.0, dSquares = 0.0, dBetween = 0.0;
         for (const double d : a_Draws.vdValues)
         {
@@ -57,7 +58,8 @@ static auto TellDistribution(double a_dLow, double a_dHigh)
 // The generator is a function that draws one value.
 template <class TGenerator> static auto DrawAll()
 {
-    return [](TDraws<TGenerator>& a_Draws) {
+    return [](TDraws<TGenerator>& a_Draws)
+    {
         for (double& d : a_Draws.vdValues)
         {
             d = a_Draws.Generator();
@@ -111,10 +113,10 @@ static void AddUniform()
     TContest Contest("Rand", 1, DRAWS);
     const auto Tell = TellDistribution(0.25, 0.75);
     nuv::SetRandomSeed(1);
-    AddOurs(Contest, "Rand", [] { return nuv::Rand(); }, Tell);
-    const auto Peer = [&](const std::string& a_szName, auto a_Generator) {
-        AddPeer(Contest, a_szName, TOLERANCE_UNIFORM, a_Generator, Tell);
-    };
+    AddOurs(
+        Contest, "Rand", [] { return nuv::Rand(); }, Tell);
+    const auto Peer = [&](const std::string& a_szName, auto a_Generator)
+    { AddPeer(Contest, a_szName, TOLERANCE_UNIFORM, a_Generator, Tell); };
     using TUniform = std::uniform_real_distribution<double>;
     Peer("std::mt19937", Engine<std::mt19937, TUniform>());
     Peer("std::mt19937_64", Engine<std::mt19937_64, TUniform>());
@@ -143,20 +145,19 @@ static void AddNormal()
     TContest Contest("Randn", 1, DRAWS);
     const auto Tell = TellDistribution(-1.0, 1.0);
     nuv::SetRandomSeed(1);
-    AddOurs(Contest, "Randn", [] { return nuv::Randn(); }, Tell);
-    const auto Peer = [&](const std::string& a_szName, auto a_Generator) {
-        AddPeer(Contest, a_szName, TOLERANCE_NORMAL, a_Generator, Tell);
-    };
-    Peer("std::normal_distribution, mt19937", Engine<std::mt19937, std::normal_distribution<double>>());
-    Peer("std::normal_distribution, minstd_rand", Engine<std::minstd_rand, std::normal_distribution<double>>());
+    AddOurs(
+        Contest, "Randn", [] { return nuv::Randn(); }, Tell);
+    const auto Peer = [&](const std::string& a_szName, auto a_Generator)
+    { AddPeer(Contest, a_szName, TOLERANCE_NORMAL, a_Generator, Tell); };
+    Peer("std::normal_distribution, mt19937", Engine<std::mt19937, std::normal_distribution<double> >());
+    Peer("std::normal_distribution, minstd_rand", Engine<std::minstd_rand, std::normal_distribution<double> >());
 #ifdef NUV_BENCH_BOOST
     Peer("Boost normal_distribution, mt19937",
-         Engine<boost::random::mt19937, boost::random::normal_distribution<double>>());
+         Engine<boost::random::mt19937, boost::random::normal_distribution<double> >());
 #endif
 #ifdef NUV_BENCH_GSL
-    const auto Draw = [](auto a_Function) {
-        return Gsl(gsl_rng_mt19937, [=](const gsl_rng* a_p) { return a_Function(a_p, 1.0); });
-    };
+    const auto Draw = [](auto a_Function)
+    { return Gsl(gsl_rng_mt19937, [=](const gsl_rng* a_p) { return a_Function(a_p, 1.0); }); };
     Peer("GSL gsl_ran_gaussian", Draw(gsl_ran_gaussian));
     Peer("GSL gsl_ran_gaussian_ziggurat", Draw(gsl_ran_gaussian_ziggurat));
 #endif

@@ -12,6 +12,7 @@ import json
 import pathlib
 import re
 import sys
+import textwrap
 
 TITLES = {"affine_fit": "Affine fit", "conformal_fit": "Conformal fit", "omographic_fit": "Omographic fit",
           "conversions": "Conversions and inverses", "cholesky": "Cholesky and normal equations",
@@ -65,15 +66,15 @@ class Contest:
 
 
 def read(folder):
-    """The contests by family and routine, and the contexts by family."""
+    """The contests by family and routine, the contexts by family, and how many runs each median is of."""
     families, contexts = {}, {}
     for family in TITLES:
         data = json.loads((folder / f"{family}.json").read_text())
         contexts[family] = data["context"]
-        for entry in data["benchmarks"]:
+        for entry in sorted(data["benchmarks"], key=lambda entry: entry["family_index"]):  # they ran in random order
             routine = entry["run_name"].split("|", 1)[0]
             families.setdefault(family, {}).setdefault(routine, Contest()).add(entry)
-    return families, contexts
+    return families, contexts, entry["repetitions"]
 
 
 def table(header, rows):
@@ -87,6 +88,10 @@ def time(seconds):
             return f"{seconds * scale:.3g} {unit}"
 
 
+def factor(value):
+    return f"{value:.2f}" if value < 9.995 else f"{value:.3g}"
+
+
 def cells(sizes, values, show):
     return [show(values[size], size) if size in values else "" for size in sizes]
 
@@ -97,11 +102,11 @@ def ratio_table(header, contest):
     fastest = {size: min([ours[size], contest.best_peer(size)[0]]) for size in sizes}
 
     def ratio(seconds, size):
-        text = f"{seconds / ours[size]:.3g}"
+        text = factor(seconds / ours[size])
         return f"**{text}**" if seconds == fastest[size] else text
 
     rows = [[name] + cells(sizes, values, ratio) for name, values in contest.of_kind("ours", "peer")]
-    rows += [[f"*ours by: {name}*"] + cells(sizes, values, lambda floor, size: f"*{ours[size] / floor:.3g}*")
+    rows += [[f"*ours by: {name}*"] + cells(sizes, values, lambda floor, size: f"*{factor(ours[size] / floor)}*")
              for name, values in contest.of_kind(*FLOORS)]
     return table(header, rows)
 
@@ -138,15 +143,22 @@ def targets(families):
             contest = contests[routine]
             for size in sizes or contest.ours:
                 seconds, name = contest.best_peer(size)
-                rows.append([routine, size, "first", f"{name}: {seconds / contest.ours[size]:.3g}",
+                rows.append([routine, size, "first", f"{name}: {factor(seconds / contest.ours[size])}",
                              "met" if contest.is_first(size) else "**missed**"])
     for routines, sizes, kind, most in BOUNDS:
         for routine in routines:
             for size in sizes:
-                seen = contests[routine].ours[size] / contests[routine].floor(kind)[size]
-                rows.append([routine, size, f"at most {most} times the {kind} floor", f"{seen:.3g}",
-                             "met" if seen <= most else "**missed**"])
+                by = {floor: contests[routine].ours[size] / contests[routine].floor(floor)[size]
+                      for floor in FLOORS if contests[routine].floor(floor)}
+                others = ", ".join(f"{name}: {factor(value)}" for name, value in by.items() if name != kind)
+                rows.append([routine, size, f"at most {most} times the {kind} floor",
+                             factor(by[kind]) + (f" ({others})" if others else ""),
+                             "met" if by[kind] <= most else "**missed**"])
     return rows
+
+
+def fill(text):
+    return textwrap.fill(text, 120, break_long_words=False, break_on_hyphens=False)
 
 
 def versions(contexts):
@@ -154,12 +166,13 @@ def versions(contexts):
     for context in contexts.values():
         found.update({key[len("version of "):]: value for key, value in context.items()
                       if key.startswith("version of ")})
-    return ", ".join(f"{name} {version}" for name, version in sorted(found.items(), key=lambda item: item[0].lower()))
+    named = sorted(found.items(), key=lambda item: item[0].lower())
+    return fill("Versions: " + ", ".join(f"{name} {version}" for name, version in named) + ".")
 
 
 def missing(contexts):
     names = {name for context in contexts.values() for name in context["missing"].split(", ") if name}
-    return ", ".join(sorted(names)) or "nothing"
+    return fill("Left out: " + (", ".join(sorted(names)) or "nothing") + ".")
 
 
 def processor():
@@ -187,7 +200,7 @@ def device(docs):
 
 def main():
     results, docs = (pathlib.Path(name) for name in sys.argv[1:])
-    families, contexts = read(results)
+    families, contexts, repetitions = read(results)
     places = [contest.is_first(size) for contests in families.values() for contest in contests.values()
               for size in contest.ours]
     aims = targets(families)
@@ -197,12 +210,13 @@ def main():
 
 **The library is first in {sum(places)} of {len(places)} contests; {met} of {len(aims)} targets are met.**
 
-Made by `scripts/bench` on {processor()}, all programs on one thread, -O2 for x86-64 as Debian builds its packages:
-medians of five runs in random order. Every figure is that of one call.
+{fill(f"Made by `scripts/bench` on {processor()}, on one thread, with -O2 for x86-64 as Debian builds its packages: "
+      f"medians of {repetitions} runs in random order. Every figure is that of one call. OpenBLAS and the C library "
+      "choose wider instructions than SSE2 at run time.")}
 
-Versions: {versions(contexts)}.
+{versions(contexts)}
 
-Left out: {missing(contexts)}.
+{missing(contexts)}
 
 ## How it is measured
 
@@ -223,7 +237,7 @@ Time of the contestant divided by ours: above 1, ours is faster. Bold is first. 
 
 ## Targets
 
-{table(["Routine", "size", "target", "best peer, or ratio, seen", ""], aims)}
+{table(["Routine", "size", "target", "best peer by ours, or ours by floor", ""], aims)}
 
 ## Device class
 

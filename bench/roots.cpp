@@ -50,7 +50,8 @@ static void AddRoots(int a_iDegree)
     const auto vDescending = MakePolynomials(a_iDegree);
     Contest.Ours(
         "Roots", std::vector<TValues>(POLYNOMIALS),
-        [=](std::vector<TValues>& a_vAll) {
+        [=](std::vector<TValues>& a_vAll)
+        {
             for (int i = 0; i < POLYNOMIALS; ++i)
             {
                 a_vAll[i].resize(a_iDegree);
@@ -58,7 +59,8 @@ static void AddRoots(int a_iDegree)
                 a_vAll[i].resize(iCount);
             }
         },
-        [](std::vector<TValues> a_vAll) {
+        [](std::vector<TValues> a_vAll)
+        {
             TValues vdAll;
             for (TValues& vdRoots : a_vAll)
             {
@@ -69,39 +71,45 @@ static void AddRoots(int a_iDegree)
         });
     std::vector<TValues> vAscending;
     std::transform(vDescending.begin(), vDescending.end(), std::back_inserter(vAscending), Reverse);
-    ForEachFinder(a_iDegree, [&](const std::string& a_szName, auto a_Finder) {
-        using TState = std::pair<decltype(a_Finder), std::vector<std::vector<TComplex>>>;
-        Contest.Peer(
-            a_szName, TOLERANCE, TState(a_Finder, std::vector<std::vector<TComplex>>(POLYNOMIALS)),
-            [vAscending](TState& a_State) {
-                for (int i = 0; i < POLYNOMIALS; ++i)
-                {
-                    a_State.first.Find(vAscending[i], a_State.second[i]);
-                }
-            },
-            [](const TState& a_State) {
-                TValues vdAll;
-                for (const auto& vRoots : a_State.second)
-                {
-                    Append(RealRoots(vRoots), vdAll);
-                }
-                return vdAll;
-            });
-    });
+    ForEachFinder(a_iDegree,
+                  [&](const std::string& a_szName, auto a_Finder)
+                  {
+                      using TState = std::pair<decltype(a_Finder), std::vector<std::vector<TComplex> > >;
+                      Contest.Peer(
+                          a_szName, TOLERANCE, TState(a_Finder, std::vector<std::vector<TComplex> >(POLYNOMIALS)),
+                          [vAscending](TState& a_State)
+                          {
+                              for (int i = 0; i < POLYNOMIALS; ++i)
+                              {
+                                  a_State.first.Find(vAscending[i], a_State.second[i]);
+                              }
+                          },
+                          [](const TState& a_State)
+                          {
+                              TValues vdAll;
+                              for (const auto& vRoots : a_State.second)
+                              {
+                                  Append(RealRoots(vRoots), vdAll);
+                              }
+                              return vdAll;
+                          });
+                  });
 #ifdef NUV_BENCH_GSL
     if (a_iDegree == 2)
     {
         using TState = std::array<std::array<double, 2>, POLYNOMIALS>;
         Contest.Peer(
             "GSL gsl_poly_solve_quadratic", TOLERANCE, TState(),
-            [vDescending](TState& a_vvdRoots) {
+            [vDescending](TState& a_vvdRoots)
+            {
                 for (int i = 0; i < POLYNOMIALS; ++i)
                 {
                     const TValues& c = vDescending[i];
                     gsl_poly_solve_quadratic(c[0], c[1], c[2], &a_vvdRoots[i][0], &a_vvdRoots[i][1]);
                 }
             },
-            [](const TState& a_vvdRoots) {
+            [](const TState& a_vvdRoots)
+            {
                 TValues vdAll;
                 for (const auto& vd : a_vvdRoots) // ascending
                 {

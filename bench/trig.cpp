@@ -28,7 +28,7 @@ struct TAngles
 };
 
 using TAllAngles = std::vector<TAngles>;
-template <int K> using TEquations = std::vector<std::array<double, K>>;
+template <int K> using TEquations = std::vector<std::array<double, K> >;
 
 } // namespace
 
@@ -49,11 +49,11 @@ template <int K> static TEquations<K> MakeEquations()
 static TValues Tell(const TAllAngles& a_vAll)
 {
     TValues vdAll;
-    for (TAngles Angles : a_vAll)
+    for (const TAngles& Angles : a_vAll)
     {
-        std::sort(Angles.vdAngles.begin(), Angles.vdAngles.begin() + Angles.iCount);
         vdAll.push_back(Angles.iCount);
-        vdAll.insert(vdAll.end(), Angles.vdAngles.begin(), Angles.vdAngles.begin() + Angles.iCount);
+        const auto First = vdAll.insert(vdAll.end(), Angles.vdAngles.begin(), Angles.vdAngles.begin() + Angles.iCount);
+        std::sort(First, vdAll.end());
     }
     return vdAll;
 }
@@ -80,14 +80,13 @@ static void AddLinear()
     const auto vEquations = MakeEquations<3>();
     const TAllAngles vNone(EQUATIONS);
     Contest.Ours("SolveLinTrig", vNone,
-                 SolveAll<3>(vEquations,
-                             [](const auto& e, TAngles& a_Angles) {
-                                 a_Angles.iCount = nuv::SolveLinTrig(e[0], e[1], e[2], a_Angles.vdAngles.data());
-                             }),
+                 SolveAll<3>(vEquations, [](const auto& e, TAngles& a_Angles)
+                             { a_Angles.iCount = nuv::SolveLinTrig(e[0], e[1], e[2], a_Angles.vdAngles.data()); }),
                  Tell);
     Contest.Peer("C library: atan2 and acos", TOLERANCE, vNone,
                  SolveAll<3>(vEquations,
-                             [](const auto& e, TAngles& a_Angles) {
+                             [](const auto& e, TAngles& a_Angles)
+                             {
                                  const double dCosine = -e[2] / std::hypot(e[0], e[1]);
                                  if (std::fabs(dCosine) <= 1.0)
                                  {
@@ -100,9 +99,11 @@ static void AddLinear()
 #ifdef NUV_BENCH_GSL
     Contest.Peer("GSL gsl_poly_solve_quadratic and atan", TOLERANCE, vNone,
                  SolveAll<3>(vEquations,
-                             [](const auto& e, TAngles& a_Angles) {
+                             [](const auto& e, TAngles& a_Angles)
+                             {
                                  double u[2];
-                                 const int iRoots = gsl_poly_solve_quadratic(e[2] - e[0], 2 * e[1], e[0] + e[2], u, u + 1);
+                                 const int iRoots =
+                                     gsl_poly_solve_quadratic(e[2] - e[0], 2 * e[1], e[0] + e[2], u, u + 1);
                                  for (int i = 0; i < iRoots; ++i)
                                  {
                                      a_Angles.Add(2.0 * std::atan(u[i]));
@@ -120,33 +121,37 @@ static void AddQuadratic()
     Contest.Ours("SolveQuadTrig", vNone,
                  SolveAll<6>(vEquations,
                              [](const auto& e, TAngles& a_Angles) {
-                                 a_Angles.iCount = nuv::SolveQuadTrig(e[0], e[1], e[2], e[3], e[4], e[5],
-                                                                      a_Angles.vdAngles.data());
+                                 a_Angles.iCount =
+                                     nuv::SolveQuadTrig(e[0], e[1], e[2], e[3], e[4], e[5], a_Angles.vdAngles.data());
                              }),
                  Tell);
-    ForEachFinder(4, [&](const std::string& a_szName, auto a_Finder) {
-        using TState = std::pair<decltype(a_Finder), TAllAngles>;
-        Contest.Peer(
-            a_szName + " and atan", TOLERANCE, TState(a_Finder, vNone),
-            [vEquations](TState& a_State) {
-                TValues vdQuartic(5);
-                std::vector<TComplex> vRoots(4);
-                const auto Solve = [&](const auto& e, TAngles& a_Angles) {
-                    const auto& [a, b, c, d, f, g] = e;
-                    vdQuartic = {a + d + g, 2 * (c + f), 4 * b - 2 * a + 2 * g, 2 * (f - c), a + g - d};
-                    a_State.first.Find(vdQuartic, vRoots);
-                    for (const TComplex& Root : vRoots)
-                    {
-                        if (std::fabs(Root.imag()) < REAL)
-                        {
-                            a_Angles.Add(2.0 * std::atan(Root.real()));
-                        }
-                    }
-                };
-                SolveEach(vEquations, Solve, a_State.second);
-            },
-            [](const TState& a_State) { return Tell(a_State.second); });
-    });
+    ForEachFinder(4,
+                  [&](const std::string& a_szName, auto a_Finder)
+                  {
+                      using TState = std::pair<decltype(a_Finder), TAllAngles>;
+                      Contest.Peer(
+                          a_szName + " and atan", TOLERANCE, TState(a_Finder, vNone),
+                          [vEquations](TState& a_State)
+                          {
+                              TValues vdQuartic(5);
+                              std::vector<TComplex> vRoots(4);
+                              const auto Solve = [&](const auto& e, TAngles& a_Angles)
+                              {
+                                  const auto& [a, b, c, d, f, g] = e;
+                                  vdQuartic = {a + d + g, 2 * (c + f), 4 * b - 2 * a + 2 * g, 2 * (f - c), a + g - d};
+                                  a_State.first.Find(vdQuartic, vRoots);
+                                  for (const TComplex& Root : vRoots)
+                                  {
+                                      if (std::fabs(Root.imag()) < REAL)
+                                      {
+                                          a_Angles.Add(2.0 * std::atan(Root.real()));
+                                      }
+                                  }
+                              };
+                              SolveEach(vEquations, Solve, a_State.second);
+                          },
+                          [](const TState& a_State) { return Tell(a_State.second); });
+                  });
 }
 
 void RegisterFamily()
