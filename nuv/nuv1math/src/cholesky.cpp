@@ -139,10 +139,10 @@ static NUV_INLINE void AddRows(int a_iUnknowns, double* __restrict a_vdMatrix, c
         {
             TVector Row;
             TVector Sum;
-            memcpy(&Row, a_vdRow + j, sizeof Row);
-            memcpy(&Sum, a_vdMatrix + j, sizeof Sum);
+            Load(a_vdRow + j, Row);
+            Load(a_vdMatrix + j, Sum);
             Sum += dFactor * Row;
-            memcpy(a_vdMatrix + j, &Sum, sizeof Sum);
+            Store(Sum, a_vdMatrix + j);
         }
         for (; j <= i; ++j)
         {
@@ -712,14 +712,14 @@ static NUV_INLINE void SubstituteRowsBackward(ptrdiff_t k, const double* a_vdFac
     for (; i <= iCount - LANES; i += LANES)
     {
         TVector Rest;
-        memcpy(&Rest, a_vdVector + i, sizeof Rest);
+        Load(a_vdVector + i, Rest);
         NUV_UNROLL for (int r = 0; r < ROWS; ++r)
         {
             TVector Row;
-            memcpy(&Row, vvdRows[r] + i, sizeof Row);
+            Load(vvdRows[r] + i, Row);
             Rest -= Row * vdSolution[r];
         }
-        memcpy(a_vdVector + i, &Rest, sizeof Rest);
+        Store(Rest, a_vdVector + i);
     }
     for (; i < iCount; ++i)
     {

@@ -167,10 +167,10 @@ template <int FACTORS, int VALUES> static NUV_INLINE void AddProducts(const doub
         {
             TNative Values;
             TNative Sums;
-            memcpy(&Values, a_vdValues + j, sizeof Values);
-            memcpy(&Sums, a_vdSums, sizeof Sums);
+            Load(a_vdValues + j, Values);
+            Load(a_vdSums, Sums);
             Sums = dFactor * Values + Sums;
-            memcpy(a_vdSums, &Sums, sizeof Sums);
+            Store(Sums, a_vdSums);
             a_vdSums += LANES;
         }
         for (; j < VALUES; ++j)

@@ -5,6 +5,8 @@
 #ifndef NUV_VECTORS_H
 #define NUV_VECTORS_H
 
+#include <string.h>
+
 // Before a short loop with a constant count over an array that is to live in registers. Clang needs no telling.
 #if defined(__GNUC__) && !defined(__clang__)
 #define NUV_UNROLL _Pragma("GCC unroll 8")
@@ -41,6 +43,27 @@ typedef TPair TNative;
 #else
 typedef double TNative; // what one operation computes
 #endif
+
+// Vectors from and to arrays, which are not aligned to them. A double is assigned: there memcpy may be a call.
+template <typename TVector> static NUV_INLINE void Load(const double* a_vdFrom, TVector& a_Vector)
+{
+    memcpy(&a_Vector, a_vdFrom, sizeof a_Vector);
+}
+
+static NUV_INLINE void Load(const double* a_vdFrom, double& a_dValue)
+{
+    a_dValue = *a_vdFrom;
+}
+
+template <typename TVector> static NUV_INLINE void Store(const TVector& a_Vector, double* a_vdTo)
+{
+    memcpy(a_vdTo, &a_Vector, sizeof a_Vector);
+}
+
+static NUV_INLINE void Store(const double& a_dValue, double* a_vdTo)
+{
+    *a_vdTo = a_dValue;
+}
 
 } // namespace nuv
 
