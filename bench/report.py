@@ -160,7 +160,7 @@ def targets(families):
 def reasons():
     """Why a routine's targets are missed and what was tried: reasons.md has a paragraph for each, its name first."""
     known = {}
-    for line in (pathlib.Path(__file__).parent / "reasons.md").read_text().splitlines():
+    for line in (pathlib.Path(__file__).parent / "reasons.md").read_text().splitlines()[1:]:
         start = re.match(r"([A-Z]\w+(?:, \w+(?: \w+)?)?): ", line)
         if start:
             routine = start[1]
