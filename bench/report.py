@@ -157,6 +157,25 @@ def targets(families):
     return rows
 
 
+def reasons():
+    """Why a routine's targets are missed and what was tried: reasons.md has a paragraph for each, its name first."""
+    known = {}
+    for line in (pathlib.Path(__file__).parent / "reasons.md").read_text().splitlines()[1:]:
+        start = re.match(r"([A-Z]\w+(?:, \w+(?: \w+)?)?): ", line)
+        if start:
+            routine = start[1]
+            known[routine] = line[start.end():]
+        else:
+            known[routine] += " " + line
+    return known
+
+
+def reasons_for_missed(aims):
+    known = reasons()
+    missed = dict.fromkeys(row[0] for row in aims if row[-1] != "met")
+    return "\n".join(fill(f"- `{routine}`: {known.get(routine, 'Not looked into yet.')}") for routine in missed)
+
+
 def fill(text):
     return textwrap.fill(text, 120, break_long_words=False, break_on_hyphens=False)
 
@@ -239,9 +258,15 @@ Time of the contestant divided by ours: above 1, ours is faster. Bold is first. 
 
 {table(["Routine", "size", "target", "best peer by ours, or ours by floor", ""], aims)}
 
+Why targets are missed, and what was tried; times of single routines beside each other, not of the run above:
+
+{reasons_for_missed(aims)}
+
 ## Device class
 
 {device(docs)}
+
+{fill(reasons()["Device"])}
 
 ## Times
 

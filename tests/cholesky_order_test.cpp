@@ -6,6 +6,7 @@
 #include "testing.h"
 
 #include <algorithm>
+#include <memory>
 #include <random>
 
 namespace {
@@ -229,6 +230,8 @@ TEST_F(CholeskyOrder, NothingBehindTheMatrixIsRead)
             TTriangle Guarded(Random(iN), bPacked);
             TValues vdBare(Guarded.Data(), Guarded.Data() + Guarded.All().size() - 2 * Guards);
             ASSERT_TRUE((bPacked ? nuv::CholeskyLowTri : nuv::Cholesky)(static_cast<int>(iN), vdBare.data()));
+            std::unique_ptr<double[]> vdVector(new double[iN]());
+            (bPacked ? nuv::SolveCholLowTri : nuv::SolveChol)(static_cast<int>(iN), vdBare.data(), vdVector.get());
         }
     }
 }
@@ -278,6 +281,39 @@ TEST_F(CholeskyOrder, SpecialElementsHaveTheBitsOfPlainLoops)
         }
         Check(Sparse);
         ASSERT_FALSE(HasFailure());
+    }
+}
+
+TEST_F(CholeskyOrder, UpdatesOfEverySizeHaveTheBitsOfPlainLoops)
+{
+    for (std::size_t iN = 1; iN <= 70; ++iN)
+    {
+        SCOPED_TRACE(iN);
+        for (int iSpecials = 0; iSpecials < 4; ++iSpecials)
+        {
+            TValues vdRow(iN), vdMatrix(iN * (iN + 1) / 2), vdVector(iN);
+            for (TValues* const pValues : {&vdRow, &vdMatrix, &vdVector})
+            {
+                std::generate(pValues->begin(), pValues->end(), [this] { return m_Element(m_Random); });
+                for (int i = 0; i < iSpecials; ++i)
+                {
+                    (*pValues)[m_Random() % pValues->size()] = Special();
+                }
+            }
+            const double dValue = iSpecials == 3 ? Special() : m_Element(m_Random);
+            TValues vdExpectedMatrix = vdMatrix, vdExpectedVector = vdVector;
+            for (std::size_t i = 0; i < iN; ++i)
+            {
+                for (std::size_t j = 0; j <= i; ++j)
+                {
+                    vdExpectedMatrix[i * (i + 1) / 2 + j] += vdRow[i] * vdRow[j];
+                }
+                vdExpectedVector[i] += vdRow[i] * dValue;
+            }
+            nuv::UpdateNormMatrixLowTri(static_cast<int>(iN), vdMatrix.data(), vdVector.data(), vdRow.data(), dValue);
+            ASSERT_TRUE(SameArrays(vdExpectedMatrix, vdMatrix));
+            ASSERT_TRUE(SameArrays(vdExpectedVector, vdVector));
+        }
     }
 }
 

@@ -126,23 +126,38 @@ static void AddWithoutZeros(int a_iUnknowns, double* a_vdMatrix, double* a_vdVec
     }
 }
 
-// Adds a multiple of a row to a row that does not overlap it; two elements at a time, where that is one operation.
-static void AddRow(double a_dFactor, int a_iCount, const double* __restrict a_vdRow, double* __restrict a_vdSum)
+// Adds the products of a row's elements to the matrix, a vector of them at a time. The row does not overlap it.
+template <typename TVector>
+static NUV_INLINE void AddRows(int a_iUnknowns, double* __restrict a_vdMatrix, const double* __restrict a_vdRow)
 {
-    int j = 0;
-    if (!OPERATIONS_ARE_CALLS)
+    const int LANES = sizeof(TVector) / sizeof(double);
+    for (int i = 0; i < a_iUnknowns; ++i)
     {
-        for (; j < a_iCount - 1; j += 2)
+        const double dFactor = a_vdRow[i];
+        int j = 0;
+        for (; j <= i + 1 - LANES; j += LANES)
         {
-            a_vdSum[j] += a_dFactor * a_vdRow[j];
-            a_vdSum[j + 1] += a_dFactor * a_vdRow[j + 1];
+            TVector Row;
+            TVector Sum;
+            Load(a_vdRow + j, Row);
+            Load(a_vdMatrix + j, Sum);
+            Sum += dFactor * Row;
+            Store(Sum, a_vdMatrix + j);
         }
-    }
-    for (; j < a_iCount; ++j)
-    {
-        a_vdSum[j] += a_dFactor * a_vdRow[j];
+        for (; j <= i; ++j)
+        {
+            a_vdMatrix[j] += dFactor * a_vdRow[j];
+        }
+        a_vdMatrix += i + 1;
     }
 }
+
+#ifdef NUV_WIDE_VECTORS
+NUV_WIDE_VECTORS static void AddRowsByFours(int a_iUnknowns, double* a_vdMatrix, const double* a_vdRow)
+{
+    AddRows<TFour>(a_iUnknowns, a_vdMatrix, a_vdRow);
+}
+#endif
 
 void UpdateNormMatrixLowTri(int a_iUnknowns, double* a_vdMatrix, double* a_vdVector, const double* a_vdRow,
                             double a_dValue)
@@ -154,10 +169,16 @@ void UpdateNormMatrixLowTri(int a_iUnknowns, double* a_vdMatrix, double* a_vdVec
     }
     for (int i = 0; i < a_iUnknowns; ++i)
     {
-        AddRow(a_vdRow[i], i + 1, a_vdRow, a_vdMatrix);
         a_vdVector[i] += a_vdRow[i] * a_dValue;
-        a_vdMatrix += i + 1;
     }
+#ifdef NUV_WIDE_VECTORS
+    if (__builtin_cpu_supports("avx2"))
+    {
+        AddRowsByFours(a_iUnknowns, a_vdMatrix, a_vdRow);
+        return;
+    }
+#endif
+    AddRows<TNative>(a_iUnknowns, a_vdMatrix, a_vdRow);
 }
 
 void UpdateNormMatrixLowTri(int /* a_iUnknowns */, double* a_vdMatrix, double* a_vdVector, int a_iCount,
@@ -591,18 +612,51 @@ static bool Factorise(ptrdiff_t a_iN, const TTriangleRows& a_Rows, double* a_vdM
     return FactorisePlainly(a_iN, a_Rows, a_vdMatrix);
 }
 
+// Rows of a substitution whose sums advance together: each alone would wait for its own last difference.
+static const int ROWS_AT_ONCE = OPERATIONS_ARE_CALLS ? 1 : 8;
+
+// The solutions i to i + ROWS - 1 of L y = u, where those before are known.
+template <int ROWS>
+static void SubstituteRowsForward(ptrdiff_t i, const TTriangleRows& a_Rows, const double* a_vdFactor,
+                                  double* a_vdVector)
+{
+    const double* vvdRows[ROWS];
+    double vdRest[ROWS];
+    NUV_UNROLL for (int r = 0; r < ROWS; ++r)
+    {
+        vvdRows[r] = a_vdFactor + RowStart(a_Rows, i + r);
+        vdRest[r] = a_vdVector[i + r];
+    }
+    for (ptrdiff_t k = 0; k < i; ++k)
+    {
+        const double dSolution = a_vdVector[k];
+        NUV_UNROLL for (int r = 0; r < ROWS; ++r)
+        {
+            vdRest[r] -= vvdRows[r][k] * dSolution;
+        }
+    }
+    NUV_UNROLL for (int r = 0; r < ROWS; ++r)
+    {
+        NUV_UNROLL for (int k = 0; k < r; ++k)
+        {
+            vdRest[r] -= vvdRows[r][i + k] * vdRest[k];
+        }
+        vdRest[r] /= vvdRows[r][i + r];
+        a_vdVector[i + r] = vdRest[r];
+    }
+}
+
 // L y = u in place.
 static void SubstituteForward(ptrdiff_t a_iN, const TTriangleRows& a_Rows, const double* a_vdFactor, double* a_vdVector)
 {
-    for (ptrdiff_t i = 0; i < a_iN; ++i)
+    ptrdiff_t i = 0;
+    for (; a_iN - i >= ROWS_AT_ONCE; i += ROWS_AT_ONCE) // the least int minus that would overflow
     {
-        const double* const vdRow = a_vdFactor + RowStart(a_Rows, i);
-        double dRest = a_vdVector[i];
-        for (ptrdiff_t k = 0; k < i; ++k)
-        {
-            dRest -= vdRow[k] * a_vdVector[k];
-        }
-        a_vdVector[i] = dRest / vdRow[i];
+        SubstituteRowsForward<ROWS_AT_ONCE>(i, a_Rows, a_vdFactor, a_vdVector);
+    }
+    for (; !OPERATIONS_ARE_CALLS && i < a_iN; ++i)
+    {
+        SubstituteRowsForward<1>(i, a_Rows, a_vdFactor, a_vdVector);
     }
 }
 
@@ -635,21 +689,80 @@ bool CholeskyLowTri(int a_iUnknowns, double* a_vdMatrix)
     return Factorise(a_iUnknowns, PACKED_ROWS, a_vdMatrix);
 }
 
-void SolveCholLowTri(int a_iUnknowns, const double* a_vdFactor, double* a_vdVector)
+// The solutions k to k - ROWS + 1 of L^T x = y, packed, and what they take off the sums before them.
+template <typename TVector, int ROWS>
+static NUV_INLINE void SubstituteRowsBackward(ptrdiff_t k, const double* a_vdFactor, double* a_vdVector)
 {
-    const ptrdiff_t iN = a_iUnknowns;
-    SubstituteForward(iN, PACKED_ROWS, a_vdFactor, a_vdVector);
-    for (ptrdiff_t iEnd = iN; iEnd >= 1; --iEnd) // descending: row k serves all the sums before it
+    const ptrdiff_t LANES = sizeof(TVector) / sizeof(double);
+    const double* vvdRows[ROWS];
+    double vdSolution[ROWS];
+    NUV_UNROLL for (int r = 0; r < ROWS; ++r)
     {
-        const ptrdiff_t k = iEnd - 1;
-        const double* const vdRow = a_vdFactor + RowStart(PACKED_ROWS, k);
-        const double dSolution = a_vdVector[k] / vdRow[k];
-        a_vdVector[k] = dSolution;
-        for (ptrdiff_t i = 0; i < k; ++i)
+        vvdRows[r] = a_vdFactor + RowStart(PACKED_ROWS, k - r);
+        double dRest = a_vdVector[k - r];
+        NUV_UNROLL for (int q = 0; q < r; ++q)
         {
-            a_vdVector[i] -= vdRow[i] * dSolution;
+            dRest -= vvdRows[q][k - r] * vdSolution[q];
+        }
+        vdSolution[r] = dRest / vvdRows[r][k - r];
+        a_vdVector[k - r] = vdSolution[r];
+    }
+    const ptrdiff_t iCount = k + 1 - ROWS;
+    ptrdiff_t i = 0;
+    for (; i <= iCount - LANES; i += LANES)
+    {
+        TVector Rest;
+        Load(a_vdVector + i, Rest);
+        NUV_UNROLL for (int r = 0; r < ROWS; ++r)
+        {
+            TVector Row;
+            Load(vvdRows[r] + i, Row);
+            Rest -= Row * vdSolution[r];
+        }
+        Store(Rest, a_vdVector + i);
+    }
+    for (; i < iCount; ++i)
+    {
+        NUV_UNROLL for (int r = 0; r < ROWS; ++r)
+        {
+            a_vdVector[i] -= vvdRows[r][i] * vdSolution[r];
         }
     }
+}
+
+// L^T x = y in place, packed; descending: row k serves all the sums before it.
+template <typename TVector>
+static NUV_INLINE void SubstituteBackward(ptrdiff_t a_iN, const double* a_vdFactor, double* a_vdVector)
+{
+    ptrdiff_t iEnd = a_iN;
+    for (; iEnd >= ROWS_AT_ONCE; iEnd -= ROWS_AT_ONCE)
+    {
+        SubstituteRowsBackward<TVector, ROWS_AT_ONCE>(iEnd - 1, a_vdFactor, a_vdVector);
+    }
+    for (; !OPERATIONS_ARE_CALLS && iEnd >= 1; --iEnd)
+    {
+        SubstituteRowsBackward<TVector, 1>(iEnd - 1, a_vdFactor, a_vdVector);
+    }
+}
+
+#ifdef NUV_WIDE_VECTORS
+NUV_WIDE_VECTORS static void SubstituteBackwardByFours(ptrdiff_t a_iN, const double* a_vdFactor, double* a_vdVector)
+{
+    SubstituteBackward<TFour>(a_iN, a_vdFactor, a_vdVector);
+}
+#endif
+
+void SolveCholLowTri(int a_iUnknowns, const double* a_vdFactor, double* a_vdVector)
+{
+    SubstituteForward(a_iUnknowns, PACKED_ROWS, a_vdFactor, a_vdVector);
+#ifdef NUV_WIDE_VECTORS
+    if (__builtin_cpu_supports("avx2"))
+    {
+        SubstituteBackwardByFours(a_iUnknowns, a_vdFactor, a_vdVector);
+        return;
+    }
+#endif
+    SubstituteBackward<TNative>(a_iUnknowns, a_vdFactor, a_vdVector);
 }
 
 } // namespace nuv

@@ -4,6 +4,7 @@
 
 #include "functionsimp.h"
 #include "nuv1math.h"
+#include "vectors.h"
 
 #include <math.h>
 #include <stddef.h>
@@ -153,13 +154,26 @@ static void FormRows(const TControlPoints& a_Points, int i, const double* a_vdCo
     }
 }
 
-// Adds the products of the first a_iFactors values with themselves and with all that follow them, each onto its sum.
-static void AddProducts(int a_iFactors, int a_iValues, const double* a_vdValues, double* a_vdSums)
+// Adds the products of the first FACTORS values with themselves and with all that follow them, each onto its sum, a
+// vector of them at a time.
+template <int FACTORS, int VALUES> static NUV_INLINE void AddProducts(const double* a_vdValues, double* a_vdSums)
 {
-    for (int i = 0; i < a_iFactors; ++i)
+    const int LANES = sizeof(TNative) / sizeof(double);
+    for (int i = 0; i < FACTORS; ++i)
     {
         const double dFactor = a_vdValues[i];
-        for (int j = i; j < a_iValues; ++j)
+        int j = i;
+        for (; j <= VALUES - LANES; j += LANES)
+        {
+            TNative Values;
+            TNative Sums;
+            Load(a_vdValues + j, Values);
+            Load(a_vdSums, Sums);
+            Sums = dFactor * Values + Sums;
+            Store(Sums, a_vdSums);
+            a_vdSums += LANES;
+        }
+        for (; j < VALUES; ++j)
         {
             *a_vdSums = dFactor * a_vdValues[j] + *a_vdSums;
             ++a_vdSums;
@@ -234,10 +248,10 @@ static void FormEquations(const TControlPoints& a_Points, const double* a_vdCoef
     {
         double vdRow[ROW_LENGTH];
         FormRows(a_Points, i, a_vdCoefs, vdRow);
-        AddProducts(SHARED_ROWS, ROW_LENGTH, vdRow, vdSums);
+        AddProducts<SHARED_ROWS, ROW_LENGTH>(vdRow, vdSums);
         for (int iOwn = ROW_X; iOwn <= ROW_Y; iOwn += ROW_Y - ROW_X) // X before Y
         {
-            AddProducts(2, 3, vdRow + iOwn, vdSums + SHARED_SUMS);
+            AddProducts<2, 3>(vdRow + iOwn, vdSums + SHARED_SUMS);
         }
     }
     SpreadSums(vdSums, a_System);
