@@ -1,10 +1,10 @@
 #!/usr/bin/env python3
 # planted.py: plants each bug of planted.txt in a copy of its source and lets the fuzz target hunt it.
 # SPDX-License-Identifier: MIT
-"""usage: planted.py [-s SECONDS] [-b BUILD] [TEXT ...]
+"""usage: planted.py [-s SECONDS] [-b BUILD] [-c] [TEXT ...]
 
 Needs a build of the preset fuzz. Hunts for the bugs whose line contains one of the texts, or for all. Every one must
-be found within the seconds (60), beginning with the kept corpus.
+be found within the seconds (60), beginning with the kept corpus. -c only checks that every text is in its source once.
 """
 
 import argparse
@@ -44,11 +44,12 @@ def compile_to(scratch, file, words):
     return str(output)
 
 
+def source_text(source):
+    return next(d / source for d in DIRECTORIES if (d / source).exists()).read_text()
+
+
 def hunt(build, seconds, target, source, old, new, scratch):
-    path = next(d / source for d in DIRECTORIES if (d / source).exists())
-    text = path.read_text()
-    if text.count(old) != 1:
-        return "STALE: its text is there %d times" % text.count(old)
+    text = source_text(source)
     planted = scratch / source
     planted.write_text(text.replace(old, new))
     objects = []
@@ -81,16 +82,26 @@ def main():
     parser = argparse.ArgumentParser(description=__doc__.splitlines()[0])
     parser.add_argument("-s", "--seconds", type=int, default=60)
     parser.add_argument("-b", "--build", type=pathlib.Path, default=ROOT / "build/fuzz")
+    parser.add_argument("-c", "--check", action="store_true")
     parser.add_argument("texts", nargs="*")
     args = parser.parse_args()
     missed = 0
     tried = 0
     for target, source, old, new, finder in bugs(args.texts):
-        with tempfile.TemporaryDirectory() as scratch:
-            outcome = hunt(args.build, args.seconds, target, source, old, new, pathlib.Path(scratch))
+        count = source_text(source).count(old)
+        if count != 1:
+            outcome = f"STALE: its text is there {count} times: {old}"
+        elif args.check:
+            outcome = "found once"
+        else:
+            with tempfile.TemporaryDirectory() as scratch:
+                outcome = hunt(args.build, args.seconds, target, source, old, new, pathlib.Path(scratch))
         tried += 1
         missed += not outcome.startswith("found")
         print(f"{target}: {finder}: {outcome}", flush=True)
+    if args.check:
+        print(f"{tried} checked, {missed} stale")
+        return 1 if missed or not tried else 0
     print(f"{tried} planted, {tried - missed} found, {missed} missed")
     return 1 if missed or not tried else 0
 

@@ -10,7 +10,7 @@ namespace {
 using namespace nuv_fuzz;
 
 // The QR iteration is backward stable: its eigenvalues are those of a matrix within some n^2 Eps of the norm, for the
-// sweeps are at most 30 n and each moves by some n Eps. In practice less than n Eps was seen.
+// sweeps are at most 30 n and each moves by some n Eps.
 TLong BackwardError(std::size_t n, TLong a_dNorm)
 {
     return 64 * static_cast<TLong>(n * n) * Eps * a_dNorm;

@@ -560,6 +560,24 @@ TControlPoints Square(double a_dCentreX, double a_dCentreY)
             {}};
 }
 
+// The squares of x add up to 1 - 2^-53, whose reciprocal rounds to 1 + 2^-52: beside 1, and not left out as 1 is.
+TEST(CalcAffineCoefs, APivotBesideOneDividesItsRow)
+{
+    const double dX = 0.5 - 0x1p-54;
+    const double vdX[] = {dX, -dX, 0.5, -0.5};
+    const double vdY[] = {1.0, 1.0, -1.0, -1.0};
+    const double vdXa[] = {2.0 * dX, -2.0 * dX, 1.0, -1.0};
+    const double vdYa[] = {3.0, 3.0, -3.0, -3.0};
+    nuv::TAffineCoefs Coefs = {};
+    ASSERT_EQ(1, nuv::CalcAffineCoefs(4, vdX, vdY, vdXa, vdYa, Coefs));
+    EXPECT_EQ(2.0, Coefs.dA);
+    EXPECT_EQ(0.0, Coefs.dB);
+    EXPECT_EQ(0.0, Coefs.dC);
+    EXPECT_EQ(0.0, Coefs.dD);
+    EXPECT_EQ(3.0, Coefs.dE);
+    EXPECT_EQ(0.0, Coefs.dF);
+}
+
 // The means are thirds: some roundings of numbers up to 23 by half a unit of 3.6e-15 each.
 TEST(CalcAffineCoefs, ThreePointsOfAnExactImageGiveItBackUpToRounding)
 {

@@ -106,6 +106,15 @@ TEST(SolveUpperTri, ReadsTheUpperTriangleOnlyAndStepsByItsStrides)
     ExpectSameValues({4.0, Untouched, Untouched, 1.0, Untouched, Untouched, 2.0, Untouched, Untouched}, vdX);
 }
 
+// The neighbours of 1 are not 1: a quotient of equal values is.
+TEST(SolveUpperTri, DividesByADiagonalBesideOne)
+{
+    for (double dDiagonal : {1.0 + 0x1p-52, 1.0 - 0x1p-53})
+    {
+        ExpectSubstitution({dDiagonal}, {dDiagonal}, {1.0});
+    }
+}
+
 TEST(SolveUpperTri, SetsTheUnknownOfAZeroDiagonalToZeroWithinTheTolerance)
 {
     for (double dRest : {0.0, -0.0, Subnormal, -Subnormal, BelowTolerance, -BelowTolerance, Tolerance, -Tolerance})

@@ -177,6 +177,21 @@ TEST(SolveQuadTrig, ADiscriminantThatUnderflowsGivesMinusZero)
     ExpectCases({{{1e-200, 1e-200, 0.0, 0.0, 0.0, 0.0}, 2, {-0.0, Pi}}});
 }
 
+// 2^-537 w^2 - 3 2^-539 = 0: the product rounds to -2^-1074, so the discriminant is 2^-1072 and its root 2^-536, where
+// sqrt(3)/2 times that would be exact. The negative root, formed first, is then -2^-536/2^-536, and the other
+// 3 2^-538/2^-536. A middle coefficient of either zero counts as not negative.
+TEST(SolveQuadTrig, WithoutAMiddleTermTheNegativeTangentIsFormedFirst)
+{
+    const double dUp = Atan(0.75);
+    const double dDown = Atan(-1.0);
+    for (double dZero : {0.0, -0.0})
+    {
+        ExpectCases({{{std::ldexp(-3.0, -539), std::ldexp(1.0, -537), dZero, 0.0, 0.0, 0.0},
+                      4,
+                      {dUp, (dDown + TwoPi) - Pi, dUp + Pi, dDown + TwoPi}}});
+    }
+}
+
 // The opposite of a negative angle is formed from the angle one turn on, not from the angle itself.
 TEST(SolveQuadTrig, OppositeOfANegativeTangentIsFormedFromTheGreaterAngle)
 {

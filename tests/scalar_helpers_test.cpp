@@ -35,6 +35,28 @@ void ExpectMeans(const std::vector<TMeanCase>& a_Cases)
     }
 }
 
+// The looks at the bits beside the comparisons that they stand for.
+TEST(Bits, TellWhatComparisonsTell)
+{
+    const double dEpsilon = std::numeric_limits<double>::epsilon();
+    std::vector<double> vdValues = {NaN};
+    for (double dMagnitude : {0.0, Subnormal, 0x1p-1042, 0x1p-1022, 0.5, 1.0 - dEpsilon / 2.0, 1.0, 1.0 + dEpsilon,
+                              1.0 + 0x1p-20, 2.0, Largest, Inf})
+    {
+        vdValues.push_back(dMagnitude);
+        vdValues.push_back(-dMagnitude);
+    }
+    for (double dValue : vdValues)
+    {
+        SCOPED_TRACE(HexText(dValue));
+        EXPECT_EQ(dValue == 0.0, nuv::IsZero(dValue));
+        EXPECT_EQ(dValue == 0.0 && std::signbit(dValue), nuv::IsNegativeZero(dValue));
+        EXPECT_EQ(dValue == 1.0, nuv::IsOne(dValue));
+        EXPECT_EQ(dValue < 0.0, nuv::IsBelowZero(dValue));
+        EXPECT_EQ(std::isfinite(dValue), nuv::IsFinite(dValue));
+    }
+}
+
 TEST(CalcMean, OfNoValuesIsZeroAndReadsNothing)
 {
     double dMean = Untouched;

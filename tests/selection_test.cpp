@@ -398,6 +398,54 @@ TEST(CalcCoefs, OneInfiniteCoefficientIsEnoughToRejectTheOmographicKind)
     ExpectChosen(METHOD_AFFINE, Affine(Points), Choose(Points, METHOD_OMOGRAPHIC));
 }
 
+// Coefficients beside the greatest double that a correction takes over it, the first one staying finite.
+TEST(CalcCoefs, EachCoefficientThatOverflowsByItsCorrectionIsEnough)
+{
+    struct TCase
+    {
+        int iInfinite;
+        double dTarget;
+        TControlPoints Points; // source in units of 2^-500, target in units of dTarget
+    };
+    const TCase Cases[] = {{1,
+                            0x1p521,
+                            {{4.0, -4.0, -1.0, 3.0, -3.0},
+                             {-4.0, -2.0, 0.0, -1.0, 2.0},
+                             {-3.0, -32.0, -6.0, 6.5, -4.5},
+                             {-3.0, -26.0, -5.0, 5.0, -3.0}}},
+                           {3,
+                            0x1p522,
+                            {{-1.0, -4.0, 3.0, -2.0, -1.0},
+                             {2.0, 2.0, 4.0, 2.0, 4.0},
+                             {-1.5, -2.0, -2.5, -2.0, -3.0},
+                             {-1.5, 10.0, -14.0, 2.0, -5.5}}},
+                           {4,
+                            0x1p523,
+                            {{2.0, 2.0, 1.0, -1.0, 4.0},
+                             {-2.0, -3.0, 1.0, -3.0, 2.0},
+                             {2.5, 3.0, 0.0, 1.5, 2.0},
+                             {7.5, 8.5, 0.0, 4.0, 5.5}}}};
+    for (const TCase& Case : Cases)
+    {
+        TControlPoints Points = Case.Points;
+        for (int i = 0; i < Points.Count(); ++i)
+        {
+            Points.vdX[i] *= 0x1p-500;
+            Points.vdY[i] *= 0x1p-500;
+            Points.vdXa[i] *= Case.dTarget;
+            Points.vdYa[i] *= Case.dTarget;
+        }
+        const TOmographicParams k = Omographic(Points);
+        const double vdCoefs[] = {k.dA, k.dB, k.dC, k.dD, k.dE, k.dF, k.dG, k.dH};
+        for (int i = 0; i < 8; ++i)
+        {
+            ASSERT_EQ(i == Case.iInfinite, std::isinf(vdCoefs[i])) << "coefficient " << i << " of " << Case.iInfinite;
+            ASSERT_FALSE(std::isnan(vdCoefs[i]));
+        }
+        ExpectChosen(METHOD_AFFINE, Affine(Points), Choose(Points, METHOD_OMOGRAPHIC));
+    }
+}
+
 TEST(CalcCoefs, AnIndeterminateOmographicFitLeadsToTheAffineKindWhoseRecordReplacesTheLeftOvers)
 {
     // Three points, one of them twice: no eight coefficients, but six.
