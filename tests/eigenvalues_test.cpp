@@ -434,6 +434,12 @@ TEST(HessenbergEigenvalues, BetweenZeroNeighboursTheNormDecidesWhatIsNegligible)
     ExpectSameEigenvalues({1, {1e-30, -1e-30}, {0.0, 0.0}}, SolveHessenberg(Small));
 }
 
+// 2^-53 is half a unit of the norm 1, a tie that goes to the even 1; 1 - 2^-53 would be a double.
+TEST(HessenbergEigenvalues, TheNormIsAddedToNotSubtractedFrom)
+{
+    ExpectEigenvaluesOfHessenberg({{0.0, 1.0}, {0x1p-53, 0.0}}, {1, {0.0, 0.0}, {0.0, 0.0}});
+}
+
 TEST(HessenbergEigenvalues, BlocksAreSolvedAtTheirOwnPositions)
 {
     ExpectEigenvaluesOfHessenberg(

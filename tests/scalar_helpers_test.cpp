@@ -7,6 +7,8 @@
 #include "nuv1math.h"
 #include "testing.h"
 
+#include <cstdlib>
+
 namespace {
 
 using namespace nuv_tests;
@@ -55,6 +57,18 @@ TEST(Bits, TellWhatComparisonsTell)
         EXPECT_EQ(dValue < 0.0, nuv::IsBelowZero(dValue));
         EXPECT_EQ(std::isfinite(dValue), nuv::IsFinite(dValue));
     }
+}
+
+// Sizes that wrap around to 0 or little must not be asked of the allocator.
+TEST(AllocateArray, RefusesWhatSizesCannotCount)
+{
+    const std::size_t iMost = std::numeric_limits<std::size_t>::max() / sizeof(double); // whose size still fits
+    EXPECT_EQ(nullptr, nuv::AllocateDoubles(1, iMost + 1));
+    EXPECT_EQ(nullptr, nuv::AllocateDoubles(iMost + 1, 1));
+    EXPECT_EQ(nullptr, nuv::AllocateDoubles(2, iMost / 2 + 1));
+    EXPECT_EQ(nullptr, nuv::AllocateDoubles(iMost / 2 + 1, 2));
+    double* const vdNothing = nuv::AllocateDoubles(0, 5); // null or not, as malloc likes
+    std::free(vdNothing);
 }
 
 TEST(CalcMean, OfNoValuesIsZeroAndReadsNothing)
