@@ -28,7 +28,8 @@
 
 // Vectors of four, where the processor that the program runs on has them. Not on Windows: its 64-bit calling
 // convention aligns the stack to two doubles, and GCC relies on more for them (its bug 54412).
-#if defined(__x86_64__) && !defined(_WIN32)
+// The tests leave them out to see the pairs.
+#if defined(__x86_64__) && !defined(_WIN32) && !defined(NUV_PAIRS_ONLY)
 #define NUV_WIDE_VECTORS __attribute__((target("avx2")))
 #endif
 
