@@ -51,19 +51,6 @@ enum
     EXCEPTIONAL_ITERATION_2 = 20
 };
 
-// a_dValue == 0.0. Without floating-point hardware a comparison is a call, and a look at the bits is none.
-static inline bool IsExactZero(double a_dValue)
-{
-#ifdef NUV_VECTORS
-    return a_dValue == 0.0;
-#else
-    const double dMagnitude = fabs(a_dValue);
-    unsigned int viBits[2];
-    memcpy(viBits, &dMagnitude, sizeof viBits);
-    return (viBits[0] | viBits[1]) == 0;
-#endif
-}
-
 // The table of column addresses; null where it cannot be had. Released by free.
 static double** AllocateColumns(int a_iN, double* a_vdMatrix, int a_iStride)
 {
@@ -105,7 +92,7 @@ static bool BalanceRowAndColumn(double* const* A, int a_iN, int i)
     double dColumn;
     double dRow;
     CalcOffDiagonalNorms(A, a_iN, i, dColumn, dRow);
-    if (IsExactZero(dColumn) || IsExactZero(dRow) || dColumn > DBL_MAX) // an infinite norm would be halved for ever
+    if (IsZero(dColumn) || IsZero(dRow) || dColumn > DBL_MAX) // an infinite norm would be halved for ever
     {
         return false;
     }
@@ -197,7 +184,7 @@ static void EliminateHessenbergColumn(double* const* A, int a_iN, int m, double 
     for (int i = m + 1; i <= a_iN; ++i)
     {
         double dFactor = At(A, i, m - 1);
-        if (IsExactZero(dFactor))
+        if (IsZero(dFactor))
         {
             continue;
         }
@@ -228,7 +215,7 @@ void ReduceToHessenberg(int a_iN, double* a_vdMatrix, int a_iStride)
     for (int m = 2; m < a_iN; ++m)
     {
         const double dPivot = PivotHessenbergColumn(A, a_iN, m);
-        if (!IsExactZero(dPivot))
+        if (!IsZero(dPivot))
         {
             EliminateHessenbergColumn(A, a_iN, m, dPivot);
         }
@@ -278,7 +265,7 @@ static int FindNegligibleSubdiagonal(double* const* A, int nn, double a_dNorm)
     for (int l = nn; l >= 2; --l)
     {
         double dNeighbours = fabs(At(A, l - 1, l - 1)) + fabs(At(A, l, l));
-        if (IsExactZero(dNeighbours))
+        if (IsZero(dNeighbours))
         {
             dNeighbours = a_dNorm;
         }
@@ -301,7 +288,7 @@ static void StorePair(const TShift& a_Block, double a_dShifted, int nn, double* 
     {
         dZ = dP >= 0.0 ? dP + dZ : dP - dZ; // the sign that does not cancel
         a_vdReal[nn - 2] = a_vdReal[nn - 1] = dX + dZ;
-        if (!IsExactZero(dZ))
+        if (!IsZero(dZ))
         {
             a_vdReal[nn - 1] = dX - a_Block.dW / dZ;
         }
@@ -454,7 +441,7 @@ static void SweepStep(double* const* A, int k, int m, int l, int nn, TReflectedV
         a_V.dQ = At(A, k + 1, k - 1);
         a_V.dR = k != nn - 1 ? At(A, k + 2, k - 1) : 0.0;
         dX = fabs(a_V.dP) + fabs(a_V.dQ) + fabs(a_V.dR);
-        if (!IsExactZero(dX))
+        if (!IsZero(dX))
         {
             const double dScale = 1.0 / dX;
             a_V.dP *= dScale;
@@ -464,7 +451,7 @@ static void SweepStep(double* const* A, int k, int m, int l, int nn, TReflectedV
     }
     const double dLength = sqrt(a_V.dP * a_V.dP + a_V.dQ * a_V.dQ + a_V.dR * a_V.dR);
     const double dS = a_V.dP < 0.0 ? -dLength : dLength; // by value: -0.0 is not negative
-    if (IsExactZero(dS))
+    if (IsZero(dS))
     {
         return;
     }
@@ -640,11 +627,11 @@ static bool WriteNonZeroRoots(size_t a_iDegree, const double* a_vdA, double a_dT
 int Roots(unsigned int iDegree, const double* vdA, double* a_vdRoots, double a_dTolerance)
 {
     unsigned int iFirst = 0;
-    while (iFirst < iDegree && IsExactZero(vdA[iFirst]))
+    while (iFirst < iDegree && IsZero(vdA[iFirst]))
     {
         ++iFirst;
     }
-    if (IsExactZero(vdA[iFirst]))
+    if (IsZero(vdA[iFirst]))
     {
         return RET_INDETERMINATE;
     }
@@ -657,7 +644,7 @@ int Roots(unsigned int iDegree, const double* vdA, double* a_vdRoots, double a_d
         return RET_IMPOSSIBLE;
     }
     unsigned int iLast = iDegree;
-    while (IsExactZero(vdA[iLast]))
+    while (IsZero(vdA[iLast]))
     {
         --iLast;
     }

@@ -45,9 +45,13 @@ inline TDoubleBits BitsOf(double a_dValue)
     return Bits;
 }
 
-// a_dValue == 0.0: zero of either sign.
+// a_dValue == 0.0: zero of either sign. A comparison is the shorter one where it is no call.
 inline bool IsZero(double a_dValue)
 {
+    if (!OPERATIONS_ARE_CALLS)
+    {
+        return a_dValue == 0.0;
+    }
     const TDoubleBits Bits = BitsOf(a_dValue);
     return (Bits.iHigh << 1 | Bits.iLow) == 0;
 }
