@@ -1,8 +1,9 @@
 # platforms.sh: sourced by scripts/test; builds and tests the platforms and sums up what they did.
 # SPDX-License-Identifier: MIT
 
-platforms=(linux-gcc linux-gcc-cxx20 linux-clang linux-clang-cxx20 linux-sanitize linux-thread linux-armel linux-arm64
-           windows-x64 windows-x86 wince-armv4)
+native_platforms=(default linux-sanitize)
+platforms=(linux-gcc linux-gcc-cxx20 linux-clang linux-clang-cxx20 linux-thread linux-armel linux-arm64 windows-x64
+           windows-x86 wince-armv4)
 platform_packages=(googletest qemu-user g++-arm-linux-gnueabi g++-aarch64-linux-gnu g++-mingw-w64-x86-64-posix
                    g++-mingw-w64-i686-posix wine wine64 xvfb xauth
                    libc6-dev-armel-cross llvm-14)
@@ -31,10 +32,10 @@ summary() {
         "$((${tests:-0} - ${skipped:-0}))" "${failed:--}" "${skipped:--}" "$2" "$digest" "$ulps"
 }
 
-# Runs every platform, also after one that failed; fails if one did.
-run_all_platforms() {
+# run_platforms NAME...: runs each, also after one that failed; fails if one did.
+run_platforms() {
     local platform start result failed=0 lines=()
-    for platform in "${platforms[@]}"; do
+    for platform in "$@"; do
         rm -f "build/$platform/tests.xml" "build/$platform/digest.txt" "build/$platform/ulps.txt"
         start=$SECONDS result=passed
         run_platform "$platform" || { result=FAILED failed=1; }
