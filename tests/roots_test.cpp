@@ -325,7 +325,10 @@ std::vector<std::size_t> MakeDegrees(std::size_t a_iLeast)
     {
         viDegrees.push_back(iDegree);
     }
-    viDegrees.push_back(199);
+    if (!Emulated)
+    {
+        viDegrees.push_back(199);
+    }
     viDegrees.push_back(200);
     return viDegrees;
 }

@@ -163,6 +163,7 @@ class Build:
             keep = [word for word in words[first:words.index("-o")] if word != "-g"] + ["-w"]
             self.compile[output] = (pathlib.Path(entry["file"]), keep)
         self.limits = {}
+        self.unlinked = set()
 
     def objects_of(self, target):
         return {output: how for output, how in self.compile.items() if f"/{target}.dir/" in output}
@@ -284,6 +285,9 @@ def limits_of(build, originals):
                     mutation.compile(name, path.read_text(), targets_of(name) + CALLS)
                     start = time.monotonic()
                     failed = mutation.fails(*stage, 600)
+                    if failed == "link":  # the program has the source's functions itself
+                        build.unlinked.add((name, stage))
+                        continue
                     if failed:
                         raise SystemExit(f"the original does not pass {stage}: {failed}")
                     build.limits[stage] = max(5.0, 10 * (time.monotonic() - start))
@@ -311,7 +315,7 @@ def judge(build, original, mutant):
                     if contents == original[0]:
                         return "equivalent", "the same object"
                     continue
-            elif contents == original[0]:
+            elif contents == original[0] or (mutant.source, stage) in build.unlinked:
                 continue
             why = mutation.fails(*stage, build.limits[stage])
             if why:
