@@ -1,12 +1,13 @@
 #!/usr/bin/env python3
 """mutate.py: changes the library's sources one place at a time and lets the tests notice.
 
-usage: mutate.py [-n SAMPLE] [-j JOBS] [-b BUILD] [-s SEED] [-l] [SOURCE ...]
+usage: mutate.py [-n SAMPLE] [-j JOBS] [-b BUILD] [-s SEED] [-l] [-a] [SOURCE ...]
 
 Every mutant is one changed line. It is compiled as the build compiles it; one whose object is the same as the
 original's is equivalent and not run. The others are killed when a test program fails, crashes or takes too long. A
 survivor counts as reviewed if tests/mutation_survivors.txt names it. Needs a build of the preset default with its test
-programs. -n takes a random sample of each source, -l only lists the mutants.
+programs. -n takes a random sample of each source, -l only lists the mutants. -a takes those survivors whose reason is
+that the address sanitizer reports them, and a build of the preset debug: there they must be killed.
 
 Copyright (c) 2026 the nuv1math authors
 SPDX-License-Identifier: MIT
@@ -162,6 +163,7 @@ class Build:
             first = next(i for i, word in enumerate(words) if re.search(r"(c\+\+|g\+\+)(-\d+)?$", word))
             keep = [word for word in words[first:words.index("-o")] if word != "-g"] + ["-w"]
             self.compile[output] = (pathlib.Path(entry["file"]), keep)
+        self.sanitized = any("-fsanitize=address" in word for _, words in self.compile.values() for word in words)
         self.limits = {}
         self.unlinked = set()
 
@@ -237,14 +239,15 @@ class Mutation:
             library = self.library()
             if library is None:
                 return "link"
-            environment["LD_PRELOAD"] = str(library)
+            environment["LD_LIBRARY_PATH"] = str(library.parent)
         else:
             path = self.program(program)
             if path is None:
                 return "link"
         try:
-            # A mutant may allocate without end, or write as much.
-            ran = self.build.run(["prlimit", "--as=40000000000", "--fsize=100000000", str(path),
+            # A mutant may allocate without end, or write as much. The address sanitizer has a limit of its own.
+            room = [] if self.build.sanitized else ["--as=40000000000"]
+            ran = self.build.run(["prlimit", *room, "--fsize=100000000", str(path),
                                   "--gtest_filter=" + test_filter, "--gtest_brief=1", "--gtest_fail_fast"],
                                  timeout=limit, env=environment, stdin=subprocess.DEVNULL)
         except subprocess.TimeoutExpired:
@@ -332,6 +335,10 @@ def reviewed():
     return entries
 
 
+def key_of(mutant):
+    return mutant.source, mutant.function, mutant.before, mutant.after
+
+
 def main():
     parser = argparse.ArgumentParser(usage=__doc__.split("usage: ")[1].split("\n")[0])
     parser.add_argument("-n", "--sample", type=int)
@@ -339,6 +346,7 @@ def main():
     parser.add_argument("-b", "--build", type=pathlib.Path, default=ROOT / "build/default")
     parser.add_argument("-s", "--seed", type=int, default=1)
     parser.add_argument("-l", "--list", action="store_true")
+    parser.add_argument("-a", "--address", action="store_true")
     parser.add_argument("sources", nargs="*", default=DEFAULT_SOURCES)
     args = parser.parse_args()
     known = reviewed()
@@ -350,6 +358,10 @@ def main():
         mutants = list(mutants_of(path))
         if args.sample and args.sample < len(mutants):
             mutants = sorted(random.Random(args.seed).sample(mutants, args.sample), key=lambda m: m.number)
+        if args.address:
+            mutants = [mutant for mutant in mutants if "address sanitizer" in known.get(key_of(mutant), "")]
+            if not mutants:
+                continue
         if args.list:
             for mutant in mutants:
                 print(f"{name}:{mutant.number + 1}: {mutant.function}: {mutant.before} => {mutant.after}")
@@ -364,14 +376,14 @@ def main():
                 counts[verdict] += 1
                 text = f"{name}:{mutant.number + 1}: {mutant.function}: {mutant.before} => {mutant.after}"
                 if verdict == "survived":
-                    reason = known.get((name, mutant.function, mutant.before, mutant.after))
+                    reason = None if args.address else known.get(key_of(mutant))
                     unknown += reason is None
-                    why = "reviewed: " + reason if reason else "NOT REVIEWED"
+                    why = "reviewed: " + reason if reason else "NOT REPORTED" if args.address else "NOT REVIEWED"
                 print(f"{verdict}: {text}: {why}", flush=True)
         total += counts
         print(summary(name, counts), flush=True)
     if not args.list:
-        print(summary("total", total) + f", {unknown} of them not reviewed")
+        print(summary("total", total) + f", {unknown} of them not {'reported' if args.address else 'reviewed'}")
     return 1 if unknown else 0
 
 
