@@ -22,6 +22,7 @@ import pathlib
 import random
 import re
 import shlex
+import signal
 import subprocess
 import sys
 import tempfile
@@ -40,7 +41,8 @@ SLOW = ("SolveQuadTrig.SpecialArguments*:SolveQuadTrig.ArgumentsOfEverySize*:*Fu
         "CholeskyOrder.EveryFailingDiagonal*:CholeskySize.*:RandnDistribution.*")
 STAGES = [("shared", "public_tests", "*Vectors*"), ("shared", "public_tests", "FAMILY"),
           ("static", "internal_tests", "*"), ("shared", "public_tests", "*-*Vectors*:" + SLOW),
-          ("static", "calls_tests", "*"), ("static", "allocation_tests", "*"), ("static", "report_tests", "*"),
+          ("static", "calls_tests", "*"), ("static", "pairs_tests", "*-CholeskyOrder.EveryFailing*"),
+          ("static", "allocation_tests", "*"), ("static", "report_tests", "*"),
           ("static", "platform_tests", "*"),
           ("shared", "property_tests", "*"), ("shared", "public_tests", SLOW)]
 FAMILIES = {"TRIG.cpp": "*Trig*", "affine.cpp": "*Affine*:*Conformal*", "cholesky.cpp": "*Chol*:*LowTri*",
@@ -225,7 +227,8 @@ class Mutation:
         for word in self.build.link_command(name):
             if word.endswith(".a"):
                 objects = {"libnuv1math_static.a": "/nuv1math_objects.dir/",
-                           "libnuv1math_calls.a": "/nuv1math_calls_objects.dir/"}.get(word.split("/")[-1])
+                           "libnuv1math_calls.a": "/nuv1math_calls_objects.dir/",
+                           "libnuv1math_pairs.a": "/nuv1math_pairs_objects.dir/"}.get(word.split("/")[-1])
                 words += [str(made) for output, made in self.objects.items() if objects and objects in output]
             words.append(str(self.objects.get(word, word)))
         words[words.index("-o") + 1] = str(path)
@@ -244,24 +247,31 @@ class Mutation:
             path = self.program(program)
             if path is None:
                 return "link"
-        try:
-            # A mutant may allocate without end, or write as much. The address sanitizer has a limit of its own.
-            room = [] if self.build.sanitized else ["--as=40000000000"]
-            ran = self.build.run(["prlimit", *room, "--fsize=100000000", str(path),
-                                  "--gtest_filter=" + test_filter, "--gtest_brief=1", "--gtest_fail_fast"],
-                                 timeout=limit, env=environment, stdin=subprocess.DEVNULL)
-        except subprocess.TimeoutExpired:
-            return "timeout"
-        if ran.returncode == 0 and b"assertion failure:" not in ran.stderr and b"PASSED" in ran.stdout:
+        # A mutant may allocate without end, or write as much. The address sanitizer has a limit of its own.
+        room = [] if self.build.sanitized else ["--as=40000000000"]
+        with subprocess.Popen(["prlimit", *room, "--fsize=100000000", str(path), "--gtest_filter=" + test_filter,
+                               "--gtest_brief=1", "--gtest_fail_fast"], cwd=self.build.directory, env=environment,
+                              stdin=subprocess.DEVNULL, stdout=subprocess.PIPE, stderr=subprocess.PIPE,
+                              start_new_session=True) as ran:
+            try:
+                output, errors = ran.communicate(timeout=limit)
+            except subprocess.TimeoutExpired:
+                os.killpg(ran.pid, signal.SIGKILL)  # its children too
+                return "timeout"
+        if ran.returncode == 0 and b"assertion failure:" not in errors and b"PASSED" in output:
             return None
-        failed = re.search(rb"^\[  FAILED  \] ([\w./]+)", ran.stdout, re.M)
-        return (failed.group(1).decode() if failed else f"{program} ends with {ran.returncode}")
+        failed = re.search(rb"^\[  FAILED  \] ([\w./]+)", output, re.M)
+        return failed.group(1).decode() if failed else f"{program} ends with {ran.returncode}"
 
 
-CALLS = ["nuv1math_calls_objects"]  # the other form of the library, which only calls_tests are linked with
+# Other forms of the library, and who is linked with them.
+FORMS = {"calls_tests": "nuv1math_calls_objects", "pairs_tests": "nuv1math_pairs_objects"}
 
 
-def targets_of(source):
+def targets_of(source, program):
+    """What is compiled anew for a test program."""
+    if program in FORMS:
+        return [FORMS[program]]
     return ["nuv1math_objects"] + (["internal_tests", "allocation_tests"] if source.endswith(".h") else [])
 
 
@@ -285,7 +295,7 @@ def limits_of(build, originals):
                 if stage not in build.limits:
                     mutation = Mutation(build, pathlib.Path(scratch))
                     path = path_of(name)
-                    mutation.compile(name, path.read_text(), targets_of(name) + CALLS)
+                    mutation.compile(name, path.read_text(), targets_of(name, stage[1]))
                     start = time.monotonic()
                     failed = mutation.fails(*stage, 600)
                     if failed == "link":  # the program has the source's functions itself
@@ -306,24 +316,19 @@ def judge(build, original, mutant):
     with tempfile.TemporaryDirectory() as scratch:
         mutation = Mutation(build, pathlib.Path(scratch))
         text = "".join(lines)
-        contents = mutation.compile(mutant.source, text, targets_of(mutant.source))
-        if contents is None:
-            return "invalid", ""
+        changed = {}
         for stage in stages_for(mutant.source):
-            if stage[1] == "calls_tests":
-                calls = mutation.compile(mutant.source, text, CALLS)
-                if calls is None:
+            form = stage[1] if stage[1] in FORMS else None
+            if form not in changed:
+                contents = mutation.compile(mutant.source, text, targets_of(mutant.source, form))
+                if contents is None:
                     return "invalid", ""
-                if calls == original[1]:
-                    if contents == original[0]:
-                        return "equivalent", "the same object"
-                    continue
-            elif contents == original[0] or (mutant.source, stage) in build.unlinked:
-                continue
-            why = mutation.fails(*stage, build.limits[stage])
-            if why:
-                return "killed", why
-    return "survived", ""
+                changed[form] = contents != original[form]
+            if changed[form] and (mutant.source, stage) not in build.unlinked:
+                why = mutation.fails(*stage, build.limits[stage])
+                if why:
+                    return "killed", why
+    return ("survived", "") if any(changed.values()) else ("equivalent", "the same object")
 
 
 def reviewed():
@@ -369,7 +374,8 @@ def main():
         limits_of(build, [name])
         with tempfile.TemporaryDirectory() as scratch:
             mutation = Mutation(build, pathlib.Path(scratch))
-            original = [mutation.compile(name, path.read_text(), targets) for targets in (targets_of(name), CALLS)]
+            original = {form: mutation.compile(name, path.read_text(), targets_of(name, form))
+                        for form in [None, *FORMS]}
         counts = collections.Counter()
         with concurrent.futures.ThreadPoolExecutor(args.jobs) as pool:
             for mutant, (verdict, why) in zip(mutants, pool.map(lambda m: judge(build, original, m), mutants)):
