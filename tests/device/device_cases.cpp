@@ -392,17 +392,19 @@ void TCases::Cholesky()
         "SolveCholLowTri", "n = 8", Solution(n), 16100,
         [s] { nuv::SolveCholLowTri(n, s->vdMatrix.data(), s->vdVector.data()); },
         Restore(Factor(PackedMatrix(n), nuv::CholeskyLowTri, n)));
-    const auto Dense = [&](const char* a_szInput, int a_iZeros, int a_iBudget)
+    const auto Dense = [&](const char* a_szInput, int a_iFirst, int a_iZeros, int a_iBudget)
     {
         std::vector<double> vdRow = TNumbers().Take(n);
-        std::fill_n(vdRow.begin() + 3, a_iZeros, 0.0);
+        std::fill_n(vdRow.begin() + a_iFirst, a_iZeros, 0.0);
         Insert(
             "UpdateNormMatrixLowTri, dense", a_szInput, Update(n - a_iZeros), a_iBudget,
             [s, vdRow] { nuv::UpdateNormMatrixLowTri(n, s->vdMatrix.data(), s->vdVector.data(), vdRow.data(), 0.7); },
             Restore(PackedMatrix(n)));
     };
-    Dense("n = 8", 0, 5020);
-    Dense("n = 8, three zeros", 3, 2940);
+    Dense("n = 8", 0, 0, 5020);
+    Dense("n = 8, three zeros", 3, 3, 2940);
+    Dense("n = 8, first zero", 0, 1, 4520);
+    Dense("n = 8, all zero", 0, 8, 690);
     const std::vector<int> viIndices = {0, 1, 2, 6, 7};
     const std::vector<double> vdValues = TNumbers().Take(5);
     Insert(
