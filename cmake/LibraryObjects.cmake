@@ -18,6 +18,11 @@ set(NUV1MATH_INCLUDE_DIR ${PROJECT_SOURCE_DIR}/nuv/nuv_math/include)
 set(NUV1MATH_SMALL_SOURCES src/TRIG.cpp src/affine.cpp src/omographic.cpp)
 list(TRANSFORM NUV1MATH_SMALL_SOURCES PREPEND ${PROJECT_SOURCE_DIR}/nuv/nuv1math/)
 
+# GCC joins doubles into vectors where they are stored, and the next function that reads one of them has to wait for the
+# store: without that the affine fit of four points is a fifth faster.
+set(NUV1MATH_SCALAR_SOURCES src/TRIG.cpp src/affine.cpp)
+list(TRANSFORM NUV1MATH_SCALAR_SOURCES PREPEND ${PROJECT_SOURCE_DIR}/nuv/nuv1math/)
+
 # Compiles the library's sources as objects of the given name, the same way for every use of them.
 function(nuv1math_add_objects name)
   add_library(${name} OBJECT ${NUV1MATH_SOURCES})
@@ -31,6 +36,9 @@ function(nuv1math_add_objects name)
   endif()
   if(CMAKE_SYSTEM_PROCESSOR STREQUAL "arm" AND NOT MSVC)
     set_source_files_properties(${NUV1MATH_SMALL_SOURCES} PROPERTIES COMPILE_OPTIONS $<$<NOT:$<CONFIG:Debug>>:-Os>)
+  endif()
+  if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
+    set_property(SOURCE ${NUV1MATH_SCALAR_SOURCES} APPEND PROPERTY COMPILE_OPTIONS -fno-tree-slp-vectorize)
   endif()
   target_link_libraries(${name} PRIVATE nuv_floating_point)
   set_target_properties(${name} PROPERTIES

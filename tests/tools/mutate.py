@@ -33,7 +33,7 @@ SOURCES = ROOT / "nuv/nuv1math/src"
 HEADERS = ROOT / "nuv/nuv_math/include"
 SURVIVORS = ROOT / "tests/mutation_survivors.txt"
 DEFAULT_SOURCES = ["TRIG.cpp", "affine.cpp", "assertion.cpp", "cholesky.cpp", "choleskytile.h", "functionsimp.h",
-                   "module.cpp", "omographic.cpp", "platform_posix.cpp", "poly.cpp", "random.cpp"]
+                   "module.cpp", "omographic.cpp", "platform_posix.cpp", "poly.cpp", "random.cpp", "vectors.h"]
 
 # Test programs and what they run, those first that kill most in least time. "shared" ones load the mutated library,
 # "static" ones are linked with it. load_tests are left out: they open the library by the path of the build.

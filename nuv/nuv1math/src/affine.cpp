@@ -6,6 +6,7 @@
 
 #include "functionsimp.h"
 #include "nuv1math.h"
+#include "vectors.h"
 
 #include <limits>
 #include <math.h>
@@ -382,44 +383,41 @@ void CalcMean(unsigned int a_iCount, const double* a_vdValues, double& a_dMean)
 
 static const unsigned int AFFINE_MINIMUM_POINTS = 3;
 
-// Forms the normal matrix (3 x 3) and its two right-hand sides, column by column with leading dimension 3.
+// Forms the normal matrix (3 x 3) and its two right-hand sides, column by column with leading dimension 3. Sums that
+// take products with the same factor advance in pairs.
 static void CalcAffineNormalEquations(unsigned int a_iPoints, const double* a_vdX, const double* a_vdY,
                                       const double* a_vdXa, const double* a_vdYa, const TMeans& a_Means,
                                       double* a_vdMatrix, double* a_vdRhs)
 {
-    double dSuu = 0.0, dSuv = 0.0, dSvv = 0.0, dSu = 0.0, dSv = 0.0;
-    double dSUu = 0.0, dSUv = 0.0, dSU = 0.0;
-    double dSVu = 0.0, dSVv = 0.0, dSV = 0.0;
+    TPair FromByU = {0.0, 0.0}; // Suu, Suv
+    double dSvv = 0.0;
+    TPair ToByU = {0.0, 0.0};   // SUu, SVu
+    TPair ToByV = {0.0, 0.0};   // SUv, SVv
+    TPair FromSum = {0.0, 0.0}; // Su, Sv
+    TPair ToSum = {0.0, 0.0};   // SU, SV
     for (unsigned int i = 0; i < a_iPoints; ++i)
     {
         const double du = a_vdX[i] - a_Means.dX;
         const double dv = a_vdY[i] - a_Means.dY;
-        const double dU = a_vdXa[i] - a_Means.dXa;
-        const double dV = a_vdYa[i] - a_Means.dYa;
-        dSuu = du * du + dSuu;
-        dSuv = dv * du + dSuv;
+        const TPair From = {du, dv};
+        const TPair To = {a_vdXa[i] - a_Means.dXa, a_vdYa[i] - a_Means.dYa};
+        FromByU = From * du + FromByU;
         dSvv = dv * dv + dSvv;
-        dSu = du + dSu;
-        dSv = dv + dSv;
-        dSUu = dU * du + dSUu;
-        dSUv = dU * dv + dSUv;
-        dSU = dU + dSU;
-        dSVu = dV * du + dSVu;
-        dSVv = dV * dv + dSVv;
-        dSV = dV + dSV;
+        ToByU = To * du + ToByU;
+        ToByV = To * dv + ToByV;
+        FromSum = From + FromSum;
+        ToSum = To + ToSum;
     }
-    a_vdMatrix[0] = dSuu;
-    a_vdMatrix[1] = a_vdMatrix[3] = dSuv;
-    a_vdMatrix[2] = a_vdMatrix[6] = dSu;
+    Spread(FromByU, a_vdMatrix, a_vdMatrix + 1);
+    Spread(FromSum, a_vdMatrix + 2, a_vdMatrix + 5);
+    a_vdMatrix[3] = a_vdMatrix[1];
     a_vdMatrix[4] = dSvv;
-    a_vdMatrix[5] = a_vdMatrix[7] = dSv;
+    a_vdMatrix[6] = a_vdMatrix[2];
+    a_vdMatrix[7] = a_vdMatrix[5];
     a_vdMatrix[8] = static_cast<double>(a_iPoints);
-    a_vdRhs[0] = dSUu;
-    a_vdRhs[1] = dSUv;
-    a_vdRhs[2] = dSU;
-    a_vdRhs[3] = dSVu;
-    a_vdRhs[4] = dSVv;
-    a_vdRhs[5] = dSV;
+    Spread(ToByU, a_vdRhs, a_vdRhs + 3);
+    Spread(ToByV, a_vdRhs + 1, a_vdRhs + 4);
+    Spread(ToSum, a_vdRhs + 2, a_vdRhs + 5);
 }
 
 int CalcAffineCoefs(unsigned int a_iPoints, const double* a_vdX, const double* a_vdY, const double* a_vdXa,

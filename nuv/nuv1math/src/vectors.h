@@ -23,7 +23,7 @@
 
 // GNU vectors on processors that compute two doubles at once. A vector operation rounds every lane as the scalar one
 // does. Without floating-point hardware lanes would only cost code.
-#if defined(__GNUC__) && (defined(__SSE2__) || defined(__aarch64__))
+#if defined(__GNUC__) && (defined(__SSE2__) || defined(__aarch64__)) && !defined(__SOFTFP__)
 #define NUV_VECTORS
 
 // Vectors of four, where the processor that the program runs on has them. Not on Windows: its 64-bit calling
@@ -43,6 +43,25 @@ typedef double TFour __attribute__((vector_size(4 * sizeof(double))));
 typedef TPair TNative;
 #else
 typedef double TNative; // what one operation computes
+
+// A pair is two doubles there, with the operators that are used.
+struct TPair
+{
+    double dFirst;
+    double dSecond;
+};
+
+static NUV_INLINE TPair operator+(const TPair& a_First, const TPair& a_Second)
+{
+    const TPair Sum = {a_First.dFirst + a_Second.dFirst, a_First.dSecond + a_Second.dSecond};
+    return Sum;
+}
+
+static NUV_INLINE TPair operator*(const TPair& a_Pair, double a_dFactor)
+{
+    const TPair Product = {a_Pair.dFirst * a_dFactor, a_Pair.dSecond * a_dFactor};
+    return Product;
+}
 #endif
 
 // Vectors from and to arrays, which are not aligned to them. A double is assigned: there memcpy may be a call.
@@ -64,6 +83,15 @@ template <typename TVector> static NUV_INLINE void Store(const TVector& a_Vector
 static NUV_INLINE void Store(const double& a_dValue, double* a_vdTo)
 {
     *a_vdTo = a_dValue;
+}
+
+// The two of a pair to places of their own.
+static NUV_INLINE void Spread(const TPair& a_Pair, double* a_pFirst, double* a_pSecond)
+{
+    double vdPair[2];
+    memcpy(vdPair, &a_Pair, sizeof vdPair);
+    *a_pFirst = vdPair[0];
+    *a_pSecond = vdPair[1];
 }
 
 } // namespace nuv
