@@ -287,23 +287,21 @@ def stages_for(source):
             yield kind, program, test_filter
 
 
-def limits_of(build, originals):
-    """Seconds for each stage: ten times what the original takes, at least five."""
+def measure(build, name):
+    """Seconds for each stage: ten times what the original takes, at least five; and which programs can be linked."""
     with tempfile.TemporaryDirectory() as scratch:
-        for name in originals:
-            for stage in stages_for(name):
-                if stage not in build.limits:
-                    mutation = Mutation(build, pathlib.Path(scratch))
-                    path = path_of(name)
-                    mutation.compile(name, path.read_text(), targets_of(name, stage[1]))
-                    start = time.monotonic()
-                    failed = mutation.fails(*stage, 600)
-                    if failed == "link":  # the program has the source's functions itself
-                        build.unlinked.add((name, stage))
-                        continue
-                    if failed:
-                        raise SystemExit(f"the original does not pass {stage}: {failed}")
-                    build.limits[stage] = max(5.0, 10 * (time.monotonic() - start))
+        for stage in stages_for(name):
+            kind, program, _ = stage
+            mutation = Mutation(build, pathlib.Path(scratch))
+            mutation.compile(name, path_of(name).read_text(), targets_of(name, program))
+            if kind == "static" and mutation.program(program) is None:
+                build.unlinked.add((name, stage))  # the program has the source's functions itself
+            elif stage not in build.limits:
+                start = time.monotonic()
+                failed = mutation.fails(*stage, 600)
+                if failed:
+                    raise SystemExit(f"the original does not pass {stage}: {failed}")
+                build.limits[stage] = max(5.0, 10 * (time.monotonic() - start))
 
 
 def judge(build, original, mutant):
@@ -326,6 +324,8 @@ def judge(build, original, mutant):
                 changed[form] = contents != original[form]
             if changed[form] and (mutant.source, stage) not in build.unlinked:
                 why = mutation.fails(*stage, build.limits[stage])
+                if why == "link":
+                    return "invalid", why
                 if why:
                     return "killed", why
     return ("survived", "") if any(changed.values()) else ("equivalent", "the same object")
@@ -371,7 +371,7 @@ def main():
             for mutant in mutants:
                 print(f"{name}:{mutant.number + 1}: {mutant.function}: {mutant.before} => {mutant.after}")
             continue
-        limits_of(build, [name])
+        measure(build, name)
         with tempfile.TemporaryDirectory() as scratch:
             mutation = Mutation(build, pathlib.Path(scratch))
             original = {form: mutation.compile(name, path.read_text(), targets_of(name, form))
