@@ -241,7 +241,9 @@ TEST_F(CholeskyOrder, EveryFailingDiagonalLeavesWhatPlainLoopsLeave)
     const double vdFailing[] = {-1e9, NaN, -Inf};
     for (const std::size_t iN : Sizes())
     {
-        const std::size_t iStep = (iN <= 70 ? 1 + iN / 30 : 13) * (Emulated ? 5 : 1); // all remainders by tiles' sizes
+        const std::size_t iStep = (iN <= 70 ? 1 + iN / 30 : 13) * (Emulated  ? 5
+                                                                   : Watched ? 3
+                                                                             : 1); // all remainders by tiles' sizes
         for (std::size_t i = iN % iStep; i < iN; i += iStep)
         {
             SCOPED_TRACE(::testing::Message() << iN << ", failing at " << i);

@@ -518,7 +518,7 @@ std::string Fault(const TAngles& a_Angles)
 TEST(SolveQuadTrig, SpecialArgumentsGiveNoMoreThanFourAnglesAndNoReport)
 {
     const TValues vdSpecial =
-        Emulated ? TValues{0.0, -0.0, 1.0, -Inf, NaN} : TValues{0.0, -0.0, 1.0, -1.0, Inf, -Inf, NaN, 1e308, Subnormal};
+        Watched ? TValues{0.0, -0.0, 1.0, -Inf, NaN} : TValues{0.0, -0.0, 1.0, -1.0, Inf, -Inf, NaN, 1e308, Subnormal};
     ExpectQuietCheck(
         [&]
         {

@@ -66,6 +66,12 @@ constexpr bool Emulated = true;
 #else
 constexpr bool Emulated = false;
 #endif
+// The longest tests do less where the address sanitizer watches every access, too.
+#if defined(NUV_EMULATED) || defined(__SANITIZE_ADDRESS__)
+constexpr bool Watched = true;
+#else
+constexpr bool Watched = false;
+#endif
 constexpr int CasesHere(int a_iCases)
 {
     return Emulated ? a_iCases / 10 : a_iCases;
