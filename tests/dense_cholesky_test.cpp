@@ -10,6 +10,8 @@
 #include <random>
 
 #if defined(__unix__)
+#include "reserved.h"
+
 #include <sys/mman.h>
 #include <unistd.h>
 #endif
@@ -436,41 +438,6 @@ TEST(CholeskyTwins, SolutionsDifferByTheOrderOfTheStepBackOnly)
 // ----------------------------------------------------------------------------------
 
 #if defined(__unix__)
-
-// Address space that takes no memory until it is written.
-class TReserved
-{
-public:
-    explicit TReserved(std::size_t a_iDoubles) : m_iBytes(a_iDoubles * sizeof(double))
-    {
-        m_pMemory = mmap(nullptr, m_iBytes, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS | MAP_NORESERVE, -1, 0);
-    }
-
-    TReserved(const TReserved&) = delete;
-    TReserved& operator=(const TReserved&) = delete;
-
-    ~TReserved()
-    {
-        if (Had())
-        {
-            munmap(m_pMemory, m_iBytes);
-        }
-    }
-
-    bool Had() const
-    {
-        return m_pMemory != MAP_FAILED;
-    }
-
-    double* Data()
-    {
-        return static_cast<double*>(m_pMemory);
-    }
-
-private:
-    std::size_t m_iBytes;
-    void* m_pMemory;
-};
 
 // A row of two pages: the second page of the rows of the upper half lies in the strict upper triangle alone and is
 // locked, so that even a read without any arithmetic ends the process.

@@ -3,50 +3,19 @@
 // SPDX-License-Identifier: MIT
 
 #include "nuv1math.h"
+#include "reserved.h"
 #include "testing.h"
 
 #include <climits>
-#include <sys/mman.h>
 
 namespace {
 
 using namespace nuv_tests;
 
-// Zeros of address space alone: only what is written takes memory.
-class TZeros
-{
-public:
-    explicit TZeros(unsigned int a_iDegree) : m_iBytes((static_cast<std::size_t>(a_iDegree) + 1) * sizeof(double))
-    {
-        m_pMemory = mmap(nullptr, m_iBytes, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS | MAP_NORESERVE, -1, 0);
-    }
-    TZeros(const TZeros&) = delete;
-    TZeros& operator=(const TZeros&) = delete;
-    ~TZeros()
-    {
-        if (Had())
-        {
-            munmap(m_pMemory, m_iBytes);
-        }
-    }
-    bool Had() const
-    {
-        return m_pMemory != MAP_FAILED;
-    }
-    double* Data() const
-    {
-        return static_cast<double*>(m_pMemory);
-    }
-
-private:
-    std::size_t m_iBytes;
-    void* m_pMemory;
-};
-
 // All coefficients are zero but the first one and the one before a_iTrailing zeros.
 void ExpectOnlyTheTrailingZeros(unsigned int a_iDegree, unsigned int a_iTrailing, int a_iExpected)
 {
-    const TZeros Coefficients(a_iDegree);
+    const TReserved Coefficients(static_cast<std::size_t>(a_iDegree) + 1);
     if (!Coefficients.Had())
     {
         GTEST_SKIP() << "no address space for " << a_iDegree << " coefficients";
@@ -95,7 +64,7 @@ TEST(RootsOfHugeDegree, LeadingZerosDoNotCount)
         GTEST_SKIP() << "would take long here";
     }
     const unsigned int iDegree = 1100000000u;
-    const TZeros Coefficients(iDegree);
+    const TReserved Coefficients(static_cast<std::size_t>(iDegree) + 1);
     if (!Coefficients.Had())
     {
         GTEST_SKIP() << "no address space for " << iDegree << " coefficients";
