@@ -68,7 +68,7 @@ def hunt(build, seconds, target, source, old, new, scratch):
                     str(build / "fuzz/libnuv1math_fuzz.a"), "-o", str(program)], check=True)
     (scratch / "found").mkdir()
     run = subprocess.run([str(program), f"-max_total_time={seconds}", "-timeout=5", "-max_len=600",
-                          f"-artifact_prefix={scratch}/", str(scratch / "found"), str(ROOT / "fuzz/corpus" / target)],
+                          f"-artifact_prefix={scratch}/", str(scratch / "found"), str(build / "fuzz/corpus" / target)],
                          capture_output=True, text=True, errors="replace", check=False)
     if run.returncode == 0:
         return "NOT FOUND"
