@@ -7,7 +7,7 @@ Every mutant is one changed line. It is compiled as the build compiles it; one w
 original's is equivalent and not run. The others are killed when a test program fails, crashes or takes too long. A
 survivor counts as reviewed if tests/mutation_survivors.txt names it. Needs a build of the preset default with its test
 programs. -n takes a random sample of each source, -l only lists the mutants. -a takes those survivors whose reason is
-that the address sanitizer reports them, and a build of the preset debug: there they must be killed.
+that the address sanitizer reports them, and a build of the preset linux-sanitize: there they must be killed.
 
 Copyright (c) 2026 the nuv1math authors
 SPDX-License-Identifier: MIT
