@@ -207,7 +207,7 @@ NUV1MATH_API int CalcConformalCoefs(unsigned int a_iPoints, const double* a_vdX,
  *
  *  Limits: **source points on one line, or fewer than three different ones, are not detected.** The result is then
  *  1 with very large or meaningless coefficients. A caller that cannot exclude them compares the spread of
- *  the source points across their best line with the spread along it before the fit, as examples/fitpoints does: with
+ *  the source points across their best line with the spread along it before the fit, as apps/fitpoints does: with
  *  the ratio r of the two the coefficients are off by about 3e-15/r^2 of their size, and below r = 3e-8 no digit is
  *  left. The determinant ae - db of the result does not tell it; compared with the squares of the coefficients it
  *  tells a collapsed *target*.
@@ -233,7 +233,7 @@ NUV1MATH_API int CalcAffineCoefs(unsigned int a_iPoints, const double* a_vdX, co
  *  Limits: **coordinates are taken as they are, without centring or scaling.** Where the offset of the source or
  *  target coordinates from their origin exceeds some hundred times their extent (with four points, which may be badly
  *  placed, some tens), the result can be useless and still 1, or RET_INDETERMINATE for points that determine a
- *  transformation well: subtract a local origin from both systems before the fit, as examples/fitpoints does. The
+ *  transformation well: subtract a local origin from both systems before the fit, as apps/fitpoints does. The
  *  constant of the denominator is fixed at 1 (see TOmographicParams): points of a transformation that takes the source
  *  origin to infinity can give RET_INDETERMINATE, 1 with eight NaN, or 1 with finite coefficients that fit badly.
  *  Points among which there are no four of which no three lie on a line do not determine the eight coefficients; this

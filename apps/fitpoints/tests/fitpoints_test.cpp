@@ -1,4 +1,4 @@
-// fitpoints_test.cpp: the example program as a process: results, reports, outputs, and what it says to bad input.
+// fitpoints_test.cpp: the program as a process: results, reports, outputs, and what it says to bad input.
 // Copyright (c) 2026 the nuv1math authors
 // SPDX-License-Identifier: MIT
 
