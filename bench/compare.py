@@ -34,9 +34,9 @@ def fail(message):
 
 def check_loaded(program, library):
     """A preloaded library takes the place of the linked one only if both have the same SONAME."""
-    mapped = subprocess.run([program, "--benchmark_list_tests"], env=dict(os.environ, LD_PRELOAD=str(library),
-                            LD_TRACE_LOADED_OBJECTS="1"), capture_output=True, text=True).stdout
-    loaded = [line for line in mapped.splitlines() if "nuv1math" in line]
+    environment = dict(os.environ, LD_PRELOAD=str(library), LD_TRACE_LOADED_OBJECTS="1")
+    shown = subprocess.run([program], env=environment, capture_output=True, text=True).stdout
+    loaded = [line.strip() for line in shown.splitlines() if str(library) in line or "libnuv1math" in line]
     if len(loaded) != 1 or str(library) not in loaded[0]:
         fail(f"{program} does not run with {library} alone: {loaded}")
 
