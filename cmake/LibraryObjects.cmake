@@ -45,6 +45,6 @@ function(nuv1math_add_objects name)
     CXX_STANDARD ${NUV1MATH_CXX_STANDARD} CXX_STANDARD_REQUIRED ON CXX_EXTENSIONS OFF
     CXX_VISIBILITY_PRESET hidden VISIBILITY_INLINES_HIDDEN ON POSITION_INDEPENDENT_CODE ON)
   if(NUV1MATH_COVERAGE)
-    target_compile_options(${name} PRIVATE --coverage -include ${PROJECT_SOURCE_DIR}/cmake/coverage.h)
+    target_compile_options(${name} PRIVATE --coverage -fprofile-update=atomic -include ${PROJECT_SOURCE_DIR}/cmake/coverage.h)
   endif()
 endfunction()

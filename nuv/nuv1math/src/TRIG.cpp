@@ -38,7 +38,7 @@ static int SolveQuadratic(double a_dA, double a_dB, double a_dC, double* a_pRoot
 {
     if (IsZero(a_dA))
     {
-        if (IsZero(a_dB))
+        if (IsZero(a_dB)) // unreachable: callers pass a first or a second coefficient that is not 0
         {
             return !IsZero(a_dC) ? RET_IMPOSSIBLE : RET_INDETERMINATE;
         }
@@ -209,7 +209,7 @@ static int SolveSineFactor(double a_dC, double a_dQ, double* a_vdAngles)
     {
         return RET_INDETERMINATE;
     }
-    NUV_ASSERT_AT("NUV\\NUV1MATH\\Src\\TRIG.cpp", 142, iRet == 2);
+    NUV_ASSERT_AT("NUV\\NUV1MATH\\Src\\TRIG.cpp", 142, iRet == 2); // unreachable: there are always two angles here
     a_vdAngles[2] = 0.0;
     a_vdAngles[3] = ANGLE_PI;
     return 4;
@@ -219,7 +219,7 @@ static int SolveSineFactor(double a_dC, double a_dQ, double* a_vdAngles)
 static int SolveCosineFactor(double a_dP, double a_dC, double* a_vdAngles)
 {
     const int iRet = SolveLinTrig(a_dP, a_dC, 0.0, a_vdAngles);
-    NUV_ASSERT_AT("NUV\\NUV1MATH\\Src\\TRIG.cpp", 153, iRet == 2);
+    NUV_ASSERT_AT("NUV\\NUV1MATH\\Src\\TRIG.cpp", 153, iRet == 2); // unreachable: there are always two angles here
     a_vdAngles[2] = ANGLE_HALF_PI;
     a_vdAngles[3] = ANGLE_3_HALF_PI;
     return 4;
@@ -232,7 +232,7 @@ static int SolveByTangent(double a_dP, double a_dC, double a_dQ, double* a_vdAng
     const int iRet = SolveQuadratic(a_dQ, a_dC, a_dP, &vdTangents[0], &vdTangents[1]);
     // The text of the condition is part of the report.
     // clang-format off
-    NUV_ASSERT_AT("NUV\\NUV1MATH\\Src\\TRIG.cpp", 165, iRet>=0);
+    NUV_ASSERT_AT("NUV\\NUV1MATH\\Src\\TRIG.cpp", 165, iRet>=0); // unreachable: the first coefficient is not 0
     // clang-format on
     for (int i = 0; i < iRet; ++i)
     {
@@ -256,7 +256,7 @@ static int SolveByQuartic(double a_dA, double a_dB, double a_dC, double a_dD, do
     double vdTangents[4];
     const int iRoots = Roots(4, vdQuartic, vdTangents, QUARTIC_TOLERANCE);
     // A guard: with d = a + f the quartic has lost its first term, so there are three roots at most beside pi.
-    for (int i = 0; i < iRoots && iCount < QUADRATIC_ANGLES; ++i)
+    for (int i = 0; i < iRoots && iCount < QUADRATIC_ANGLES; ++i) // unreachable: beside pi there are at most three
     {
         a_vdAngles[iCount] = AngleOfHalfTangent(vdTangents[i]);
         ++iCount;

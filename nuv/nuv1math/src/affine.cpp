@@ -305,7 +305,7 @@ int SolveGauss(int a_iN, int a_iNrhs, double* a_vdA, int a_iLda, double* a_vdB, 
         iResult = SolveUpperTri(a_iN, a_vdA, a_iLda, a_vdB + j * System.iLdb, 1,
                                 a_vdX + j * static_cast<ptrdiff_t>(a_iLdx), 1);
         ++j;
-    } while (iResult != 0 && j < System.iNrhs);
+    } while (iResult != 0 && j < System.iNrhs); // unreachable: the diagonal is 1, so no substitution fails
     return iResult;
 }
 
@@ -434,9 +434,9 @@ int CalcAffineCoefs(unsigned int a_iPoints, const double* a_vdX, const double* a
     double vdRhs[6];
     double vdSolution[6]; // a, b, tX, d, e, tY
     CalcAffineNormalEquations(a_iPoints, a_vdX, a_vdY, a_vdXa, a_vdYa, Means, vdMatrix, vdRhs);
-    if (SolveGauss(3, 2, vdMatrix, 3, vdRhs, 3, vdSolution, 3) == 0)
+    if (SolveGauss(3, 2, vdMatrix, 3, vdRhs, 3, vdSolution, 3) == 0) // unreachable: no pivot is zero here
     {
-        return RET_IMPOSSIBLE; // a guard: the elimination leaves no zero pivot
+        return RET_IMPOSSIBLE;
     }
     const double dA = vdSolution[0];
     const double dB = vdSolution[1];

@@ -172,7 +172,7 @@ void UpdateNormMatrixLowTri(int a_iUnknowns, double* a_vdMatrix, double* a_vdVec
         a_vdVector[i] += a_vdRow[i] * a_dValue;
     }
 #ifdef NUV_WIDE_VECTORS
-    if (__builtin_cpu_supports("avx2"))
+    if (__builtin_cpu_supports("avx2")) // host only: a processor has AVX2 or does not have it
     {
         AddRowsByFours(a_iUnknowns, a_vdMatrix, a_vdRow);
         return;
@@ -326,7 +326,7 @@ static void SubtractProducts(ptrdiff_t a_iFrom, ptrdiff_t a_iCount, ptrdiff_t a_
                              const double* a_vdFactors, TTile& a_Tile, const double* a_vdSquares, double& a_dRadicand)
 {
 #ifdef NUV_WIDE_VECTORS
-    if (__builtin_cpu_supports("avx2"))
+    if (__builtin_cpu_supports("avx2")) // host only: a processor has AVX2 or does not have it
     {
         SubtractByFours<SQUARES>(a_iFrom, a_iCount, a_iRows, a_vvdRows, a_vdFactors, a_Tile, a_vdSquares, a_dRadicand);
         return;
@@ -700,7 +700,7 @@ static NUV_INLINE void SubstituteRowsBackward(ptrdiff_t k, const double* a_vdFac
     {
         vvdRows[r] = a_vdFactor + RowStart(PACKED_ROWS, k - r);
         double dRest = a_vdVector[k - r];
-        NUV_UNROLL for (int q = 0; q < r; ++q)
+        NUV_UNROLL for (int q = 0; q < r; ++q) // unreachable: the loop of the first row is empty
         {
             dRest -= vvdRows[q][k - r] * vdSolution[q];
         }
@@ -756,7 +756,7 @@ void SolveCholLowTri(int a_iUnknowns, const double* a_vdFactor, double* a_vdVect
 {
     SubstituteForward(a_iUnknowns, PACKED_ROWS, a_vdFactor, a_vdVector);
 #ifdef NUV_WIDE_VECTORS
-    if (__builtin_cpu_supports("avx2"))
+    if (__builtin_cpu_supports("avx2")) // host only: a processor has AVX2 or does not have it
     {
         SubstituteBackwardByFours(a_iUnknowns, a_vdFactor, a_vdVector);
         return;

@@ -341,7 +341,9 @@ enum
 
 static bool IsFinite(const TOmographicParams& a_Params)
 {
+    // unreachable: no input is known for which A and B are finite and C is not
     return IsFinite(a_Params.dA) && IsFinite(a_Params.dB) && IsFinite(a_Params.dC) && IsFinite(a_Params.dD) &&
+           // unreachable: when F, G or H is not finite, A is not either
            IsFinite(a_Params.dE) && IsFinite(a_Params.dF) && IsFinite(a_Params.dG) && IsFinite(a_Params.dH);
 }
 
@@ -349,6 +351,7 @@ static bool TryAffine(int a_iPoints, const double* a_vdX, const double* a_vdY, c
                       const double* a_vdYa, TOmographicParams& a_Params)
 {
     TAffineCoefs Affine;
+    // unreachable: the affine fit of three or more points always has a result
     if (CalcAffineCoefs(static_cast<unsigned int>(a_iPoints), a_vdX, a_vdY, a_vdXa, a_vdYa, Affine) != RET_SUCCESS)
     {
         return false;

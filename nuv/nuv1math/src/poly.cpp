@@ -639,6 +639,7 @@ int Roots(unsigned int iDegree, const double* vdA, double* a_vdRoots, double a_d
     {
         // The text of the condition is part of the report.
         // clang-format off
+        // unreachable: it is the last coefficient that is not 0
         NUV_ASSERT_AT("nuv\\nuv1math\\src\\poly.cpp", 38, vdA[ iDegree] != 0);
         // clang-format on
         return RET_IMPOSSIBLE;

@@ -135,6 +135,7 @@ inline double ReduceToPeriod(double x, double y)
 {
     // The text of the condition is part of the report, hence the plain names.
     // clang-format off
+    // unreachable: the library always passes 2 pi
     NUV_ASSERT_AT("nuv\\nuv_math\\include\\functionsimp.h", 254, y>0);
     // clang-format on
     const double dRemainder = fabs(x) < y ? x : fmod(x, y); // an angle of atan2 needs no division
