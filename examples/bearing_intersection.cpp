@@ -3,8 +3,8 @@
 // SPDX-License-Identifier: MIT
 //
 // The target lies at the known distance r from station A, at A + r (cos t, sin t), and on the line of sight of station
-// B. Its offset from that line, n.(A - B) + r n.(cos t, sin t) with the normal n of the line, must be 0: a linear
-// equation in cos t and sin t.
+// B. Its offset from that line, n.(A - B) + r n.(cos t, sin t) with the normal n of the line, must be 0. This is a
+// linear equation in cos t and sin t.
 
 #include "nuv1math.h"
 

@@ -1,10 +1,10 @@
-// monte_carlo_ellipse.cpp: error ellipse of a point that goes through a fitted affine transformation, by simulation.
+// monte_carlo_ellipse.cpp: error ellipse of a point that a fitted affine transformation maps, by simulation.
 // Copyright (c) 2026 the nuv1math authors
 // SPDX-License-Identifier: MIT
 //
-// Eight control points are fitted again and again, each time with normal errors of 20 mm in X and 50 mm in Y, and a
-// ninth point is mapped. The seed makes every run the same. Theory gives the semi-axes too: sigma q with
-// q^2 = 1/n + dx^2/Sxx + dy^2/Syy, offset and sums from the centre of the control points.
+// Every trial fits eight control points with normal errors of 20 mm in X and 50 mm in Y, and maps a ninth point. The
+// seed makes every run the same. In theory the semi-axes are sigma q with q^2 = 1/n + dx^2/Sxx + dy^2/Syy, where dx, dy
+// and the sums of squares count from the centre of the control points.
 
 #include "nuv1math.h"
 

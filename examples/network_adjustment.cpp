@@ -2,8 +2,8 @@
 // Copyright (c) 2026 the nuv1math authors
 // SPDX-License-Identifier: MIT
 //
-// Six levelled lines join a benchmark of 100 m and three new points. The variance of a line grows with its length, so
-// its weight is w = 1/length: coefficients and observed value are multiplied by sqrt(w).
+// Six levelled lines join a benchmark of 100 m and three new points. The variance of a line is proportional to its
+// length, so its weight is w = 1/length: its coefficients and its observed value are multiplied by sqrt(w).
 
 #include "nuv1math.h"
 
@@ -11,7 +11,7 @@
 #include <cstdio>
 
 constexpr int POINTS = 3, LINES = 6;
-constexpr int BENCHMARK = -1; // a negative index: the height is no unknown
+constexpr int BENCHMARK = -1; // the library skips a negative index: this height is known
 
 int main()
 {
@@ -41,7 +41,7 @@ int main()
     }
     nuv::SolveCholLowTri(POINTS, vdMatrix, vdHeights);
 
-    double dSquares = 0.0, dAtLast = 0.0; // at the minimum the weighted residuals at a point cancel
+    double dSquares = 0.0, dAtLast = 0.0; // at the minimum the weighted residuals at a point add up to 0
     for (int i = 0; i < LINES; ++i)
     {
         const double dFrom = viFrom[i] == BENCHMARK ? 100.0 : vdHeights[viFrom[i]];
@@ -50,12 +50,12 @@ int main()
         dSquares += dResidual * dResidual / vdLength[i];
         dAtLast += viTo[i] == POINTS - 1 ? dResidual / vdLength[i] : 0.0;
     }
-    const double dSigma = std::sqrt(dSquares / (LINES - POINTS)); // of a line of one kilometre
+    const double dSigma = std::sqrt(dSquares / (LINES - POINTS)); // standard deviation of a line of one kilometre
     for (int i = 0; i < POINTS; ++i)
     {
         double vdColumn[POINTS] = {};
         vdColumn[i] = 1.0;
-        nuv::SolveCholLowTri(POINTS, vdMatrix, vdColumn); // column of the inverse: its diagonal scales the variance
+        nuv::SolveCholLowTri(POINTS, vdMatrix, vdColumn); // column i of the inverse; its element i scales the variance
         std::printf("point %d: %.4f m +- %.2f mm\n", i, vdHeights[i], dSigma * std::sqrt(vdColumn[i]) * 1000.0);
     }
     nuv::DeleteCholLowTri(vdMatrix, vdHeights);

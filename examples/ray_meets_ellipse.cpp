@@ -3,8 +3,8 @@
 // SPDX-License-Identifier: MIT
 //
 // A distance meter stands inside a tank and reads 4.000 m to the wall: where may it point? The end of the ray,
-// (px + r cos t, py + r sin t), put into the conic a x^2 + b x y + c y^2 + d x + e y + f = 0 of the wall, makes a
-// quadratic equation in cos t and sin t.
+// (px + r cos t, py + r sin t), put into the equation a x^2 + b x y + c y^2 + d x + e y + f = 0 of the wall,
+// gives a quadratic equation in cos t and sin t.
 
 #include "nuv1math.h"
 
@@ -53,8 +53,8 @@ bool Report(const char* a_szWall, const TConic& a_Wall, std::size_t a_iExpected)
 int main()
 {
     const TConic Ellipse{1.0 / 25.0, 0.0, 1.0 / 9.0, 0.0, 0.0, -1.0}; // semi-axes 5 and 3 about the origin
-    const TConic Circle{1.0, 0.0, 1.0, 0.0, 0.0, -16.0};              // radius 4: a linear equation is left
-    const TConic Small{1.0, 0.0, 1.0, 0.0, 0.0, -4.0};                // radius 2: out of reach of the range
+    const TConic Circle{1.0, 0.0, 1.0, 0.0, 0.0, -16.0}; // radius 4: its quadratic terms add up to a constant
+    const TConic Small{1.0, 0.0, 1.0, 0.0, 0.0, -4.0};   // radius 2: out of reach of the range
     const bool bEllipse = Report("ellipse, semi-axes 5 and 3", Ellipse, 4);
     const bool bCircle = Report("circle, radius 4", Circle, 2);
     return bEllipse && bCircle && Report("circle, radius 2", Small, 0) ? 0 : 1;

@@ -1,10 +1,10 @@
 # SPDX-License-Identifier: MIT
 #
 # cmake -DPROGRAM=... -DEXPECTED=... -P compare_output.cmake
-# Fails unless the program ends with exit code 0 and prints the text of the file EXPECTED, no more and no less.
+# Fails unless the program ends with exit code 0 and its output is the text of the file EXPECTED.
 
 execute_process(COMMAND ${PROGRAM} RESULT_VARIABLE result OUTPUT_VARIABLE printed)
-string(REPLACE "\r\n" "\n" printed "${printed}") # how Windows ends a line
+string(REPLACE "\r\n" "\n" printed "${printed}") # line ends of Windows
 file(READ ${EXPECTED} expected)
 if(NOT result STREQUAL "0")
   message(FATAL_ERROR "exit code ${result}\n${printed}")
