@@ -34,7 +34,7 @@ TEST(AssertionReport, ThePositivePeriodsPass)
 }
 
 // Sites that no argument reaches: the report is called as the site calls it. The list of the sites in the sources is
-// compared with assertion_sites.txt by structure_test.py.
+// compared with assertion_sites.txt by sources_test.py.
 TEST(AssertionReport, ReadsAsPathLineAndCondition)
 {
     struct TSite

@@ -79,9 +79,6 @@ class Sections(unittest.TestCase):
 class Imports(unittest.TestCase):
     TEXT = read("--coff-imports")
 
-    def test_are_from_the_core_library_alone(self):
-        self.assertEqual(re.findall(r"^ *Name: (.*)$", self.TEXT, re.MULTILINE), ["COREDLL.dll"])
-
     def test_are_what_the_platform_offers(self):
         imported = set(re.findall(r"^ *Symbol: (\S+) ", self.TEXT, re.MULTILINE))
         self.assertEqual(imported - SYSTEM - LIBRARY - ARITHMETIC, set())
@@ -95,11 +92,6 @@ class Exports(unittest.TestCase):
         exports = re.findall(r"Ordinal: \d+\s+Name: (\S+)\s+RVA: (\S+)", read("--coff-exports"))
         self.by_name = dict(exports)
         self.assertEqual(len(self.by_name), len(exports))
-
-    def test_are_exactly_the_listed_functions(self):
-        own = sorted(name for name in self.by_name if name.startswith("_Z"))
-        readable = output_of("c++filt", text="\n".join(own)).splitlines()
-        self.assertEqual(sorted(readable), (ROOT / "tests/exports.txt").read_text().splitlines())
 
     def test_have_both_names_at_one_address(self):
         own = sorted(rva for name, rva in self.by_name.items() if name.startswith("_Z"))

@@ -4,8 +4,8 @@
 # Packages of each preset: what configuring, building and testing it takes.
 tools='cmake ninja-build ccache'
 native="$tools g++"
-native_tests="$native python3 libgtest-dev libgmock-dev librapidcheck-dev libeigen3-dev"
-cross_tests="$tools python3 googletest libeigen3-dev"
+native_tests="$native python3 llvm libgtest-dev libgmock-dev librapidcheck-dev libeigen3-dev"
+cross_tests="$tools python3 llvm googletest libeigen3-dev"
 armel='g++ g++-arm-linux-gnueabi libc6-dev-armel-cross qemu-user' # g++ for the emulator's plugin
 fitpoints='libcli11-dev libcsv-dev nlohmann-json3-dev gnuplot-nox'
 declare -A packages=(
@@ -20,9 +20,9 @@ declare -A packages=(
     [linux-arm64]="$cross_tests g++-aarch64-linux-gnu qemu-user"
     [windows-x64]="$cross_tests g++-mingw-w64-x86-64-posix wine wine64 xvfb xauth"
     [windows-x86]="$cross_tests g++-mingw-w64-i686-posix"
-    [wince-armv4]="$cross_tests $armel clang llvm-14"
+    [wince-armv4]="$cross_tests $armel clang"
     [coverage]="$native_tests"
-    [fuzz]="$native $fitpoints libeigen3-dev clang libclang-common-14-dev libclang-rt-14-dev llvm"
+    [fuzz]="$native $fitpoints libeigen3-dev clang libclang-common-14-dev libclang-rt-14-dev llvm xz-utils"
     [bench]="$native python3 libbenchmark-dev libeigen3-dev libopencv-calib3d-dev libopencv-imgproc-dev
              libopencv-core-dev libgdal-dev libgsl-dev libdlib-dev libvigraimpex-dev libboost-dev liblapack-dev
              libblas-dev liblapack3 libblas3 libopenblas0-serial"

@@ -306,7 +306,7 @@ def measure(build, name):
 
 def judge(build, original, mutant):
     if "NUV_ASSERT_AT(" in mutant.before:  # every character of these is in a list that a test compares them with
-        return "killed", "structure_test.py: assertion sites"
+        return "killed", "sources_test.py: assertion sites"
     path = path_of(mutant.source)
     lines = path.read_text().splitlines(keepends=True)
     indent = re.match(r"\s*", lines[mutant.number]).group()
