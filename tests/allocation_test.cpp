@@ -5,8 +5,8 @@
 // The allocator comes from watched_allocator.h: every reference of the library to malloc and free goes there.
 
 #include "nuv1math.h"
+#include "support/watched_allocator.h"
 #include "testing.h"
-#include "watched_allocator.h"
 
 #include <climits>
 

@@ -3,9 +3,9 @@
 // SPDX-License-Identifier: MIT
 
 #include "assertion.h"
-#include "child.h"
 #include "functionsimp.h"
 #include "nuv1math.h"
+#include "support/child_process.h"
 #include "testing.h"
 
 #include <unistd.h>

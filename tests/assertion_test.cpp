@@ -2,8 +2,8 @@
 // Copyright (c) 2026 the nuv1math authors
 // SPDX-License-Identifier: MIT
 
-#include "child.h"
 #include "nuv1math.h"
+#include "support/child_process.h"
 #include "testing.h"
 
 #include <cstdlib>

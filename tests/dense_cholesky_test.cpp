@@ -10,7 +10,7 @@
 #include <random>
 
 #if defined(__unix__)
-#include "reserved.h"
+#include "support/reserved_memory.h"
 
 #include <sys/mman.h>
 #include <unistd.h>
@@ -449,8 +449,8 @@ TEST(CholeskyUpperTriangle, IsNotEvenRead)
     {
         GTEST_SKIP() << "pages too large for a quick factorisation";
     }
-    TReserved Matrix(iN * iN);
-    ASSERT_TRUE(Matrix.Had());
+    TReservedMemory Matrix(iN * iN);
+    ASSERT_TRUE(Matrix.IsReserved());
     for (std::size_t i = 0; i < iN; ++i)
     {
         Matrix.Data()[i * iN + i] = 4.0; // 4 on the diagonal, 2 before it: L has 2, 1, then sqrt(3), ...
@@ -484,8 +484,8 @@ TEST(CholeskyUpperTriangle, IsNotEvenRead)
 TEST(CholeskySize, RowsBeyondTheRangeOfIntAreReached)
 {
     const std::size_t iN = 46342;
-    TReserved Matrix(sizeof(void*) > 4 ? iN * iN : 1);
-    if (sizeof(void*) <= 4 || !Matrix.Had())
+    TReservedMemory Matrix(sizeof(void*) > 4 ? iN * iN : 1);
+    if (sizeof(void*) <= 4 || !Matrix.IsReserved())
     {
         GTEST_SKIP() << "no address space for 17 GB";
     }

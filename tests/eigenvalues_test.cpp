@@ -18,8 +18,6 @@ namespace {
 
 using namespace nuv_tests;
 
-constexpr double Epsilon = std::numeric_limits<double>::epsilon();
-constexpr double Greatest = std::numeric_limits<double>::max();
 using TRows = std::vector<std::vector<double> >;
 using TComplexes = std::vector<std::complex<double> >;
 

@@ -3,7 +3,7 @@
 // SPDX-License-Identifier: MIT
 
 #include "nuv1math.h"
-#include "reserved.h"
+#include "support/reserved_memory.h"
 #include "testing.h"
 
 #include <climits>
@@ -15,8 +15,8 @@ using namespace nuv_tests;
 // All coefficients are zero but the first one and the one before a_iTrailing zeros.
 void ExpectOnlyTheTrailingZeros(unsigned int a_iDegree, unsigned int a_iTrailing, int a_iExpected)
 {
-    const TReserved Coefficients(static_cast<std::size_t>(a_iDegree) + 1);
-    if (!Coefficients.Had())
+    const TReservedMemory Coefficients(static_cast<std::size_t>(a_iDegree) + 1);
+    if (!Coefficients.IsReserved())
     {
         GTEST_SKIP() << "no address space for " << a_iDegree << " coefficients";
     }
@@ -64,8 +64,8 @@ TEST(RootsOfHugeDegree, LeadingZerosDoNotCount)
         GTEST_SKIP() << "would take long here";
     }
     const unsigned int iDegree = 1100000000u;
-    const TReserved Coefficients(static_cast<std::size_t>(iDegree) + 1);
-    if (!Coefficients.Had())
+    const TReservedMemory Coefficients(static_cast<std::size_t>(iDegree) + 1);
+    if (!Coefficients.IsReserved())
     {
         GTEST_SKIP() << "no address space for " << iDegree << " coefficients";
     }

@@ -6,10 +6,12 @@
 // combined as the solver combines it.
 
 #include "nuv1math.h"
+#include "support/angles.h"
+#include "support/trig_equation.h"
 #include "testing.h"
-#include "trig_equation.h"
 
 #include <algorithm>
+#include <random>
 
 namespace {
 
@@ -56,9 +58,6 @@ void ExpectCases(const std::vector<TLinearCase>& a_Cases)
     }
 }
 
-const double AboveOne = std::nextafter(1.0, 2.0);
-const double BelowOne = std::nextafter(1.0, 0.0);
-
 // --- neither cosine nor sine
 // ------------------------------------------------------------------------------------------
 
@@ -104,10 +103,10 @@ TEST(SolveLinTrig, SineOfOneGivesTheSameAngleTwice)
     ExpectCases({{0.0, 1.0, -1.0, 2, {Asin(1.0), Pi - Asin(1.0)}},
                  {0.0, -3.0, 3.0, 2, {Asin(1.0), Pi - Asin(1.0)}},
                  {0.0, 1.0, 1.0, 2, {Pi - Asin(-1.0), Asin(-1.0) + TwoPi}}});
-    const TValues vdTop = SolveLinear(0.0, 1.0, -1.0).vdRoom;
+    const TValues vdTop = SolveLinear(0.0, 1.0, -1.0).Room.Values();
     EXPECT_DOUBLE_EQ(1.5707963267948966, vdTop[0]);
     EXPECT_DOUBLE_EQ(1.5707963267948966, vdTop[1]);
-    const TValues vdBottom = SolveLinear(0.0, 1.0, 1.0).vdRoom;
+    const TValues vdBottom = SolveLinear(0.0, 1.0, 1.0).Room.Values();
     EXPECT_DOUBLE_EQ(4.71238898038469, vdBottom[0]);
     EXPECT_DOUBLE_EQ(4.71238898038469, vdBottom[1]);
 }
@@ -185,8 +184,8 @@ TEST(SolveLinTrig, WithoutConstantAnAngleThatIsNotNegativeComesBeforeItsOpposite
                  {-1.0, 1.0, -0.0, 2, {dQuarter, dQuarter + Pi}},
                  {-Subnormal, 1.0, 0.0, 2, {Subnormal, Pi}},
                  {-Subnormal, -1.0, 0.0, 2, {Pi, TwoPi}}});
-    EXPECT_DOUBLE_EQ(0.7853981633974483, SolveLinear(-1.0, 1.0, 0.0).vdRoom[0]);
-    EXPECT_DOUBLE_EQ(3.9269908169872414, SolveLinear(-1.0, 1.0, 0.0).vdRoom[1]);
+    EXPECT_DOUBLE_EQ(0.7853981633974483, SolveLinear(-1.0, 1.0, 0.0).Room[0]);
+    EXPECT_DOUBLE_EQ(3.9269908169872414, SolveLinear(-1.0, 1.0, 0.0).Room[1]);
 }
 
 TEST(SolveLinTrig, WithoutConstantANegativeAngleGivesTheGreaterAngleFirst)
@@ -195,8 +194,8 @@ TEST(SolveLinTrig, WithoutConstantANegativeAngleGivesTheGreaterAngleFirst)
     ExpectCases({{1.0, 1.0, 0.0, 2, {dQuarter + TwoPi, (dQuarter + TwoPi) - Pi}},
                  {Subnormal, 1.0, 0.0, 2, {TwoPi, Pi}},
                  {Subnormal, -1.0, 0.0, 2, {Pi, 0.0}}});
-    EXPECT_DOUBLE_EQ(5.497787143782138, SolveLinear(1.0, 1.0, 0.0).vdRoom[0]);
-    EXPECT_DOUBLE_EQ(2.356194490192345, SolveLinear(1.0, 1.0, 0.0).vdRoom[1]);
+    EXPECT_DOUBLE_EQ(5.497787143782138, SolveLinear(1.0, 1.0, 0.0).Room[0]);
+    EXPECT_DOUBLE_EQ(2.356194490192345, SolveLinear(1.0, 1.0, 0.0).Room[1]);
 }
 
 // An angle below the least double is -0.0, which counts as not negative.
@@ -259,15 +258,15 @@ TEST(SolveLinTrig, EqualCosineAndConstantGiveThePiThatTheHalfTangentLoses)
                  {2.0, 1.0, 2.0, 2, {Pi, HalfTangentAngle(-2.0)}},
                  {2.0, -1.0, 2.0, 2, {HalfTangentAngle(2.0), Pi}},
                  {-1.0, 1.0, -1.0, 2, {HalfTangentAngle(1.0), Pi}}});
-    const TValues vdAngles = SolveLinear(1.0, 1.0, 1.0).vdRoom;
+    const TValues vdAngles = SolveLinear(1.0, 1.0, 1.0).Room.Values();
     EXPECT_DOUBLE_EQ(4.71238898038469, vdAngles[1]);
     // The least sine: -(2 / 2 Subnormal) overflows, and the second angle is pi as well, from below or from above.
     for (double dB : {Subnormal, -Subnormal})
     {
         const TAngles Angles = SolveLinear(1.0, dB, 1.0);
         EXPECT_EQ(2, Angles.iResult);
-        EXPECT_DOUBLE_EQ(Pi, Angles.vdRoom[0]);
-        EXPECT_DOUBLE_EQ(Pi, Angles.vdRoom[1]);
+        EXPECT_DOUBLE_EQ(Pi, Angles.Room[0]);
+        EXPECT_DOUBLE_EQ(Pi, Angles.Room[1]);
     }
 }
 
@@ -288,9 +287,9 @@ TEST(SolveLinTrig, TheSmallRootKeepsItsDigits)
     {
         SCOPED_TRACE(dRatio);
         // (c - a)u^2 + 2bu + (a + c) = 2u^2 +- 2 dRatio u + 4: about -+2/dRatio and -+dRatio.
-        const TValues vdMinus = SolveLinear(1.0, dRatio, 3.0).vdRoom;
+        const TValues vdMinus = SolveLinear(1.0, dRatio, 3.0).Room.Values();
         EXPECT_NEAR(-4.0 / dRatio, vdMinus[1] - TwoPi, 2.0 * Epsilon * TwoPi + 100.0 / (dRatio * dRatio * dRatio));
-        const TValues vdPlus = SolveLinear(1.0, -dRatio, 3.0).vdRoom;
+        const TValues vdPlus = SolveLinear(1.0, -dRatio, 3.0).Room.Values();
         EXPECT_NEAR(1.0, vdPlus[0] / (4.0 / dRatio), 4.0 * Epsilon + 10.0 / (dRatio * dRatio));
     }
 }
@@ -330,7 +329,7 @@ TEST(SolveLinTrig, EveryAngleSolvesItsEquation)
         for (double dAngle : Angles.Found())
         {
             ++iAngles;
-            ASSERT_TRUE(InRange(dAngle)) << HexText(dAngle);
+            ASSERT_TRUE(IsAngle(dAngle)) << HexText(dAngle);
             ASSERT_LE(std::fabs(Equation.At(dAngle)), 16.0L * Epsilon * Equation.Norm())
                 << HexText(Equation.dD) << ", " << HexText(Equation.dE) << ", " << HexText(Equation.dF);
         }
@@ -397,23 +396,21 @@ TEST(SolveLinTrig, SpecialArgumentsGiveNoMoreThanTwoAnglesAndNoReport)
     ExpectQuietCheck(
         [&]
         {
-            ForAllSpecial<3>(
+            ForAllCombinations<3>(
                 vdSpecial,
                 [](const std::array<double, 3>& a_vdArguments)
                 {
                     const TAngles Angles = SolveLinear(a_vdArguments[0], a_vdArguments[1], a_vdArguments[2]);
-                    const TValues& vdRoom = Angles.vdRoom;
-                    const int iWritten = Angles.iResult > 0 ? Angles.iResult : 0;
-                    if (Angles.iResult < nuv::RET_INDETERMINATE || Angles.iResult > 2 || !Angles.bGuardsIntact)
+                    const TValues vdFound = Angles.Found();
+                    if (Angles.iResult < nuv::RET_INDETERMINATE || Angles.iResult > 2 || !Angles.Room.IsIntact())
                     {
                         Complain("result or guards", a_vdArguments);
                     }
-                    if (!std::all_of(vdRoom.begin(), vdRoom.begin() + iWritten, InRange))
+                    if (!std::all_of(vdFound.begin(), vdFound.end(), IsAngle))
                     {
                         Complain("angle out of range", a_vdArguments);
                     }
-                    if (!std::all_of(vdRoom.begin() + iWritten, vdRoom.end(),
-                                     [](double a_dValue) { return SameBits(Untouched, a_dValue); }))
+                    if (!Angles.Room.IsUntouchedFrom(vdFound.size()))
                     {
                         Complain("rest written", a_vdArguments);
                     }

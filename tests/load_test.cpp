@@ -2,8 +2,8 @@
 // Copyright (c) 2026 the nuv1math authors
 // SPDX-License-Identifier: MIT
 
-#include "random_sequences.h"
-#include "shared_library.h"
+#include "support/random_sequences.h"
+#include "support/shared_library.h"
 #include "testing.h"
 
 namespace {

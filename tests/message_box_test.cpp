@@ -4,8 +4,8 @@
 //
 // These tests need a display. Without one no box is found, and they fail.
 
-#include "child_windows.h"
 #include "nuv1math.h"
+#include "support/child_process_windows.h"
 #include "testing.h"
 
 #include <windows.h>

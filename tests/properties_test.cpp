@@ -193,7 +193,7 @@ template <class TRecord> void AssertSameRecord(const TRecord& a_Expected, const 
 
 void AssertSameValues(const TValues& a_vdExpected, const TValues& a_vdActual)
 {
-    RC_ASSERT(std::equal(a_vdExpected.begin(), a_vdExpected.end(), a_vdActual.begin(), a_vdActual.end(), SameBits));
+    RC_ASSERT(SameBits(a_vdExpected, a_vdActual));
 }
 
 double GreatestAbs(std::initializer_list<double> a_Values)

@@ -6,10 +6,12 @@
 // combined as the solver combines it; elsewhere a few units of 2 pi, which is what an angle is rounded to.
 
 #include "nuv1math.h"
+#include "support/angles.h"
+#include "support/trig_equation.h"
 #include "testing.h"
-#include "trig_equation.h"
 
 #include <algorithm>
+#include <random>
 
 namespace {
 
@@ -61,11 +63,11 @@ void ExpectNear(const TTrigEquation& a_Equation, const TValues& a_vdExpected, do
 {
     SCOPED_TRACE(Text(a_Equation));
     const TAngles Angles = SolveQuadratic(a_Equation);
-    EXPECT_TRUE(Angles.bGuardsIntact);
+    EXPECT_TRUE(Angles.Room.IsIntact());
     ASSERT_EQ(static_cast<int>(a_vdExpected.size()), Angles.iResult);
     for (std::size_t i = 0; i < a_vdExpected.size(); ++i)
     {
-        EXPECT_NEAR(a_vdExpected[i], Angles.vdRoom[i], a_dBound) << "angle " << i;
+        EXPECT_NEAR(a_vdExpected[i], Angles.Room[i], a_dBound) << "angle " << i;
     }
 }
 
@@ -119,8 +121,8 @@ TEST(SolveQuadTrig, CosineSquaredGivesTheUpAndDownAxisOnce)
 {
     const TAngles Angles = SolveQuadratic({1.0, 0.0, 0.0, 0.0, 0.0, 0.0});
     ASSERT_EQ(2, Angles.iResult);
-    EXPECT_DOUBLE_EQ(HalfPi, Angles.vdRoom[0]);
-    EXPECT_DOUBLE_EQ(ThreeHalfPi, Angles.vdRoom[1]);
+    EXPECT_DOUBLE_EQ(HalfPi, Angles.Room[0]);
+    EXPECT_DOUBLE_EQ(ThreeHalfPi, Angles.Room[1]);
 }
 
 // cos(t) (p cos(t) + c sin(t)).
@@ -249,7 +251,7 @@ TEST(SolveQuadTrig, TheDoubleAngleOfASineOfOneIsMerged)
 TEST(SolveQuadTrig, ThePiThatTheQuarticLosesIsPutBeside)
 {
     ExpectNear({1.0, 0.0, 0.0, 1.0, 0.0, 0.0}, {HalfPi, Pi, ThreeHalfPi}, 4.0 * Epsilon * TwoPi);
-    EXPECT_SAME_BITS(Pi, SolveQuadratic({1.0, 0.0, 0.0, 1.0, 0.0, 0.0}).vdRoom[1]);
+    EXPECT_SAME_BITS(Pi, SolveQuadratic({1.0, 0.0, 0.0, 1.0, 0.0, 0.0}).Room[1]);
 }
 
 TEST(SolveQuadTrig, PiAloneIsOneAngle)
@@ -268,7 +270,7 @@ TEST(SolveQuadTrig, NoRealRootIsToldByTheCountZero)
 TEST(SolveQuadTrig, RootsThatAreExactlyZeroAreMerged)
 {
     ExpectNear({1.0, 0.0, 0.0, -1.0, 0.0, 0.0}, {0.0, HalfPi, ThreeHalfPi}, 4.0 * Epsilon * TwoPi);
-    EXPECT_SAME_BITS(0.0, SolveQuadratic({1.0, 0.0, 0.0, -1.0, 0.0, 0.0}).vdRoom[0]);
+    EXPECT_SAME_BITS(0.0, SolveQuadratic({1.0, 0.0, 0.0, -1.0, 0.0, 0.0}).Room[0]);
 }
 
 // (cos(t) - p)(sin(t) - q) = sin cos - q cos - p sin + pq, and (cos(t) - p)(cos(t) - q).
@@ -317,7 +319,7 @@ TEST(SolveQuadTrig, NearlyRealRootsOfTheQuarticCount)
 TEST(SolveQuadTrig, TermsOfIncommensurableSizeEnd)
 {
     const TAngles Angles = SolveQuadratic({1.0, 1e300, 0.0, 1.0000000000000002, 0.0, 0.0});
-    EXPECT_TRUE(Angles.bGuardsIntact);
+    EXPECT_TRUE(Angles.Room.IsIntact());
     EXPECT_LE(Angles.iResult, 4);
 }
 
@@ -436,7 +438,7 @@ TEST(SolveQuadTrig, EveryAngleSolvesItsEquation)
         for (double dAngle : SolveQuadratic(Equation).Found())
         {
             ++iAngles;
-            ASSERT_TRUE(InRange(dAngle)) << HexText(dAngle);
+            ASSERT_TRUE(IsAngle(dAngle)) << HexText(dAngle);
             ASSERT_LE(std::fabs(Equation.At(dAngle)), dBound) << Text(Equation);
         }
     }
@@ -493,12 +495,12 @@ std::string Fault(const TAngles& a_Angles)
     {
         return "result";
     }
-    if (!a_Angles.bGuardsIntact)
+    if (!a_Angles.Room.IsIntact())
     {
         return "guards";
     }
     const TValues vdFound = a_Angles.Found();
-    if (!std::all_of(vdFound.begin(), vdFound.end(), InRange))
+    if (!std::all_of(vdFound.begin(), vdFound.end(), IsAngle))
     {
         return "angle out of range";
     }
@@ -510,9 +512,7 @@ std::string Fault(const TAngles& a_Angles)
             return "order";
         }
     }
-    const bool bUntouched =
-        std::all_of(a_Angles.vdRoom.begin(), a_Angles.vdRoom.end(), [](double t) { return SameBits(Untouched, t); });
-    return a_Angles.iResult <= 0 && !bUntouched ? "written without a solution" : "";
+    return a_Angles.iResult <= 0 && !a_Angles.Room.IsUntouchedFrom(0) ? "written without a solution" : "";
 }
 
 TEST(SolveQuadTrig, SpecialArgumentsGiveNoMoreThanFourAnglesAndNoReport)
@@ -522,17 +522,17 @@ TEST(SolveQuadTrig, SpecialArgumentsGiveNoMoreThanFourAnglesAndNoReport)
     ExpectQuietCheck(
         [&]
         {
-            ForAllSpecial<6>(vdSpecial,
-                             [](const std::array<double, 6>& a_vdArguments)
-                             {
-                                 TTrigEquation Equation;
-                                 std::memcpy(&Equation, a_vdArguments.data(), sizeof Equation);
-                                 const std::string szFault = Fault(SolveQuadratic(Equation));
-                                 if (!szFault.empty())
-                                 {
-                                     std::fprintf(stderr, "%s: %s\n", szFault.c_str(), Text(Equation).c_str());
-                                 }
-                             });
+            ForAllCombinations<6>(vdSpecial,
+                                  [](const std::array<double, 6>& a_vdArguments)
+                                  {
+                                      TTrigEquation Equation;
+                                      std::memcpy(&Equation, a_vdArguments.data(), sizeof Equation);
+                                      const std::string szFault = Fault(SolveQuadratic(Equation));
+                                      if (!szFault.empty())
+                                      {
+                                          std::fprintf(stderr, "%s: %s\n", szFault.c_str(), Text(Equation).c_str());
+                                      }
+                                  });
         });
 }
 

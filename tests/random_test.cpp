@@ -2,9 +2,9 @@
 // Copyright (c) 2026 the nuv1math authors
 // SPDX-License-Identifier: MIT
 
-#include "fresh_generator.h"
 #include "nuv1math.h"
-#include "random_sequences.h"
+#include "support/fresh_generator.h"
+#include "support/random_sequences.h"
 #include "testing.h"
 
 #include <climits>

@@ -7,8 +7,8 @@
 // count as a root there.
 
 #include "nuv1math.h"
+#include "support/watched_allocator.h"
 #include "testing.h"
-#include "watched_allocator.h"
 
 #include <algorithm>
 

@@ -17,7 +17,6 @@ using nuv::RET_INDETERMINATE;
 
 using TValues = std::vector<double>;
 
-constexpr double Epsilon = std::numeric_limits<double>::epsilon();
 constexpr double Usual = 1e-6;
 constexpr std::size_t Guards = 3;
 

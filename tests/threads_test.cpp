@@ -249,12 +249,6 @@ const std::vector<TFunction> Functions = {
      }},
 };
 
-bool SameValues(const TValues& a_vdFirst, const TValues& a_vdSecond)
-{
-    return a_vdFirst.size() == a_vdSecond.size() &&
-           std::equal(a_vdFirst.begin(), a_vdFirst.end(), a_vdSecond.begin(), SameBits);
-}
-
 // Runs a_Work in a_iThreads threads, which begin together.
 void RunInThreads(int a_iThreads, const std::function<void(int)>& a_Work)
 {
@@ -317,7 +311,7 @@ static void ExpectTheSameBits(int a_iThreads, int a_iWaves, int a_iRounds)
         for (std::size_t i = 0; i < a_iRounds * Functions.size(); ++i)
         {
             const std::size_t iFunction = (i + 7 * a_iThread) % Functions.size();
-            iDiffering += !SameValues(Alone[iFunction], Functions[iFunction].Calls());
+            iDiffering += !SameBits(Alone[iFunction], Functions[iFunction].Calls());
             ++iCalls;
         }
     };

@@ -7,9 +7,9 @@
 // a unit, and up to a whole one where a result is less than twice a power of two and its factors are not; a platform's
 // function is taken to add one or two.
 
-#include "fresh_generator.h"
 #include "nuv1math.h"
-#include "vectors.h"
+#include "support/fresh_generator.h"
+#include "support/vector_tables.h"
 
 namespace {
 

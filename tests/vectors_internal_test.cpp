@@ -5,7 +5,7 @@
 #include "affine.h"
 #include "functionsimp.h"
 #include "poly.h"
-#include "vectors.h"
+#include "support/vector_tables.h"
 
 namespace {
 
@@ -156,8 +156,7 @@ TEST(InternalVectors, HessenbergEigenvalues)
                    // The matrix itself is scratch from here on, but not what stands around and between its columns.
                    a_Case.ExpectIntact(Matrix);
                    const std::vector<double> vdAfter = Padding(Matrix, iN, iStride);
-                   EXPECT_TRUE(std::equal(vdPadding.begin(), vdPadding.end(), vdAfter.begin(), SameBits))
-                       << "written between the columns";
+                   EXPECT_TRUE(SameBits(vdPadding, vdAfter)) << "written between the columns";
                });
 }
 

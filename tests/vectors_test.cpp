@@ -3,8 +3,8 @@
 // SPDX-License-Identifier: MIT
 
 #include "nuv1math.h"
-#include "random_sequences.h"
-#include "vectors.h"
+#include "support/random_sequences.h"
+#include "support/vector_tables.h"
 
 namespace {
 

@@ -17,7 +17,7 @@ using TDigits =
     boost::multiprecision::number<boost::multiprecision::mpfr_float_backend<120>, boost::multiprecision::et_off>;
 }
 #define NUV_REFERENCE_REAL nuv_accuracy::TDigits
-#include "reference_fits.h"
+#include "support/reference_fits.h"
 
 #include <algorithm>
 #include <cfloat>

@@ -3,7 +3,7 @@
 // SPDX-License-Identifier: MIT
 
 #include "coredll.h"
-#include "watched_allocator.h"
+#include "support/watched_allocator.h"
 
 #include <cstdlib>
 

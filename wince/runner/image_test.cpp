@@ -2,11 +2,11 @@
 // Copyright (c) 2026 the nuv1math authors
 // SPDX-License-Identifier: MIT
 
-#include "child.h"
+#include "support/child_process.h"
 #include "coredll.h"
 #include "forward.h"
 #include "nuv1math.h"
-#include "random_sequences.h"
+#include "support/random_sequences.h"
 #include "testing.h"
 
 #include <cstdlib>

@@ -2,7 +2,7 @@
 // Copyright (c) 2026 the nuv1math authors
 // SPDX-License-Identifier: MIT
 
-#include "tools/reference_fits.h"
+#include "support/reference_fits.h"
 
 #include <algorithm>
 #include <csignal>

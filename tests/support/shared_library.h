@@ -2,8 +2,8 @@
 // Copyright (c) 2026 the nuv1math authors
 // SPDX-License-Identifier: MIT
 
-#ifndef NUV_TESTS_SHARED_LIBRARY_H
-#define NUV_TESTS_SHARED_LIBRARY_H
+#ifndef NUV_TESTS_SUPPORT_SHARED_LIBRARY_H
+#define NUV_TESTS_SUPPORT_SHARED_LIBRARY_H
 
 #if defined(_WIN32)
 #include <windows.h>
@@ -68,4 +68,4 @@ inline bool IsSharedLibraryLoaded(const char* a_szFile)
 
 } // namespace nuv_tests
 
-#endif // NUV_TESTS_SHARED_LIBRARY_H
+#endif // NUV_TESTS_SUPPORT_SHARED_LIBRARY_H

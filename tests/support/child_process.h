@@ -1,9 +1,9 @@
-// child.h: runs a statement that ends its process in a child, and tells what it said and how it ended.
+// child_process.h: runs a statement in a child process, and returns what it wrote and how it ended.
 // Copyright (c) 2026 the nuv1math authors
 // SPDX-License-Identifier: MIT
 
-#ifndef NUV_TESTS_CHILD_H
-#define NUV_TESTS_CHILD_H
+#ifndef NUV_TESTS_SUPPORT_CHILD_PROCESS_H
+#define NUV_TESTS_SUPPORT_CHILD_PROCESS_H
 
 #include <functional>
 #include <string>
@@ -30,4 +30,4 @@ TChildEnd RunAtTerminal(const std::function<void()>& a_Statement, const std::str
 
 } // namespace nuv_tests
 
-#endif // NUV_TESTS_CHILD_H
+#endif // NUV_TESTS_SUPPORT_CHILD_PROCESS_H

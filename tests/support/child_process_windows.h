@@ -1,11 +1,11 @@
-// child_windows.h: runs a statement in a child whose message box, if it shows one, is read and answered.
+// child_process_windows.h: runs a statement in a child whose message box, if it shows one, is read and answered.
 // Copyright (c) 2026 the nuv1math authors
 // SPDX-License-Identifier: MIT
 
-#ifndef NUV_TESTS_CHILD_WINDOWS_H
-#define NUV_TESTS_CHILD_WINDOWS_H
+#ifndef NUV_TESTS_SUPPORT_CHILD_PROCESS_WINDOWS_H
+#define NUV_TESTS_SUPPORT_CHILD_PROCESS_WINDOWS_H
 
-#include "child.h"
+#include "child_process.h"
 
 #include <vector>
 
@@ -32,4 +32,4 @@ TMessageBoxEnd RunAtMessageBox(const std::function<void()>& a_Statement, int a_i
 
 } // namespace nuv_tests
 
-#endif // NUV_TESTS_CHILD_WINDOWS_H
+#endif // NUV_TESTS_SUPPORT_CHILD_PROCESS_WINDOWS_H

@@ -1,8 +1,8 @@
-// child.cpp: runs a statement that ends its process in a child, and tells what it said and how it ended.
+// child_process.cpp: child processes on POSIX systems.
 // Copyright (c) 2026 the nuv1math authors
 // SPDX-License-Identifier: MIT
 
-#include "child.h"
+#include "child_process.h"
 
 #include <cerrno>
 #include <cstdlib>

@@ -1,4 +1,4 @@
-// child_windows.cpp: runs a statement that ends its process in a child, and tells what it said and how it ended.
+// child_process_windows.cpp: runs a statement that ends its process in a child, and tells what it said and how it ended.
 // Copyright (c) 2026 the nuv1math authors
 // SPDX-License-Identifier: MIT
 //
@@ -7,7 +7,7 @@
 // writes what a user would see to a pipe of its own, and presses a button. Where no window can be shown, MessageBoxW
 // returns at once: then nothing was read, and the parent sees no box.
 
-#include "child_windows.h"
+#include "child_process_windows.h"
 
 #include <cstdlib>
 #include <gtest/gtest.h>

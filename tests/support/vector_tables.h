@@ -1,14 +1,15 @@
-// vectors.h: reads the tables of exact test vectors in tests/data and compares results with them, bit for bit.
+// vector_tables.h: reads the tables of exact test vectors in tests/data and compares results with them, bit for bit.
 // Copyright (c) 2026 the nuv1math authors
 // SPDX-License-Identifier: MIT
 //
-// tests/tools/make_vectors.py makes the tables and describes their format. Anything unexpected in a table (no file, no
-// case, a token too few, too many or not a number) ends the test with an exception and so fails it.
+// tests/tools/make_vectors.py makes the tables and describes their format. A table that cannot be read ends the test with
+// an exception, which fails it: no file, no case, too few or too many tokens, a token that is not a number.
 
-#ifndef NUV_TESTS_VECTORS_H
-#define NUV_TESTS_VECTORS_H
+#ifndef NUV_TESTS_SUPPORT_VECTOR_TABLES_H
+#define NUV_TESTS_SUPPORT_VECTOR_TABLES_H
 
-#include "testing.h"
+#include "control_points.h"
+#include "expect.h"
 
 #include <algorithm>
 #include <cinttypes>
@@ -20,7 +21,7 @@
 
 namespace nuv_tests {
 
-// FNV-1a, 64 bits, of a sequence of 64-bit values, each taken byte by byte from its low end.
+// The FNV-1a hash, 64 bits, of a sequence of 64-bit values. Each value is hashed byte by byte from its low end.
 class TDigest
 {
 public:
@@ -32,7 +33,7 @@ public:
         }
     }
 
-    // NaN have no bits of their own: every one counts as the same.
+    // All NaN count as one value, because their bits differ between processors.
     void Add(double a_dValue)
     {
         Add(std::isnan(a_dValue) ? std::uint64_t{0x7ff8} << 48 : Bits(a_dValue));
@@ -47,8 +48,8 @@ private:
     std::uint64_t m_iHash = 0xcbf29ce484222325u;
 };
 
-// The digests of all tables that were checked in this process. Printed at its end, they can be compared between
-// platforms; the order in which the tests ran does not matter.
+// Collects the digests of all tables that this process checks and prints them at its end, so that they can be compared
+// between platforms. The order of the tests does not matter.
 class TDigestReport : public ::testing::Environment
 {
 public:
@@ -81,46 +82,7 @@ private:
 
 inline ::testing::Environment* const DigestReport = ::testing::AddGlobalTestEnvironment(new TDigestReport);
 
-// An array handed to the library, with guards before and behind it that must stay.
-class TGuardedArray
-{
-public:
-    explicit TGuardedArray(const std::vector<double>& a_vdValues)
-        : m_vdValues(a_vdValues.size() + 2 * GuardLength, GuardValue)
-    {
-        std::copy(a_vdValues.begin(), a_vdValues.end(), m_vdValues.begin() + GuardLength);
-    }
-
-    // An output of a_iLength values that were not written yet.
-    static TGuardedArray Output(std::size_t a_iLength)
-    {
-        return TGuardedArray(std::vector<double>(a_iLength, Untouched));
-    }
-
-    double* Data()
-    {
-        return m_vdValues.data() + GuardLength;
-    }
-
-    std::vector<double> Values() const
-    {
-        return std::vector<double>(m_vdValues.begin() + GuardLength, m_vdValues.end() - GuardLength);
-    }
-
-    bool IsIntact() const
-    {
-        const auto IsGuard = [](double a_dValue) { return SameBits(a_dValue, GuardValue); };
-        return std::all_of(m_vdValues.begin(), m_vdValues.begin() + GuardLength, IsGuard) &&
-               std::all_of(m_vdValues.end() - GuardLength, m_vdValues.end(), IsGuard);
-    }
-
-private:
-    static constexpr std::ptrdiff_t GuardLength = 16;
-    static constexpr double GuardValue = 6.5e66;
-    std::vector<double> m_vdValues;
-};
-
-// One case of a table: the inputs are read off one by one, then the outputs are compared one by one.
+// One case of a table. A test reads the inputs in their order, then compares the outputs in theirs.
 class TVectorCase
 {
 public:
@@ -165,6 +127,14 @@ public:
         return TGuardedArray(Doubles(a_iCount));
     }
 
+    TGuardedPoints Points(std::ptrdiff_t a_iCount)
+    {
+        TGuardedArray X = Array(a_iCount);
+        TGuardedArray Y = Array(a_iCount);
+        TGuardedArray Xa = Array(a_iCount);
+        return {X, Y, Xa, Array(a_iCount)};
+    }
+
     std::vector<int> Ints(std::ptrdiff_t a_iCount)
     {
         std::vector<int> viValues;
@@ -178,12 +148,10 @@ public:
     template <class TRecord> TRecord Record()
     {
         const std::vector<double> vdFields = Doubles(sizeof(TRecord) / sizeof(double));
-        TRecord Values;
-        std::memcpy(&Values, vdFields.data(), sizeof Values);
-        return Values;
+        return FromFields<TRecord>(vdFields.data());
     }
 
-    // The outputs. a_iUntouched is what a whole number holds that was not written.
+    // a_iUntouched is the value that an output holds if it was not written.
     void ExpectInt(int a_iActual, int a_iUntouched = 0)
     {
         BeginOutput();
@@ -207,8 +175,8 @@ public:
         }
     }
 
-    // An output that the table has to more digits than a double: the error in the table's unit. What stands in the
-    // table as a plain number must have its bits, which counts as no error or an infinite one.
+    // The error of an output in units of the table, which gives it to more digits than a double has. An output that the
+    // table gives as a plain number must have the same bits: the error is then 0, else infinite.
     double UnitsOff(double a_dActual)
     {
         BeginOutput();
@@ -231,7 +199,7 @@ public:
         return std::fabs((a_dActual - ToDouble(vszParts[0])) / ToDouble(vszParts[2]) - ToDouble(vszParts[1]));
     }
 
-    // Where the case stands, and at which of its outputs.
+    // File and line of the case, and the number of the current output.
     std::string Place() const
     {
         return m_szPlace + ": output " + std::to_string(m_iOutput);
@@ -246,7 +214,6 @@ public:
         ExpectIntact(a_Array);
     }
 
-    // The guards of an array were not overwritten.
     void ExpectIntact(const TGuardedArray& a_Array) const
     {
         EXPECT_TRUE(a_Array.IsIntact()) << m_szPlace << ": written beyond an array";
@@ -316,7 +283,7 @@ private:
     int m_iOutput = 0;
 };
 
-// Runs a_Check on every case of tests/data/<a_szName>.txt; gives the digest of what was compared bit for bit.
+// Runs a_Check on every case of tests/data/<a_szName>.txt. Returns the digest of all outputs compared bit for bit.
 template <class TCheck> std::uint64_t ForEachCase(const std::string& a_szName, TCheck a_Check)
 {
     const std::string szFile = a_szName + ".txt";
@@ -339,7 +306,7 @@ template <class TCheck> std::uint64_t ForEachCase(const std::string& a_szName, T
     return Digest.Value();
 }
 
-// The cases of an exact table, with its digest.
+// Checks all cases of an exact table and reports its digest.
 template <class TCheck> void CheckTable(const std::string& a_szName, TCheck a_Check)
 {
     TDigestReport::Add(a_szName, ForEachCase(a_szName, a_Check));
@@ -347,4 +314,4 @@ template <class TCheck> void CheckTable(const std::string& a_szName, TCheck a_Ch
 
 } // namespace nuv_tests
 
-#endif // NUV_TESTS_VECTORS_H
+#endif // NUV_TESTS_SUPPORT_VECTOR_TABLES_H

@@ -2,8 +2,8 @@
 // Copyright (c) 2026 the nuv1math authors
 // SPDX-License-Identifier: MIT
 
-#ifndef NUV_TESTS_FRESH_GENERATOR_H
-#define NUV_TESTS_FRESH_GENERATOR_H
+#ifndef NUV_TESTS_SUPPORT_FRESH_GENERATOR_H
+#define NUV_TESTS_SUPPORT_FRESH_GENERATOR_H
 
 #include "nuv1math.h"
 
@@ -32,4 +32,4 @@ inline void StartFresh(int a_iSeed)
 
 } // namespace nuv_tests
 
-#endif // NUV_TESTS_FRESH_GENERATOR_H
+#endif // NUV_TESTS_SUPPORT_FRESH_GENERATOR_H

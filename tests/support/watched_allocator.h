@@ -2,8 +2,8 @@
 // Copyright (c) 2026 the nuv1math authors
 // SPDX-License-Identifier: MIT
 
-#ifndef NUV_TESTS_WATCHED_ALLOCATOR_H
-#define NUV_TESTS_WATCHED_ALLOCATOR_H
+#ifndef NUV_TESTS_SUPPORT_WATCHED_ALLOCATOR_H
+#define NUV_TESTS_SUPPORT_WATCHED_ALLOCATOR_H
 
 #include <cstddef>
 #include <set>
@@ -63,4 +63,4 @@ void RealRelease(void* a_pMemory);
 
 } // namespace nuv_tests
 
-#endif // NUV_TESTS_WATCHED_ALLOCATOR_H
+#endif // NUV_TESTS_SUPPORT_WATCHED_ALLOCATOR_H

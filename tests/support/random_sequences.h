@@ -2,8 +2,8 @@
 // Copyright (c) 2026 the nuv1math authors
 // SPDX-License-Identifier: MIT
 
-#ifndef NUV_TESTS_RANDOM_SEQUENCES_H
-#define NUV_TESTS_RANDOM_SEQUENCES_H
+#ifndef NUV_TESTS_SUPPORT_RANDOM_SEQUENCES_H
+#define NUV_TESTS_SUPPORT_RANDOM_SEQUENCES_H
 
 #include <cstdio>
 #include <cstdlib>
@@ -44,4 +44,4 @@ inline std::map<int, std::vector<double> > ReadRandomSequences()
 
 } // namespace nuv_tests
 
-#endif // NUV_TESTS_RANDOM_SEQUENCES_H
+#endif // NUV_TESTS_SUPPORT_RANDOM_SEQUENCES_H
