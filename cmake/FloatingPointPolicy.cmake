@@ -1,11 +1,13 @@
 # SPDX-License-Identifier: MIT
 #
-# The one place for how floating-point code is compiled. Results are a contract: every double operation is rounded
-# once, in the written order, on every platform.
-#   -ffp-contract=off        a*b + c is two operations; processors with FMA would otherwise round once
-#   /fp:strict               the same for Microsoft's compilers
-#   -msse2 -mfpmath=sse      32-bit x86 computes in double registers, not in the wider ones of the x87
-# Never -ffast-math, -Ofast or a part of them. nuv/nuv_math/include/floatingpoint.h refuses what it can recognise.
+# All flags for floating-point code. Every program and library of this project links nuv_floating_point.
+#
+# Results are a contract: each double operation is rounded once, in the written order, on every platform.
+#   -ffp-contract=off        a*b + c stays two operations. Otherwise a processor with FMA rounds them once.
+#   /fp:strict               The same for Microsoft's compilers.
+#   -msse2 -mfpmath=sse      32-bit x86 computes in double registers instead of the wider ones of the x87.
+# Never use -ffast-math, -Ofast or a part of them. nuv/nuv_math/include/floatingpoint.h stops the build when it detects
+# them.
 
 add_library(nuv_floating_point INTERFACE)
 if(MSVC)

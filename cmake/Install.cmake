@@ -1,6 +1,6 @@
 # SPDX-License-Identifier: MIT
 #
-# Installs the library, its one public header and a CMake package: find_package(nuv1math), target nuv::nuv1math.
+# Installs the library, its public header and a CMake package: find_package(nuv1math) gives the target nuv::nuv1math.
 
 include(CMakePackageConfigHelpers)
 set(NUV1MATH_CMAKE_DIR ${CMAKE_INSTALL_LIBDIR}/cmake/nuv1math)

@@ -1,8 +1,7 @@
 # SPDX-License-Identifier: MIT
 #
-# What the tests need: GoogleTest, Eigen, and RapidCheck where there is one. A cross compiler has neither GoogleTest nor
-# RapidCheck as a package: GoogleTest is built from its packaged sources, and the properties are left to the other
-# platforms.
+# Finds the packages of the tests: GoogleTest, Eigen and RapidCheck. Debian has no GoogleTest and no RapidCheck for its
+# cross compilers. There GoogleTest is built from its source package, and the property tests are left out.
 
 if(CMAKE_CROSSCOMPILING)
   set(NUV1MATH_GOOGLETEST_SOURCE /usr/src/googletest CACHE PATH "The sources of GoogleTest")

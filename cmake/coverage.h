@@ -1,8 +1,8 @@
-// coverage.h: included into every source of the library that is instrumented for coverage.
+// coverage.h: included before every source of the library when coverage is counted.
 // Copyright (c) 2026 the nuv1math authors
 // SPDX-License-Identifier: MIT
 //
-// _exit, by which the assertion report ends its process, does not write the counters: they are written first.
+// The assertion report ends its process with _exit, which does not write the counters. Write them before it.
 
 #ifndef NUV_COVERAGE_H
 #define NUV_COVERAGE_H

@@ -1,5 +1,5 @@
 # SPDX-License-Identifier: MIT
-# What Debian's cross compilers for Linux have in common. Included with NUV_TRIPLE and NUV_PROCESSOR set.
+# Debian's cross compilers for Linux. The including file sets NUV_TRIPLE and NUV_PROCESSOR.
 
 set(CMAKE_SYSTEM_NAME Linux)
 set(CMAKE_SYSTEM_PROCESSOR ${NUV_PROCESSOR})

@@ -1,5 +1,5 @@
 # SPDX-License-Identifier: MIT
-# 64-bit ARM, whose processors fuse multiplication and addition: compilers do so there unless told otherwise.
+# 64-bit ARM. Its processors have fused multiply-add, which compilers use unless told otherwise.
 
 set(NUV_TRIPLE aarch64-linux-gnu)
 set(NUV_PROCESSOR aarch64)

@@ -1,5 +1,5 @@
 # SPDX-License-Identifier: MIT
-# 64-bit Windows, run by wine.
+# 64-bit Windows. wine runs its programs.
 
 set(NUV_TRIPLE x86_64-w64-mingw32)
 set(NUV_PROCESSOR AMD64)

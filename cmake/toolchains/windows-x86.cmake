@@ -1,5 +1,5 @@
 # SPDX-License-Identifier: MIT
-# 32-bit Windows: built, not run.
+# 32-bit Windows. Its programs are built but not run.
 
 set(NUV_TRIPLE i686-w64-mingw32)
 set(NUV_PROCESSOR x86)
