@@ -1,0 +1,76 @@
+"""markdown: what the pages have in common: tables, measured regions, and files that are replaced as a whole.
+
+Copyright (c) 2026 the nuv1math authors
+SPDX-License-Identifier: MIT
+
+A page that is written by hand has regions for what is measured:
+
+    <!-- measured: NAME -->
+    (this is replaced)
+    <!-- end -->
+"""
+
+import json
+import os
+import pathlib
+import re
+import sys
+import textwrap
+
+ROOT = pathlib.Path(__file__).resolve().parents[2]
+NUMBER, WORD, TICK = "--:", "---", ":-:"
+
+
+def fail(message):
+    sys.exit(f"{pathlib.Path(sys.argv[0]).stem} page: {message}")
+
+
+def table(header, rows, columns=None):
+    """The first column holds words and the others numbers, unless columns says what each one holds."""
+    columns = columns or [WORD] + [NUMBER] * (len(header) - 1)
+    return "\n".join("| " + " | ".join(str(cell) for cell in line) + " |" for line in [header, columns, *rows])
+
+
+def paragraph(text):
+    return textwrap.fill(text, 120, break_long_words=False, break_on_hyphens=False)
+
+
+def bullets(texts):
+    return "\n".join(textwrap.fill(f"- {text}", 120, subsequent_indent="  ", break_long_words=False,
+                                   break_on_hyphens=False) for text in texts)
+
+
+def listed(words):
+    """The words as an enumeration in a sentence."""
+    words = [str(word) for word in words]
+    return ", ".join(words[:-1]) + " and " + words[-1] if len(words) > 1 else "".join(words)
+
+
+def read_json(path, command):
+    """A result in the build directory, and the command that makes it if it is not there."""
+    if not (ROOT / path).exists():
+        fail(f"{path} is missing; {command} makes it")
+    return json.loads((ROOT / path).read_text())
+
+
+def write(path, text):
+    """Replaces a file as a whole."""
+    path = ROOT / path
+    unfinished = path.with_name(path.name + ".new")
+    unfinished.write_text(text)
+    os.replace(unfinished, path)
+
+
+def write_regions(path, regions):
+    """Replaces the regions of a page, given by name. Each must be in the page once, and no other one."""
+    text = (ROOT / path).read_text()
+    there = sorted(re.findall(r"^<!-- measured: (\w+) -->$", text, re.MULTILINE))
+    if there != sorted(regions):
+        fail(f"{path} has the regions {there}, and {sorted(regions)} are measured")
+    for name, content in regions.items():
+        start = f"<!-- measured: {name} -->\n"
+        pattern = re.escape(start) + r"(?:(?!<!-- measured: ).)*?<!-- end -->$"
+        text, count = re.subn(pattern, lambda _: f"{start}{content.strip()}\n<!-- end -->", text, flags=re.S | re.M)
+        if count != 1:
+            fail(f"{path}: the region {name} has no end")
+    write(path, text)
