@@ -229,9 +229,9 @@ NUV1MATH_API int CalcConformalCoefs(unsigned int a_iPoints, const double* a_vdX,
  *
  *  Limits: **the fit does not detect source points on one line, nor fewer than three different source points.** It then
  *  returns 1 with very large or meaningless coefficients. The determinant ae - db does not reveal this. A caller that
- *  cannot exclude such points must test them before the fit: let r be the spread (root mean square) of the source points
- *  across their best line, divided by their spread along it. The errors of a, b, d and e, relative to the largest of
- *  them, are
+ *  cannot exclude such points must test them before the fit: let r be the spread (root mean square) of the source
+ *  points across their best line, divided by their spread along it. The errors of a, b, d and e, relative to the
+ *  largest of them, are
  *  - typically 3e-17/r^2 to 3e-16/r^2, and at most 3e-15/r^2, for up to 1000 points;
  *  - typically 1e-15/r^2 for 10 000 points and 4e-15/r^2 for 100 000 points, up to ten times that.
  *  No digit is left below r = 3e-8. Target points on one line show in a determinant that is tiny beside the squares of
