@@ -83,6 +83,8 @@
  *  systems it goes to standard error, and the library waits for a line of input if standard input is a terminal.
  */
 
+/** @def NUV1MATH_API
+ *  Exports the functions when the library itself is built (NUV1MATH_BUILD), and imports them otherwise. */
 #if defined(_WIN32)
 #if defined(NUV1MATH_BUILD)
 #define NUV1MATH_API __declspec(dllexport)
@@ -156,7 +158,8 @@ enum enumMethodUsed
     METHOD_OMOGRAPHIC = 2 /**< projective, eight coefficients, at least 4 points (CalcOmographicCoefs) */
 };
 
-/** @name Transformation from control points @{ */
+/** @name Transformation from control points
+ *  @{ */
 
 /** Computes the richest transformation that the control points support. The result is one record for all kinds.
  *
@@ -299,7 +302,8 @@ NUV1MATH_API int CalcOmographicCoefs(int a_iPoints, const double* a_vdX, const d
  *  - tx, ty: the translations.
  *
  *  a = sx cos(theta), b = sy (cos(theta) tan(phi) - sin(theta)), c = tx,
- *  d = sx sin(theta), e = sy (sin(theta) tan(phi) + cos(theta)), f = ty. @{ */
+ *  d = sx sin(theta), e = sy (sin(theta) tan(phi) + cos(theta)), f = ty.
+ *  @{ */
 
 /** Computes affine coefficients from geometric parameters. A skew of +-pi/2 is not refused: tan(phi), about 1.6e16
  *  there, enters b and e like any other value.
@@ -356,7 +360,8 @@ NUV1MATH_API void AffineUntransform(const TAffineCoefs& a_Coefs, double a_dXa, d
 
 /** @} */
 
-/** @name Conformal transformations @{ */
+/** @name Conformal transformations
+ *  @{ */
 
 /** Computes conformal coefficients from scale, rotation and translations.
  *
@@ -396,7 +401,8 @@ NUV1MATH_API void ConformalCoefsToAffineCoefs(const TConformalCoefs& a_Coefs, TA
 
 /** @} */
 
-/** @name Omographic transformations @{ */
+/** @name Omographic transformations
+ *  @{ */
 
 /** Converts an affine transformation to an omographic one: the six coefficients in order, dG = dH = 0.
  *
@@ -419,7 +425,8 @@ NUV1MATH_API void AffineCoefsToOmographicCoefs(const TAffineCoefs& a_Affine, TOm
  *  observation; CholeskyLowTri; SolveCholLowTri if that returned true; DeleteCholLowTri.
  *
  *  The functions check neither pointers nor indices. Source: G. H. Golub, C. F. Van Loan, Matrix Computations, 4th
- *  ed., sections 4.2 (Cholesky) and 5.3 (normal equations). @{ */
+ *  ed., sections 4.2 (Cholesky) and 5.3 (normal equations).
+ *  @{ */
 
 /** Allocates a packed matrix and a vector for n unknowns and fills them with zeros. If either allocation fails, both
  *  addresses are null and nothing stays allocated. Release the arrays by DeleteCholLowTri only.
@@ -482,7 +489,8 @@ NUV1MATH_API void SolveCholLowTri(int a_iUnknowns, const double* a_vdFactor, dou
 
 /** @} */
 
-/** @name Linear systems @{ */
+/** @name Linear systems
+ *  @{ */
 
 /** Solves a11 x + a12 y = b1, a21 x + a22 y = b2 by Cramer's rule.
  *
@@ -508,7 +516,8 @@ NUV1MATH_API int Roots(double a_dA11, double a_dA12, double a_dA21, double a_dA2
 /** @name Cholesky, dense
  *  The same factorisation and solution on a full n x n matrix, stored row by row: element (i, j), counted from 0, is at
  *  i n + j. The functions read and write only the lower triangle with the diagonal; the strict upper triangle may hold
- *  anything and keeps it. Order of calls: Cholesky; SolveChol with the same array if that returned true. @{ */
+ *  anything and keeps it. Order of calls: Cholesky; SolveChol with the same array if that returned true.
+ *  @{ */
 
 /** Factorises A = L L^T in place, column by column, without pivoting and without tolerance.
  *
@@ -532,7 +541,8 @@ NUV1MATH_API void SolveChol(int a_iN, const double* a_vdFactor, double* a_vdVect
 
 /** @} */
 
-/** @name Polynomials @{ */
+/** @name Polynomials
+ *  @{ */
 
 /** Computes the real roots of a polynomial with real coefficients, as eigenvalues of its companion matrix.
  *
@@ -582,7 +592,8 @@ NUV1MATH_API int Roots(unsigned int iDegree, const double* vdA, double* a_vdRoot
  *
  *  Limit: squares and products of the coefficients must neither overflow nor underflow (magnitudes of about 1e-150 to
  *  1e150). Otherwise angles can be wrong, missing or invented, without notice: scale the equation by a power of 2. NaN
- *  coefficients can give NaN angles. @{ */
+ *  coefficients can give NaN angles.
+ *  @{ */
 
 /** Finds the angles t that solve a cos(t) + b sin(t) + c = 0.
  *
@@ -648,7 +659,8 @@ NUV1MATH_API int SolveQuadTrig(double a_dA, double a_dB, double a_dC, double a_d
  *
  *  Method: three linear congruential generators (moduli 259200, 134456, 243000). Two of them form a value; the third
  *  draws it from a table of 97. Source: C. Bays, S. D. Durham, ACM Trans. Math. Softw. 2 (1976) 59-64; for the normal
- *  numbers G. Marsaglia, T. A. Bray, SIAM Rev. 6 (1964) 260-264. @{ */
+ *  numbers G. Marsaglia, T. A. Bray, SIAM Rev. 6 (1964) 260-264.
+ *  @{ */
 
 /** Restarts the sequence of uniform numbers. It does not drop the second normal number of a pair (see Randn): the next
  *  Randn still returns it.
