@@ -1,5 +1,6 @@
 # build.sh: sourced by the commands, in the root of the repository. Installs Debian packages and builds presets.
 # SPDX-License-Identifier: MIT
+# shellcheck shell=bash
 
 # Packages of each preset: what configuring, building and testing it takes.
 tools='cmake ninja-build ccache'
@@ -60,13 +61,9 @@ require() {
 
 # require_for PRESET...: installs what these presets need.
 require_for() {
-    local preset all=()
-    for preset in "$@"; do
-        read -r -d '' -a names <<<"${packages[$preset]}" || true
-        all+=("${names[@]}")
-    done
-    mapfile -t all < <(printf '%s\n' "${all[@]}" | sort -u)
-    require "${all[@]}"
+    local preset
+    # shellcheck disable=SC2046 # splits the lists into names
+    require $(for preset in "$@"; do echo "${packages[$preset]}"; done | tr -s ' ' '\n' | sort -u)
 }
 
 # build PRESET [TARGET...]: configures a preset and builds the targets given, or those that the preset builds. Objects
