@@ -3,16 +3,9 @@
 
 usage: check_coverage.py COVERAGE.json (of gcovr)
 
-A line that no test can reach completely says so itself, in a comment at its end or alone on the line above it:
-
-    if (SolveGauss(3, 2, vdMatrix, 3, vdRhs, 3, vdSolution, 3) == 0) // unreachable: no pivot is zero here
-    // host only: a processor has these vectors or does not have them
-    if (HasWideVectors())
-
-"unreachable" means that no input reaches the line or takes the missed branch; "host only" means that other machines or
-other builds do. The reason after the colon is required. A marker before a block in braces covers the block too. The
-check fails where something is missed without a marker, and where a marker covers nothing that is missed. It
-reads only the lines that were compiled for coverage, so a marker may stand in code of another platform.
+A line that no test can reach completely has a marker, "unreachable" or "host only" (see markers.py). The check fails
+where something is missed without a marker, and where a marker covers nothing that is missed. It reads only the lines
+that were compiled for coverage, so a marker may stand in code of another platform.
 
 Copyright (c) 2026 the nuv1math authors
 SPDX-License-Identifier: MIT
@@ -21,34 +14,11 @@ SPDX-License-Identifier: MIT
 import collections
 import json
 import pathlib
-import re
 import sys
 
+from markers import markers_of
+
 ROOT = pathlib.Path(__file__).resolve().parent.parent.parent
-MARKER = re.compile(r"(?P<before>.*?)// (?:unreachable|host only): \S")
-
-
-def indent_of(text):
-    return len(text) - len(text.lstrip())
-
-
-def lines_covered_by(texts, first):
-    """The numbers of the marked line and of the block in braces that follows it; lines are counted from 0."""
-    if not MARKER.match(texts[first]).group("before").strip():
-        first += 1
-    last = first
-    if last + 1 < len(texts) and texts[last + 1].strip() == "{":
-        last += 1
-        while indent_of(texts[last]) != indent_of(texts[first]) or texts[last].strip()[:1] != "}":
-            last += 1
-    return range(first, last + 1)
-
-
-def markers_of(texts):
-    """For each marker, by its line, the lines that it covers. Lines are counted from 1."""
-    return {number + 1: {covered + 1 for covered in lines_covered_by(texts, number)}
-            for number, text in enumerate(texts) if MARKER.match(text)}
-
 
 def missed_in(lines):
     """For each line that is not reached, or not in every direction: what is missed."""
@@ -65,7 +35,7 @@ def missed_in(lines):
 def check(name, lines):
     """Prints the counts of one source; returns them with what is wrong."""
     texts = (ROOT / name).read_text().splitlines()
-    markers = markers_of(texts)
+    markers = markers_of(texts, "unreachable", "host only")
     missed = missed_in(lines)
     excused = set().union(*markers.values())
     compiled = {line["line_number"] for line in lines}

@@ -1,13 +1,15 @@
 #!/usr/bin/env python3
-"""mutate.py: changes the library's sources one place at a time and lets the tests notice.
+"""mutate.py: changes the library's source one place at a time; the tests, or the fuzz targets, must notice.
 
-usage: mutate.py [-n SAMPLE] [-j JOBS] [-b BUILD] [-s SEED] [-l] [-a] [SOURCE ...]
+usage: mutate.py [--all | --sample N] [--fuzz SECONDS] [--jobs N] [--seed N] [SOURCE ...]
 
-Every mutant is one changed line. It is compiled as the build compiles it; one whose object is the same as the
-original's is equivalent and not run. The others are killed when a test program fails, crashes or takes too long. A
-survivor counts as reviewed if tests/mutation_survivors.txt names it. Needs a build of the preset default with its test
-programs. -n takes a random sample of each source, -l only lists the mutants. -a takes those survivors whose reason is
-that the address sanitizer reports them, and a build of the preset linux-sanitize: there they must be killed.
+Each mutant is one changed line. It is compiled and linked as the builds do it, in a directory of its own. A mutant
+whose objects are the same as the original's is not run. The others are killed when a test fails, crashes or takes too
+long: first the quick tests of the preset default, then the tests of the device (preset linux-armel), the quick tests under
+the sanitizers (preset linux-sanitize), and the slow tests. A line that may have survivors has a marker (markers.py).
+
+Fails if a mutant of another line survives, and with --all also for each marker "equivalent" without a survivor.
+With --fuzz the fuzz targets hunt a sample of the mutants that the tests kill, each target for so many seconds.
 
 Copyright (c) 2026 the nuv1math authors
 SPDX-License-Identifier: MIT
@@ -22,66 +24,57 @@ import pathlib
 import random
 import re
 import shlex
+import shutil
 import signal
 import subprocess
 import sys
 import tempfile
+import threading
 import time
+import typing
+
+from markers import markers_of
 
 ROOT = pathlib.Path(__file__).resolve().parent.parent.parent
-SOURCES = ROOT / "nuv/nuv1math/src"
-HEADERS = ROOT / "nuv/nuv_math/include"
-SURVIVORS = ROOT / "tests/mutation_survivors.txt"
-DEFAULT_SOURCES = ["TRIG.cpp", "affine.cpp", "assertion.cpp", "cholesky.cpp", "choleskytile.h", "functionsimp.h",
-                   "module.cpp", "omographic.cpp", "platform_posix.cpp", "poly.cpp", "random.cpp", "vectors.h"]
+LIBRARY = ROOT / "nuv"
+QUICK_SECONDS = 0.1  # a test that takes longer is a slow one
 
-# Test programs and what they run, those first that kill most in least time. "shared" ones load the mutated library,
-# "static" ones are linked with it. load_tests are left out: they open the library by the path of the build.
-SLOW = ("SolveQuadTrig.SpecialArguments*:SolveQuadTrig.ArgumentsOfEverySize*:*FunctionChangesSign:"
-        "CholeskyOrder.EveryFailingDiagonal*:CholeskySize.*:RandnDistribution.*")
-STAGES = [("shared", "public_tests", "*Vectors*"), ("shared", "public_tests", "FAMILY"),
-          ("static", "internal_tests", "*"), ("shared", "public_tests", "*-*Vectors*:" + SLOW),
-          ("static", "calls_tests", "*"), ("static", "pairs_tests", "*-CholeskyOrder.EveryFailing*"),
-          ("static", "allocation_tests", "*"), ("static", "report_tests", "*"),
-          ("static", "platform_tests", "*"),
-          ("shared", "property_tests", "*"), ("shared", "public_tests", SLOW)]
-FAMILIES = {"TRIG.cpp": "*Trig*", "affine.cpp": "*Affine*:*Conformal*", "cholesky.cpp": "*Chol*:*LowTri*",
-            "choleskytile.h": "*Chol*", "omographic.cpp": "*Omographic*:CalcCoefs*", "poly.cpp": "*Roots*",
-            "random.cpp": "*Rand*"}
+# ---- The changes of a line ----
 
-SWAPS = {" + ": [" - "], " - ": [" + "], " * ": [" / ", " + "], " / ": [" * "], " % ": [" / "],
+SWAPS = {" + ": [" - "], " - ": [" + "], " * ": [" / "], " / ": [" * "], " % ": [" / "],
          " += ": [" -= "], " -= ": [" += "], " *= ": [" /= "], " /= ": [" *= "],
-         " < ": [" <= ", " > "], " <= ": [" < ", " >= "], " > ": [" >= ", " < "], " >= ": [" > ", " <= "],
+         " < ": [" <= ", " > "], " <= ": [" < "], " > ": [" >= ", " < "], " >= ": [" > "],
          " == ": [" != "], " != ": [" == "], " && ": [" || "], " || ": [" && "]}
-OPERAND = r"[\w.]+(?:\[[^\]]+\])?(?:\([^()]*\))?(?: [*/] [\w.]+(?:\[[^\]]+\])?(?:\([^()]*\))?)*"
-PATTERNS = [  # text and what replaces it
-    (r"(?<=[=(,?:*/+] )-(?=[\w(])|(?<=[(\[])-(?=[\w(])|(?<=return )-(?=[\w(])", ""),  # a negation dropped
-    (r"!(?=[\w(])(?!\()|!(?=\()", ""),
-    (r"\+\+(?=\w)", "--"), (r"--(?=\w)", "++"),
+FACTOR = r"[\w.]*\bv?d[A-Z\d]\w*(?:\[[^\]]+\])?|[\w.]+\[[^\]]+\]"  # a floating-point operand, by its name
+TERM = rf"(?:{FACTOR})(?: [*/] (?:{FACTOR}))*"
+PATTERNS = [
+    (r"(?<=[=(,?:*/+\[] )-(?=[\w(])|(?<=[(\[])-(?=[\w(])|(?<=return )-(?=[\w(])", ""),  # a negation
+    (r"!(?=[\w(])", ""),
     (r"\btrue\b", "false"), (r"\bfalse\b", "true"),
     (r"\bRET_IMPOSSIBLE\b", "RET_INDETERMINATE"), (r"\bRET_INDETERMINATE\b", "RET_IMPOSSIBLE"),
-    (r"\bfabs(?=\()", ""), (r"(?<=\[)(\w*[ijkpq])(?=\])", r"\1 + 1"),
-    (rf"({OPERAND}) \+ ({OPERAND}) \+ ({OPERAND})", r"\1 + (\2 + \3)"),  # orders of accumulation
-    (rf"({OPERAND}) - ({OPERAND}) - ({OPERAND})", r"\1 - (\2 + \3)"),
-    (rf"({OPERAND}) - ({OPERAND}) \+ ({OPERAND})", r"\1 - (\2 - \3)"),
-    (rf"\(({OPERAND}) \+ ({OPERAND})\) \+ ({OPERAND})", r"\1 + (\2 + \3)"),
-    (rf"\(({OPERAND}) \+ ({OPERAND})\) - ({OPERAND})", r"\1 + (\2 - \3)"),
-    (rf"\(({OPERAND}) - ({OPERAND})\) \+ ({OPERAND})", r"\1 - (\2 - \3)"),
-    (r"([\w.]+) \* ([\w.]+) \* ([\w.]+)", r"\1 * (\2 * \3)"),
-    (r"\(([\w.]+) \* ([\w.]+)\) \* ([\w.]+)", r"\1 * (\2 * \3)"),
-    (r"for \((int|ptrdiff_t) (\w+) = ([^;]+); \2 < ([^;]+); \+\+\2\)", r"for (\1 \2 = (\4) - 1; \2 >= \3; --\2)"),
-    (r"for \((int|ptrdiff_t) (\w+) = ([^;]+); \2 <= ([^;]+); \+\+\2\)", r"for (\1 \2 = \4; \2 >= \3; --\2)"),
-    (r"for \((int|ptrdiff_t) (\w+) = ([^;]+); \2 >= ([^;]+); --\2\)", r"for (\1 \2 = \4; \2 <= \3; ++\2)"),
+    (r"\bfabs(?=\()", ""),
+    (rf"({TERM}) \+ ({TERM}) \+ ({TERM})", r"\1 + (\2 + \3)"),  # the order of floating-point operations
+    (rf"({TERM}) - ({TERM}) - ({TERM})", r"\1 - (\2 + \3)"),
+    (rf"({TERM}) - ({TERM}) \+ ({TERM})", r"\1 - (\2 - \3)"),
+    (rf"\(({TERM}) ([-+]) ({TERM})\) \+ ({TERM})", r"\1 \2 (\3 \2 \4)"),
+    (rf"({FACTOR}) \* ({FACTOR}) \* ({FACTOR})", r"\1 * (\2 * \3)"),
 ]
-STATEMENT = re.compile(r"^(?!    return\b)\s+(?=\S)(?!(?:const|double|int|bool|char|unsigned|ptrdiff_t|size_t|ssize_t|"
-                       r"static|typedef|using|T[A-Z]\w+ \w|struct|extern|else|case)\b)[^{};]*(?:\{[^{}]*\})?[^{};]*;$")
-FUNCTION = re.compile(r"^(?:static |inline |extern \"C\" |__attribute__\S* )*[\w:<>]+[\w:<>*& ]*?[ *&](\w+)\(")
+NUMBER = re.compile(r"(?<![\w.])(\d+\.\d*(?:e[+-]?\d+)?|\d+e[+-]?\d+|\d+)(?![\w.])")
+# A whole statement that is neither a declaration nor a function's last return.
+STATEMENT = re.compile(r"^(?!    return\b)\s+(?=\S)(?!(?:const|double|int|bool|char|unsigned|ptrdiff_t|size_t|ssize_t|static|"
+                       r"typedef|using|T[A-Z]\w+ \w|struct|extern|else|case)\b)[^{};]+;$")
+NO_MUTANTS = re.compile(r"\s*(#|$)|.*(NUV_ASSERT_AT\(|typedef char|#define|static_assert)")  # checked by structure_test.py
 
-TMutant = collections.namedtuple("TMutant", "source number function before after")
 
+class TMutant(typing.NamedTuple):
+    source: pathlib.Path
+    number: int  # of the line, from 1
+    function: str
+    before: str
+    after: str
 
-def path_of(name):
-    return (SOURCES if (SOURCES / name).exists() else HEADERS) / name
+    def __str__(self):
+        return f"{self.source.name}:{self.number}: {self.function}: {self.before.strip()} => {self.after.strip()}"
 
 
 def code_part(line):
@@ -91,312 +84,396 @@ def code_part(line):
     return line.split("//")[0].rstrip()
 
 
-def constants(code):
-    """Changed constants: (start, end, text)."""
-    for match in re.finditer(r"(?<![\w.])(\d+\.\d*(?:e[+-]?\d+)?|\d+e[+-]?\d+|\d+)(?![\w.])", code):
+def changed_numbers(code):
+    """(start, end, text) of each changed number. An array is only made smaller: nothing reads a greater one's end."""
+    for match in NUMBER.finditer(code):
         text = match.group()
+        declared = re.match(r"\](\[|;| =)", code[match.end():]) and re.match(r"\s+(const )?[\w:]+ \w+\[", code)
         if re.search(r"[.e]", text):
-            value = float(text)
-            changed = [repr(value * 2)] if value != 0 else ["1.0"]
-            if len(text) > 10:  # every digit counts
-                changed.append(repr(value * (1 + 2.0**-52)))
+            others = [repr(float(text) * 2) if float(text) else "1.0"]
+            others += [repr(float(text) * (1 + 2.0**-52))] if len(text) > 10 else []
         else:
-            changed = [str(int(text) + 1)] + ([str(int(text) - 1)] if int(text) > 0 else [])
-        for other in changed:
+            others = [] if declared else [str(int(text) + 1)]
+            others += [str(int(text) - 1)] if int(text) > 0 else []
+        for other in others:
             yield match.start(), match.end(), other
 
 
-def changes(code, statement_before):
-    """All changed forms of a line of code."""
+def changes(code, begins_statement):
+    """(start, end, text) of each change of a line of code."""
     for old, replacements in SWAPS.items():
         for match in re.finditer(re.escape(old), code):
             for new in replacements:
-                yield code[:match.start()] + new + code[match.end():]
+                yield match.start(), match.end(), new
     for pattern, replacement in PATTERNS:
         for match in re.finditer(pattern, code):
-            yield code[:match.start()] + match.expand(replacement) + code[match.end():]
-    for start, end, text in constants(code):
-        yield code[:start] + text + code[end:]
-    if statement_before and STATEMENT.match(code):
-        yield re.match(r"\s*", code).group() + ";"
+            yield match.start(), match.end(), match.expand(replacement)
+    yield from changed_numbers(code)
+    if begins_statement and STATEMENT.match(code):
+        yield len(code) - len(code.lstrip()), len(code), ";"
 
 
-def mutants_of(path):
-    function = "-"
+def functions_of(source):
+    """The name of the function for each line number that is inside one, as ctags reads the source."""
+    tags = subprocess.run(["ctags", "--language-force=C++", "--kinds-C++=f", "--fields=+ne", "--output-format=json", "-f",
+                           "-", str(source)], capture_output=True, text=True, check=True).stdout
+    tags = [json.loads(line) for line in tags.splitlines()]
+    return {number: tag["name"] for tag in tags for number in range(tag["line"], tag.get("end", tag["line"]) + 1)}
+
+
+def mutants_of(source):
+    functions = functions_of(source)
     before = ""
-    for number, line in enumerate(path.read_text().splitlines()):
+    for number, line in enumerate(source.read_text().splitlines(), 1):
         code = code_part(line)
-        if code.startswith("#") or not code or before.endswith("\\") or "typedef char" in code or "sizeof(" in code[:9]:
-            before = code or before
-            continue
-        found = FUNCTION.match(code)
-        if found:
-            function = found.group(1)
-        seen = {code}
-        for changed in changes(code, before.rstrip().endswith((";", "{", "}", ":"))):
-            if changed not in seen:
-                seen.add(changed)
-                # Blanked strings are put back: the changed part never reaches into one.
-                yield TMutant(path.name, number, "-" if line[:1].strip() and not found else function, line.strip(),
-                              splice(line, code, changed))
-        before = code
+        if not NO_MUTANTS.match(line) and not before.endswith("\\"):
+            changed = {line[:start] + text + line[end:]
+                       for start, end, text in changes(code, before.endswith((";", "{", "}", ":")))}
+            for after in sorted(changed - {line}):
+                yield TMutant(source, number, functions.get(number, "-"), line, after)
+        before = code or before
 
 
-def splice(line, code, changed):
-    """The change from code to changed, made in the line itself."""
-    head = 0
-    while head < min(len(code), len(changed)) and code[head] == changed[head]:
-        head += 1
-    tail = 0
-    while tail < min(len(code), len(changed)) - head and code[-1 - tail] == changed[-1 - tail]:
-        tail += 1
-    return (line[:head] + changed[head:len(changed) - tail] + line[len(code) - tail:]).strip()
+# ---- The builds and their programs ----
+
+class TStep(typing.NamedTuple):
+    """One command that makes one file."""
+    words: list
+    output: str
+
+    def compiles(self):
+        return "-c" in self.words
 
 
 class Build:
-    """The prebuilt objects and programs, and how they are made."""
+    """What a build directory says of itself: how it makes each file, from what, and how its tests are run."""
+
+    def __init__(self, preset):
+        self.preset = preset
+        self.directory = ROOT / "build" / preset
+        self.steps = {step.output: step for step in self.read_steps()}
+        self.sources = self.read_sources()  # of each object, with its headers
+        self.originals = {}  # the bytes of objects of the unchanged library
+
+    def ask_ninja(self, tool):
+        return subprocess.run(["ninja", "-t", tool], cwd=self.directory, capture_output=True, text=True,
+                              check=True).stdout.splitlines()
+
+    def read_steps(self):
+        for command in self.ask_ninja("commands"):
+            for part in command.split(" && "):
+                try:
+                    words = shlex.split(part)
+                except ValueError:  # a part of a quoted text
+                    continue
+                words = words[1:] if words[:1] and words[0].endswith("ccache") else words
+                if words[1:2] == ["qc"]:
+                    yield TStep(words, words[2])
+                elif "-o" in words:
+                    yield TStep(words, words[words.index("-o") + 1])
+
+    def read_sources(self):
+        sources = collections.defaultdict(set)
+        for line in self.ask_ninja("deps"):
+            if line.startswith(" "):
+                sources[output].add(pathlib.Path(os.path.normpath(self.directory / line.strip())))
+            elif line:
+                output = line.split(": #deps")[0]
+        return sources
+
+    def suites(self):
+        """The test programs as CTest runs them: program, words before it, environment."""
+        tests = json.loads(subprocess.run(["ctest", "--show-only=json-v1"], cwd=self.directory, capture_output=True,
+                                          check=True).stdout)["tests"]
+        for test in tests:
+            words = test.get("command", [])
+            place = next((i for i, word in enumerate(words) if word.startswith("--gtest_filter=")), 0) - 1
+            program = os.path.relpath(words[max(place, 0)], self.directory) if words else ""
+            if place >= 0 and program.startswith("tests/"):  # the programs in apps have suites of their own
+                values = {p["name"]: p["value"] for p in test["properties"]}
+                yield program, tuple(words[:place]), tuple(values.get("ENVIRONMENT", []))
+
+
+class Invalid(Exception):
+    """The mutant does not compile or link."""
+
+
+class Workshop:
+    """A copy of the library's source in which a mutant is planted, and what is made of it."""
 
     def __init__(self, directory):
-        self.directory = directory.resolve()
-        self.compile = {}
-        for entry in json.loads((directory / "compile_commands.json").read_text()):
-            words = shlex.split(entry["command"])
-            output = words[words.index("-o") + 1]
-            first = next(i for i, word in enumerate(words) if re.search(r"(c\+\+|g\+\+)(-\d+)?$", word))
-            keep = [word for word in words[first:words.index("-o")] if word != "-g"] + ["-w"]
-            self.compile[output] = (pathlib.Path(entry["file"]), keep)
-        self.sanitized = any("-fsanitize=address" in word for _, words in self.compile.values() for word in words)
-        self.limits = {}
-        self.unlinked = set()
+        self.directory = pathlib.Path(directory)
+        self.mutant = None
+        self.made = {}
+        shutil.copytree(LIBRARY, self.directory / "nuv")
 
-    def objects_of(self, target):
-        return {output: how for output, how in self.compile.items() if f"/{target}.dir/" in output}
+    def copy_of(self, source):
+        return self.directory / "nuv" / source.relative_to(LIBRARY)
 
-    def run(self, words, **options):
-        return subprocess.run(words, cwd=self.directory, capture_output=True, check=False, **options)
+    def plant(self, mutant):
+        """Puts a mutant in the place of the one before, or none."""
+        if self.mutant:
+            shutil.copy(self.mutant.source, self.copy_of(self.mutant.source))
+        if mutant:
+            lines = mutant.source.read_text().splitlines()
+            lines[mutant.number - 1] = mutant.after
+            self.copy_of(mutant.source).write_text("\n".join(lines) + "\n")
+        self.mutant = mutant
+        self.made = {}
 
-    def compile_to(self, output, file, words, scratch):
-        return self.run([words[0], f"-I{scratch}", f"-I{SOURCES}", *words[1:], "-c", str(file), "-o", str(output)])
+    def make(self, build, output):
+        """The file that the mutant makes of a build's output; None if it does not change it."""
+        key = build, output
+        if key not in self.made:
+            step = build.steps.get(output)
+            self.made[key] = None
+            if step:
+                self.made[key] = self.compile(build, step) if step.compiles() else self.link(build, step)
+        return self.made[key]
 
-    def link_command(self, program):
-        text = subprocess.run(["ninja", "-t", "commands", f"tests/{program}"], cwd=self.directory, capture_output=True,
-                              text=True, check=True).stdout.splitlines()[-1]
-        return shlex.split(re.sub(r"^: && | && .*$", "", text))
+    def run(self, build, step, words):
+        path = self.directory / build.preset / step.output
+        path.parent.mkdir(parents=True, exist_ok=True)
+        path.unlink(missing_ok=True)
+        words = [str(path) if word == step.output else word for word in words]
+        if subprocess.run(words, cwd=build.directory, capture_output=True, check=False).returncode != 0:
+            raise Invalid
+        return path
+
+    def compile(self, build, step):
+        if self.mutant.source not in build.sources[step.output]:
+            return None
+        words = re.sub(r" -M[TF] \S+| -MD| -g\d?(?= )", "", shlex.join(step.words))  # -g has the columns of the line in it
+        if step.output not in build.originals:
+            build.originals[step.output] = self.run(build, step, shlex.split(words)).read_bytes()
+        words = words.replace(str(LIBRARY), str(self.directory / "nuv")) + " -w"
+        path = self.run(build, step, shlex.split(words))
+        return path if path.read_bytes() != build.originals[step.output] else None
+
+    def link(self, build, step):
+        inputs = {word: self.make(build, word) for word in step.words if word != step.output and word in build.steps}
+        inputs = {word: path for word, path in inputs.items() if path}
+        if inputs and all(".so" in word for word in inputs):
+            return build.directory / step.output  # the program itself stays, and loads the changed library
+        if not inputs:
+            return None
+        path = self.run(build, step, [str(inputs.get(word, word)) for word in step.words])
+        for word in step.words:
+            if word.startswith("-Wl,-soname,"):
+                link = path.parent / word.split(",")[-1]
+                link.unlink(missing_ok=True)
+                link.symlink_to(path)
+        return path
+
+    def library_directories(self, build):
+        return ":".join({str(path.parent) for (made_in, output), path in self.made.items()
+                         if made_in is build and path and ".so" in output})
 
 
-class Mutation:
-    """One mutant in a directory of its own."""
+# ---- The killers ----
 
-    def __init__(self, build, scratch):
-        self.build = build
-        self.scratch = scratch
-        self.objects = {}  # of the library and of the tests, by the name of the original
+class TStage(typing.NamedTuple):
+    """A program, or some of its tests, and how long it may take."""
+    build: Build
+    program: str
+    before: tuple
+    options: tuple
+    environment: tuple
+    limit: float
 
-    def compile(self, name, text, targets):
-        """None if it does not compile for the targets; otherwise the objects that it changes, as bytes."""
-        planted = self.scratch / name
-        planted.write_text(text)
-        header = name.endswith(".h")
-        contents = []
-        for target in targets:
-            for output, (file, words) in self.build.objects_of(target).items():
-                if not (file.name == name or (header and f'"{name}"' in file.read_text())):
-                    continue
-                made = self.scratch / (target + "-" + file.name + ".o")
-                source = planted if file.name == name else file
-                if header and file.parent == SOURCES:  # in whose directory the header would be found unchanged
-                    source = self.scratch / file.name
-                    source.write_bytes(file.read_bytes())
-                if self.build.compile_to(made, source, words, self.scratch).returncode != 0:
-                    return None
-                self.objects[output] = made
-                contents.append(made.read_bytes())
-        return contents
-
-    def library(self):
-        path = self.scratch / "libnuv1math.so.1"
-        if path.exists():
-            return path
-        objects = [str(self.objects.get(output, output)) for output in self.build.objects_of("nuv1math_objects")]
-        linked = self.build.run(["cc", "-shared", "-Wl,-soname,libnuv1math.so.1", "-o", str(path), *objects, "-lm"])
-        return path if linked.returncode == 0 else None
-
-    def program(self, name):
-        path = self.scratch / name
-        words = []
-        for word in self.build.link_command(name):
-            if word.endswith(".a"):
-                objects = {"libnuv1math_static.a": "/nuv1math_objects.dir/",
-                           "libnuv1math_calls.a": "/nuv1math_calls_objects.dir/",
-                           "libnuv1math_pairs.a": "/nuv1math_pairs_objects.dir/"}.get(word.split("/")[-1])
-                words += [str(made) for output, made in self.objects.items() if objects and objects in output]
-            words.append(str(self.objects.get(word, word)))
-        words[words.index("-o") + 1] = str(path)
-        return path if self.build.run(words).returncode == 0 else None
-
-    def fails(self, kind, program, test_filter, limit):
-        """Why the programs notice, or None."""
-        environment = dict(os.environ, RC_PARAMS="seed=20261121")
-        if kind == "shared":
-            path = self.build.directory / "tests" / program
-            library = self.library()
-            if library is None:
-                return "link"
-            environment["LD_LIBRARY_PATH"] = str(library.parent)
-        else:
-            path = self.program(program)
-            if path is None:
-                return "link"
-        # A mutant may allocate without end, or write as much. The address sanitizer has a limit of its own.
-        room = [] if self.build.sanitized else ["--as=40000000000"]
-        with subprocess.Popen(["prlimit", *room, "--fsize=100000000", str(path), "--gtest_filter=" + test_filter,
-                               "--gtest_brief=1", "--gtest_fail_fast"], cwd=self.build.directory, env=environment,
-                              stdin=subprocess.DEVNULL, stdout=subprocess.PIPE, stderr=subprocess.PIPE,
-                              start_new_session=True) as ran:
+    def fails(self, path, libraries):
+        """Why the program does not pass, or None."""
+        environment = dict(os.environ, LD_LIBRARY_PATH=libraries, **dict(item.split("=", 1) for item in self.environment))
+        # A mutant may allocate or write without end. The address sanitizer has a limit of its own.
+        room = ["--as=40000000000"] if self.build.preset in ("default", "linux-armel") else []
+        with subprocess.Popen(["prlimit", *room, "--fsize=100000000", *self.before, str(path), *self.options],
+                              cwd=self.build.directory, env=environment, stdin=subprocess.DEVNULL,
+                              stdout=subprocess.PIPE, stderr=subprocess.PIPE, start_new_session=True) as ran:
             try:
-                output, errors = ran.communicate(timeout=limit)
+                output, errors = ran.communicate(timeout=self.limit)
             except subprocess.TimeoutExpired:
                 os.killpg(ran.pid, signal.SIGKILL)  # its children too
-                return "timeout"
-        if ran.returncode == 0 and b"assertion failure:" not in errors and b"PASSED" in output:
+                return f"{self.program} takes too long"
+        if ran.returncode == 0 and b"assertion failure:" not in errors:
             return None
-        failed = re.search(rb"^\[  FAILED  \] ([\w./]+)", output, re.M)
-        return failed.group(1).decode() if failed else f"{program} ends with {ran.returncode}"
+        failed = re.search(rb"^\[  FAILED  \] ([\w./]+)|(?:ERROR: |runtime error: )(.{1,60})", output + errors, re.M)
+        what = (failed.group(1) or failed.group(2)).decode(errors="replace") if failed else f"ends with {ran.returncode}"
+        return f"{self.build.preset}: {self.program.split('/')[-1]}: {what}"
 
 
-# Other forms of the library, and who is linked with them.
-FORMS = {"calls_tests": "nuv1math_calls_objects", "pairs_tests": "nuv1math_pairs_objects"}
+def gtest_stage(build, suite, tests, limit):
+    program, before, environment = suite
+    options = ("--gtest_filter=" + tests, "--gtest_brief=1", "--gtest_fail_fast")
+    return TStage(build, program, before, options, environment, limit)
 
 
-def targets_of(source, program):
-    """What is compiled anew for a test program."""
-    if program in FORMS:
-        return [FORMS[program]]
-    return ["nuv1math_objects"] + (["internal_tests", "allocation_tests"] if source.endswith(".h") else [])
+def require_pass(stage):
+    """Runs a stage on the unchanged library; returns the seconds that it took."""
+    start = time.monotonic()
+    why = stage.fails(stage.build.directory / stage.program, "")
+    if why:
+        raise SystemExit(f"mutate.py: the tests must pass before the library is changed: {why}")
+    return time.monotonic() - start
 
 
-def stages_for(source):
-    # No table of exact results goes through TRIG.cpp or random.cpp: their own tests come first.
-    stages = STAGES if source not in ("TRIG.cpp", "random.cpp") else [STAGES[1], STAGES[0], *STAGES[2:]]
-    for kind, program, test_filter in stages:
-        family = FAMILIES.get(source)
-        if test_filter == "FAMILY":
-            if family:
-                yield kind, program, family + "-" + SLOW
-        else:
-            yield kind, program, test_filter
+def with_limit(stage):
+    return stage._replace(limit=5 + 5 * require_pass(stage))
 
 
-def measure(build, name):
-    """Seconds for each stage: ten times what the original takes, at least five; and which programs can be linked."""
-    with tempfile.TemporaryDirectory() as scratch:
-        for stage in stages_for(name):
-            kind, program, _ = stage
-            mutation = Mutation(build, pathlib.Path(scratch))
-            mutation.compile(name, path_of(name).read_text(), targets_of(name, program))
-            if kind == "static" and mutation.program(program) is None:
-                build.unlinked.add((name, stage))  # the program has the source's functions itself
-            elif stage not in build.limits:
-                start = time.monotonic()
-                failed = mutation.fails(*stage, 600)
-                if failed:
-                    raise SystemExit(f"the original does not pass {stage}: {failed}")
-                build.limits[stage] = max(5.0, 10 * (time.monotonic() - start))
+def slow_tests_of(build, suite):
+    """Runs a suite once; the names of its slow tests."""
+    with tempfile.NamedTemporaryFile() as report:
+        stage = gtest_stage(build, suite, "*", 600)
+        require_pass(stage._replace(options=(f"--gtest_output=json:{report.name}",)))
+        groups = json.load(report)["testsuites"]
+    return [f"{group['name']}.{test['name']}" for group in groups for test in group["testsuite"]
+            if float(test["time"].rstrip("s")) > QUICK_SECONDS]
 
 
-def judge(build, original, mutant):
-    if "NUV_ASSERT_AT(" in mutant.before:  # every character of these is in a list that a test compares them with
-        return "killed", "sources_test.py: assertion sites"
-    path = path_of(mutant.source)
-    lines = path.read_text().splitlines(keepends=True)
-    indent = re.match(r"\s*", lines[mutant.number]).group()
-    lines[mutant.number] = indent + mutant.after + "\n"
-    with tempfile.TemporaryDirectory() as scratch:
-        mutation = Mutation(build, pathlib.Path(scratch))
-        text = "".join(lines)
-        changed = {}
-        for stage in stages_for(mutant.source):
-            form = stage[1] if stage[1] in FORMS else None
-            if form not in changed:
-                contents = mutation.compile(mutant.source, text, targets_of(mutant.source, form))
-                if contents is None:
-                    return "invalid", ""
-                changed[form] = contents != original[form]
-            if changed[form] and (mutant.source, stage) not in build.unlinked:
-                why = mutation.fails(*stage, build.limits[stage])
-                if why == "link":
-                    return "invalid", why
+def test_stages(jobs):
+    """The stages in the order in which they run; each passes without a change."""
+    default, device, sanitized = Build("default"), Build("linux-armel"), Build("linux-sanitize")
+    suites = sorted(set(default.suites()))
+    programs = {program for program, _, _ in suites}
+    with concurrent.futures.ThreadPoolExecutor(jobs) as pool:
+        slow = dict(zip(suites, pool.map(lambda suite: slow_tests_of(default, suite), suites)))
+        quick = {suite: "*-" + ":".join(tests) for suite, tests in slow.items()}
+        stages = [[gtest_stage(default, suite, tests, 600) for suite, tests in quick.items()],
+                  [gtest_stage(device, suite, "*", 600) for suite in sorted(set(device.suites())) if suite[0] not in programs],
+                  [gtest_stage(sanitized, suite, quick.get(suite, "*"), 600) for suite in sorted(set(sanitized.suites()))],
+                  [gtest_stage(default, suite, ":".join(tests), 600) for suite, tests in slow.items() if tests]]
+        stages = [sorted(pool.map(with_limit, group), key=lambda stage: stage.limit) for group in stages]
+    return [stage for group in stages for stage in group]
+
+
+class Fuzzers:
+    """The fuzz targets, and which functions of the library each one reaches with its kept inputs."""
+
+    def __init__(self, seconds):
+        self.build = Build("fuzz")
+        self.seconds = seconds
+        self.reached = {}  # (program, options of the replay): functions and files
+        tests = json.loads(subprocess.run(["ctest", "--show-only=json-v1"], cwd=self.build.directory, capture_output=True,
+                                          check=True).stdout)["tests"]
+        for words in (test["command"] for test in tests if "-runs=0" in test.get("command", [])):
+            report = subprocess.run([*words, "-print_coverage=1"], capture_output=True, text=True, errors="replace",
+                                    check=False).stderr
+            found = re.findall(r"^COVERED_FUNC: .*?(\w+)(?:<[^()]*>)?\(.* (\S+):\d+$", report, re.M)
+            program = os.path.relpath(words[0], self.build.directory)
+            self.reached[program, tuple(words[1:])] = {f for f, _ in found} | {path.split("/")[-1] for _, path in found}
+
+    def stages(self, mutant, scratch):
+        """First the kept inputs of all targets that reach the function, or else the source, then their hunts."""
+        for name in (mutant.function, mutant.source.name):
+            targets = [target for target, reached in self.reached.items() if name in reached]
+            if targets:
+                break
+        for program, options in targets:
+            yield TStage(self.build, program, (), (f"-artifact_prefix={scratch}/", *options), (), 60)
+        for program, options in targets:
+            hunt = [f"-max_total_time={self.seconds}" if option == "-runs=0" else option for option in options]
+            yield TStage(self.build, program, (), (f"-artifact_prefix={scratch}/", *hunt[:-1], str(scratch), hunt[-1]),
+                         (), self.seconds + 60)
+
+
+# ---- The run ----
+
+def judge(workshop, stages):
+    """What the stages say of the planted mutant: a verdict and its reason."""
+    changed = False
+    try:
+        for stage in stages:
+            path = workshop.make(stage.build, stage.program)
+            if path:
+                changed = True
+                why = stage.fails(path, workshop.library_directories(stage.build))
                 if why:
                     return "killed", why
-    return ("survived", "") if any(changed.values()) else ("equivalent", "the same object")
+    except Invalid:
+        return "invalid", "does not compile"
+    return ("survived", "") if changed else ("equivalent", "the same objects")
 
 
-def reviewed():
-    entries = {}
-    for row in SURVIVORS.read_text().splitlines() if SURVIVORS.exists() else []:
-        if row and not row.startswith("#"):
-            source, function, before, after, reason = row.split(" ## ")
-            entries[source, function, before, after] = reason
-    return entries
+def judge_by_fuzzing(workshop, stages, fuzzers):
+    with tempfile.TemporaryDirectory() as scratch:
+        verdict, why = judge(workshop, fuzzers.stages(workshop.mutant, pathlib.Path(scratch)))
+    if verdict == "survived":
+        verdict, why = judge(workshop, stages)
+        return ("missed", "but " + why) if verdict == "killed" else (verdict, why)
+    return ("found", why) if verdict == "killed" else (verdict, why)
 
 
-def key_of(mutant):
-    return mutant.source, mutant.function, mutant.before, mutant.after
+class Run:
+    """Mutants judged by several workers at a time."""
+
+    def __init__(self, jobs, judge_one):
+        self.jobs = jobs
+        self.judge_one = judge_one
+        self.local = threading.local()
+
+    def judge(self, mutant):
+        if not hasattr(self.local, "directory"):
+            self.local.directory = tempfile.TemporaryDirectory()
+            self.local.workshop = Workshop(self.local.directory.name)
+        self.local.workshop.plant(mutant)
+        return self.judge_one(self.local.workshop)
+
+    def results(self, mutants):
+        with concurrent.futures.ThreadPoolExecutor(self.jobs) as pool:
+            for mutant, (verdict, why) in zip(mutants, pool.map(self.judge, mutants)):
+                print(f"{verdict}: {mutant}: {why}", flush=True)
+                yield mutant, verdict
+
+
+def library_sources(build):
+    """What the build compiles of the library, and the library's headers that this includes."""
+    objects = [output for output in build.sources if "/nuv1math_objects.dir/" in output]
+    found = set().union(*(build.sources[output] for output in objects))
+    return sorted(source for source in found if source.is_relative_to(LIBRARY) and source.name != "nuv1math.h")
+
+
+def wrong_survivors(results, complete):
+    """Survivors without a marker, and with a complete run the markers without a survivor."""
+    survivors = collections.defaultdict(set)
+    for mutant, verdict in results:
+        if verdict == "survived":
+            survivors[mutant.source].add(mutant.number)
+    wrong = []
+    for source in sorted({mutant.source for mutant, _ in results}):
+        texts = source.read_text().splitlines()
+        excused = set().union(*markers_of(texts, "equivalent", "unreachable", "host only").values())
+        wrong += [f"{source.name}:{number}: a survivor without a marker" for number in survivors[source] - excused]
+        if complete:
+            wrong += [f"{source.name}:{number}: marked equivalent, but no mutant survives"
+                      for number, covered in markers_of(texts, "equivalent").items() if not covered & survivors[source]]
+    return wrong
 
 
 def main():
     parser = argparse.ArgumentParser(usage=__doc__.split("usage: ")[1].split("\n")[0])
-    parser.add_argument("-n", "--sample", type=int)
-    parser.add_argument("-j", "--jobs", type=int, default=1)
-    parser.add_argument("-b", "--build", type=pathlib.Path, default=ROOT / "build/default")
-    parser.add_argument("-s", "--seed", type=int, default=1)
-    parser.add_argument("-l", "--list", action="store_true")
-    parser.add_argument("-a", "--address", action="store_true")
-    parser.add_argument("sources", nargs="*", default=DEFAULT_SOURCES)
+    parser.add_argument("--all", action="store_true")
+    parser.add_argument("--sample", type=int, default=60)
+    parser.add_argument("--fuzz", type=int, metavar="SECONDS")
+    parser.add_argument("--jobs", type=int, default=os.cpu_count())
+    parser.add_argument("--seed", type=int, default=1)
+    parser.add_argument("sources", nargs="*", metavar="SOURCE")
     args = parser.parse_args()
-    known = reviewed()
-    total = collections.Counter()
-    unknown = 0
-    build = None if args.list else Build(args.build)
-    for name in args.sources or DEFAULT_SOURCES:
-        path = path_of(name)
-        mutants = list(mutants_of(path))
-        if args.sample and args.sample < len(mutants):
-            mutants = sorted(random.Random(args.seed).sample(mutants, args.sample), key=lambda m: m.number)
-        if args.address:
-            mutants = [mutant for mutant in mutants if "address sanitizer" in known.get(key_of(mutant), "")]
-            if not mutants:
-                continue
-        if args.list:
-            for mutant in mutants:
-                print(f"{name}:{mutant.number + 1}: {mutant.function}: {mutant.before} => {mutant.after}")
-            continue
-        measure(build, name)
-        with tempfile.TemporaryDirectory() as scratch:
-            mutation = Mutation(build, pathlib.Path(scratch))
-            original = {form: mutation.compile(name, path.read_text(), targets_of(name, form))
-                        for form in [None, *FORMS]}
-        counts = collections.Counter()
-        with concurrent.futures.ThreadPoolExecutor(args.jobs) as pool:
-            for mutant, (verdict, why) in zip(mutants, pool.map(lambda m: judge(build, original, m), mutants)):
-                counts[verdict] += 1
-                text = f"{name}:{mutant.number + 1}: {mutant.function}: {mutant.before} => {mutant.after}"
-                if verdict == "survived":
-                    reason = None if args.address else known.get(key_of(mutant))
-                    unknown += reason is None
-                    why = "reviewed: " + reason if reason else "NOT REPORTED" if args.address else "NOT REVIEWED"
-                print(f"{verdict}: {text}: {why}", flush=True)
-        total += counts
-        print(summary(name, counts), flush=True)
-    if not args.list:
-        print(summary("total", total) + f", {unknown} of them not {'reported' if args.address else 'reviewed'}")
-    return 1 if unknown else 0
-
-
-def summary(name, counts):
-    tried = counts["killed"] + counts["equivalent"] + counts["survived"]
-    return (f"{name}: {tried} tried, {counts['killed']} killed, {counts['equivalent']} equivalent (the same object), "
-            f"{counts['survived']} survived")
+    sources = library_sources(Build("default"))
+    unknown = set(args.sources) - {source.name for source in sources}
+    if unknown:
+        parser.error(f"no source of the library: {' '.join(sorted(unknown))}")
+    mutants = [mutant for source in sources if not args.sources or source.name in args.sources for mutant in mutants_of(source)]
+    if not args.all and args.sample < len(mutants):
+        mutants = [mutants[i] for i in sorted(random.Random(args.seed).sample(range(len(mutants)), args.sample))]
+    stages = test_stages(args.jobs)
+    fuzzers = Fuzzers(args.fuzz) if args.fuzz else None
+    run = Run(args.jobs, lambda workshop: judge_by_fuzzing(workshop, stages, fuzzers) if fuzzers else judge(workshop, stages))
+    results = list(run.results(mutants))
+    counts = collections.Counter(verdict for _, verdict in results)
+    print(f"{len(results)} mutants: " + ", ".join(f"{count} {verdict}" for verdict, count in counts.most_common()))
+    wrong = [] if fuzzers else wrong_survivors(results, args.all)
+    print("\n".join(wrong), end="\n" if wrong else "")
+    return 1 if wrong or not results else 0
 
 
 if __name__ == "__main__":

@@ -1,0 +1,44 @@
+"""markers.py: comments in the library's source that say what its tests cannot show.
+
+A marker stands at the end of its line, or alone on the line above it:
+
+    if (SolveGauss(3, 2, vdMatrix, 3, vdRhs, 3, vdSolution, 3) == 0) // unreachable: no pivot is zero here
+    // host only: a processor has these vectors or does not have them
+    if (HasWideVectors())
+
+"unreachable"  no input reaches the line, or takes one of its branches.
+"host only"    other machines or other builds reach it.
+"equivalent"   some change of the line, of those that mutate.py makes, changes no result.
+
+The reason after the colon is required. A marker before a block in braces covers the block too.
+
+Copyright (c) 2026 the nuv1math authors
+SPDX-License-Identifier: MIT
+"""
+
+import re
+
+MARKER = re.compile(r"(?P<before>.*?)// (?P<word>unreachable|host only|equivalent): \S")
+
+
+def indent_of(text):
+    return len(text) - len(text.lstrip())
+
+
+def lines_covered_by(texts, first):
+    """The numbers of the marked line and of the block in braces that follows it; lines are counted from 0."""
+    while not texts[first].split("//")[0].strip():
+        first += 1
+    last = first
+    if last + 1 < len(texts) and texts[last + 1].strip() == "{":
+        last += 1
+        while indent_of(texts[last]) != indent_of(texts[first]) or texts[last].strip()[:1] != "}":
+            last += 1
+    return range(first, last + 1)
+
+
+def markers_of(texts, *words):
+    """For each marker with one of these words, by its line, the lines that it covers. Lines are counted from 1."""
+    found = ((number, MARKER.match(text)) for number, text in enumerate(texts))
+    return {number + 1: {covered + 1 for covered in lines_covered_by(texts, number)}
+            for number, match in found if match and match.group("word") in words}
