@@ -1,33 +1,15 @@
-// fit.h: the transformation of a set of control points: its kind, coefficients, residuals and what is to be said of it.
+// fit.h: the transformation of a set of control points, with all that the reports tell of it.
 // Copyright (c) 2026 the nuv1math authors
 // SPDX-License-Identifier: MIT
 
 #ifndef NUV_FITPOINTS_FIT_H
 #define NUV_FITPOINTS_FIT_H
 
-#include "frames.h"
-#include "points.h"
-
-#include <nuv1math.h>
-#include <optional>
+#include "kinds.h"
 
 namespace fitpoints {
 
-struct TFitOptions
-{
-    std::optional<nuv::enumMethodUsed> Demanded; // this kind or none; without a value the richest one
-    bool bMirrored;                              // the conformal kind reverses the orientation
-    bool bRaw;                                   // no local origin
-};
-
-// Computed less given.
-struct TResidual
-{
-    double dX, dY;
-    double dLength;
-};
-
-// Scales, skew and rotation in radians. Of the conformal kind dSy is dSx, and 0 is the skew.
+// Scales, and skew and rotation in radians. In the conformal kind dSy equals dSx and the skew is 0.
 struct TShape
 {
     double dSx, dSy, dSkew, dRotation;
@@ -36,15 +18,15 @@ struct TShape
 struct TFit
 {
     nuv::enumMethodUsed Kind;
-    bool bMirrored; // the conformal kind, orientation reversed
+    bool bMirrored; // of the conformal kind, with reversed orientation
     bool bRaw;
     std::vector<std::string> vszNotRicher; // why not a richer kind
     std::vector<std::string> vszWarnings;
 
-    TOrigins Origins;                               // of the frame of the fit; all 0 if raw
+    TOrigins Origins;                               // of the frame of the fit; all 0 if bRaw
     nuv::TOmographicParams Coefs;                   // in the frame of the fit
     std::optional<nuv::TOmographicParams> Original; // in original coordinates, if they exist
-    double dFrameDifference;                        // greatest distance of a point's images by Coefs and by Original
+    double dFrameDifference; // greatest distance between the images of a point by Coefs and by Original
     std::optional<TShape> Shape;
 
     std::vector<TResidual> vResiduals;
@@ -55,7 +37,7 @@ struct TFit
     std::optional<double> dRms; // none without redundancy
 };
 
-// Computes the transformation. Fails if there is none, or none of the kind that is demanded.
+// Fails if there is no transformation, or none of the kind that the options demand.
 TFit FitPoints(const TPoints& a_Points, const TFitOptions& a_Options);
 
 } // namespace fitpoints

@@ -1,4 +1,4 @@
-// frames.cpp: the local origins of source and target, and the way of coefficients from one frame to the other.
+// frames.cpp: finds local origins, maps points, and converts coefficients from one frame to the other.
 // Copyright (c) 2026 the nuv1math authors
 // SPDX-License-Identifier: MIT
 
@@ -11,7 +11,7 @@
 
 namespace fitpoints {
 
-// The nearest multiple of 10^a_iExponent. A negative power is a divisor, because 10^-k is no double and 10^k is one.
+// The nearest multiple of 10^a_iExponent. A negative power becomes a divisor: 10^-k is no double, but 10^k is one.
 static double RoundToPowerOfTen(double a_dValue, int a_iExponent)
 {
     const double dPower = std::pow(10.0, std::abs(a_iExponent));
@@ -26,6 +26,17 @@ double Extent(const std::vector<double>& a_vdValues)
     return *Range.second - *Range.first;
 }
 
+double Magnitude(const std::vector<double>& a_vdValues)
+{
+    const auto Range = std::minmax_element(a_vdValues.begin(), a_vdValues.end());
+    return std::max(std::fabs(*Range.first), std::fabs(*Range.second));
+}
+
+double RoundingLevel(const TArrays& a_Points)
+{
+    return 1e-12 * std::max(Magnitude(a_Points.vdXa), Magnitude(a_Points.vdYa));
+}
+
 double LocalOrigin(const std::vector<double>& a_vdValues, double a_dExtent)
 {
     double dSum = 0;
@@ -35,7 +46,8 @@ double LocalOrigin(const std::vector<double>& a_vdValues, double a_dExtent)
     }
     const double dMean = a_vdValues[0] + dSum / static_cast<double>(a_vdValues.size());
     const double dExtent = Extent(a_vdValues) > 0 ? Extent(a_vdValues) : a_dExtent;
-    return RoundToPowerOfTen(dMean, static_cast<int>(std::floor(std::log10(dExtent)))) + 0.0; // + 0.0: no negative zero
+    return RoundToPowerOfTen(dMean, static_cast<int>(std::floor(std::log10(dExtent)))) +
+           0.0; // + 0.0 turns -0.0 into 0.0
 }
 
 TOrigins LocalOrigins(const TArrays& a_Points)
@@ -80,11 +92,11 @@ static bool IsFinite(const nuv::TOmographicParams& a_Coefs)
     return std::all_of(std::begin(vdCoefs), std::end(vdCoefs), [](double a_dCoef) { return std::isfinite(a_dCoef); });
 }
 
-// With x' = x - x0, y' = y - y0, X' = X - X0 and W0 = 1 - G x0 - H y0 the local X' = (A x' + B y' + C)/W becomes
+// The local frame has X' = (A x' + B y' + C)/W with x' = x - x0, y' = y - y0, X' = X - X0. With W0 = 1 - G x0 - H y0
 //     X = X0 + (A x + B y + (C - A x0 - B y0)) / (G x + H y + W0)
-//       = ((A + X0 G) x + (B + X0 H) y + (C - A x0 - B y0) + X0 W0) / (G x + H y + W0),
-// and division by W0 makes the constant of the denominator 1; Y likewise. The constants are small differences of large
-// products, hence long double.
+//       = ((A + X0 G) x + (B + X0 H) y + (C - A x0 - B y0) + X0 W0) / (G x + H y + W0).
+// Division of all terms by W0 makes the constant of the denominator 1. Y is treated in the same way. The constants are
+// small differences of large products, so they are computed in long double.
 bool ToOriginalFrame(const nuv::TOmographicParams& a_Local, const TOrigins& a_Origins,
                      nuv::TOmographicParams& a_Original)
 {
@@ -94,7 +106,8 @@ bool ToOriginalFrame(const nuv::TOmographicParams& a_Local, const TOrigins& a_Or
     const long double dHy = a_Local.dH * dY0;
     const long double dW0 = 1 - dGx - dHy;
     const double dRounding = 4 * std::numeric_limits<double>::epsilon();
-    if (std::fabs(dW0) <= dRounding * (1 + std::fabs(dGx) + std::fabs(dHy))) // G and H are rounded: no digit is left
+    if (std::fabs(dW0) <=
+        dRounding * (1 + std::fabs(dGx) + std::fabs(dHy))) // G and H are rounded, so W0 has no right digit
     {
         return false;
     }

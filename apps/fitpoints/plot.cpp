@@ -58,16 +58,10 @@ static double RoundBelow(double a_dValue)
     return (dDigit >= 5 ? 5 : dDigit >= 2 ? 2 : 1) * dPower;
 }
 
-static double Largest(const std::vector<double>& a_vdValues)
-{
-    const auto Range = std::minmax_element(a_vdValues.begin(), a_vdValues.end());
-    return std::max(std::fabs(*Range.first), std::fabs(*Range.second));
-}
-
 // Numbers of more than five digits do not fit between the ticks: the axes then count from a local origin.
 static TPosition AxisOffset(const TArrays& a_Points)
 {
-    const double dLargest = std::max(Largest(a_Points.vdXa), Largest(a_Points.vdYa));
+    const double dLargest = std::max(Magnitude(a_Points.vdXa), Magnitude(a_Points.vdYa));
     const double dExtent = std::max(Extent(a_Points.vdXa), Extent(a_Points.vdYa));
     const TOrigins Origins = LocalOrigins(a_Points);
     return dLargest < 1e5 && dLargest < 1000 * dExtent ? TPosition{0, 0} : TPosition{Origins.dXa, Origins.dYa};
@@ -76,9 +70,8 @@ static TPosition AxisOffset(const TArrays& a_Points)
 static double EnlargementFactor(const TArrays& a_Points, const TFit& a_Fit)
 {
     const double dLargest = a_Fit.vResiduals[a_Fit.iLargest].dLength;
-    const double dRounding = 1e-12 * std::max(Largest(a_Points.vdXa), Largest(a_Points.vdYa));
     const double dExtent = std::max(Extent(a_Points.vdXa), Extent(a_Points.vdYa));
-    return dLargest <= dRounding ? 0 : RoundBelow(dExtent * LONGEST_VECTOR / dLargest);
+    return dLargest <= RoundingLevel(a_Points) ? 0 : RoundBelow(dExtent * LONGEST_VECTOR / dLargest);
 }
 
 static void Include(double a_dValue, TRange& a_Range)

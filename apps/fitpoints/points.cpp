@@ -1,198 +1,58 @@
-// points.cpp: reading of control points from CSV and QGIS georeferencer files.
+// points.cpp: reads control points from CSV files and QGIS georeferencer files.
 // Copyright (c) 2026 the nuv1math authors
 // SPDX-License-Identifier: MIT
 
 #include "points.h"
+#include "rows.h"
 #include "text.h"
 
-#include <cerrno>
 #include <charconv>
 #include <cmath>
-#include <cstdio>
-#include <csv.h>
-#include <memory>
 
 namespace fitpoints {
 
-// Bounds on what is read, so that no input, endless ones included, takes more than a bounded memory and time.
-static const std::size_t GREATEST_LINE = 64 * 1024;
-static const std::size_t GREATEST_FILE = 256 * 1024 * 1024;
 static const std::size_t GREATEST_COUNT = 1000000;
 
-// ---------------------------------------------------------------------------------------------------------------------
-// Lines
-
-struct TLineReader
+// Why a text is no coordinate; empty if it is one. a_dValue gets the number.
+static std::string ParseNumber(const std::string& a_szText, double& a_dValue)
 {
-    std::string szFile;
-    std::unique_ptr<std::FILE, int (*)(std::FILE*)> File;
-    long iLine;         // number of the last line read
-    std::size_t iBytes; // read so far
-};
-
-static TLineReader OpenLines(const std::string& a_szFile)
-{
-    TLineReader Reader = {a_szFile, {std::fopen(a_szFile.c_str(), "rb"), std::fclose}, 0, 0};
-    if (!Reader.File)
+    const char* szBegin = a_szText.data();
+    const char* const szEnd = szBegin + a_szText.size();
+    if (*szBegin == '+' && a_szText.size() > 1 && a_szText[1] != '-') // from_chars takes no plus sign
     {
-        FailWithError(a_szFile, "cannot be read", errno);
+        ++szBegin;
     }
-    return Reader;
+    const std::from_chars_result Result = std::from_chars(szBegin, szEnd, a_dValue);
+    if (Result.ec == std::errc::result_out_of_range)
+    {
+        return "is out of the range of a double";
+    }
+    if (Result.ec != std::errc() || Result.ptr != szEnd)
+    {
+        return "is not a decimal number";
+    }
+    return std::isfinite(a_dValue) ? "" : "is not a finite number";
 }
 
-static void CheckBounds(const TLineReader& a_Reader, const std::string& a_szLine)
-{
-    if (a_szLine.size() > GREATEST_LINE)
-    {
-        Fail(Place(a_Reader.szFile, a_Reader.iLine), "the line is longer than 64 KiB");
-    }
-    if (a_Reader.iBytes > GREATEST_FILE)
-    {
-        Fail(Place(a_Reader.szFile, a_Reader.iLine), "the file is longer than 256 MiB");
-    }
-}
-
-static void RemovePrefix(std::string& a_szLine, const std::string& a_szPrefix)
-{
-    if (a_szLine.compare(0, a_szPrefix.size(), a_szPrefix) == 0)
-    {
-        a_szLine.erase(0, a_szPrefix.size());
-    }
-}
-
-// The next line without its end (LF or CR LF) and, at the start of the file, without the byte order mark.
-static bool ReadLine(TLineReader& a_Reader, std::string& a_szLine)
-{
-    a_szLine.clear();
-    ++a_Reader.iLine;
-    int iChar = getc_unlocked(a_Reader.File.get()); // one thread: without the lock, in a third of the time
-    for (; iChar != EOF && iChar != '\n'; iChar = getc_unlocked(a_Reader.File.get()))
-    {
-        a_szLine.push_back(static_cast<char>(iChar));
-        ++a_Reader.iBytes;
-        CheckBounds(a_Reader, a_szLine);
-    }
-    ++a_Reader.iBytes;
-    CheckBounds(a_Reader, a_szLine);
-    if (std::ferror(a_Reader.File.get()))
-    {
-        FailWithError(a_Reader.szFile, "cannot be read", errno);
-    }
-    if (iChar == EOF && a_szLine.empty())
-    {
-        return false;
-    }
-    if (!a_szLine.empty() && a_szLine.back() == '\r')
-    {
-        a_szLine.pop_back();
-    }
-    if (a_Reader.iLine == 1)
-    {
-        RemovePrefix(a_szLine, "\xEF\xBB\xBF");
-    }
-    return true;
-}
-
-// The next line that is neither blank nor a comment.
-static bool ReadRowLine(TLineReader& a_Reader, std::string& a_szLine)
-{
-    while (ReadLine(a_Reader, a_szLine))
-    {
-        if (a_szLine.find_first_not_of(" \t") != std::string::npos && a_szLine[0] != '#')
-        {
-            return true;
-        }
-    }
-    return false;
-}
-
-// ---------------------------------------------------------------------------------------------------------------------
-// Fields
-
-using TFields = std::vector<std::string>;
-
-struct TRow
-{
-    TFields vszFields;
-    int iEnds; // row ends seen: more than one where a carriage return stands inside the line
-};
-
-struct TCsvParser
-{
-    csv_parser Parser;
-
-    TCsvParser()
-    {
-        csv_init(&Parser, CSV_STRICT | CSV_STRICT_FINI);
-    }
-    ~TCsvParser()
-    {
-        csv_free(&Parser);
-    }
-    TCsvParser(const TCsvParser&) = delete;
-    TCsvParser& operator=(const TCsvParser&) = delete;
-};
-
-static void AddField(void* a_szText, std::size_t a_iLength, void* a_Row)
-{
-    static_cast<TRow*>(a_Row)->vszFields.emplace_back(static_cast<const char*>(a_szText), a_iLength);
-}
-
-static void EndRow(int, void* a_Row)
-{
-    ++static_cast<TRow*>(a_Row)->iEnds;
-}
-
-// The fields of one line, unquoted; blanks around unquoted fields are dropped.
-static TFields SplitLine(TCsvParser& a_Csv, const std::string& a_szLine, const std::string& a_szPlace)
-{
-    TRow Row = {{}, 0};
-    csv_parser* const Parser = &a_Csv.Parser;
-    if (csv_parse(Parser, a_szLine.data(), a_szLine.size(), AddField, EndRow, &Row) != a_szLine.size() ||
-        csv_fini(Parser, AddField, EndRow, &Row) != 0)
-    {
-        Fail(a_szPlace, "the quotes of the line do not match");
-    }
-    if (Row.iEnds != 1)
-    {
-        Fail(a_szPlace, "a carriage return stands inside the line");
-    }
-    return Row.vszFields;
-}
-
-static double ParseNumber(const std::string& a_szField, const std::string& a_szColumn, const std::string& a_szPlace)
+static double Coordinate(const std::string& a_szField, const std::string& a_szColumn, const std::string& a_szPlace)
 {
     if (a_szField.empty())
     {
         Fail(a_szPlace, "column " + a_szColumn + " is empty");
     }
-    const char* szBegin = a_szField.data();
-    const char* const szEnd = szBegin + a_szField.size();
-    if (*szBegin == '+' && a_szField.size() > 1 && a_szField[1] != '-') // from_chars takes no plus sign
-    {
-        ++szBegin;
-    }
     double dValue = 0;
-    const std::from_chars_result Result = std::from_chars(szBegin, szEnd, dValue);
-    if (Result.ec == std::errc::result_out_of_range)
+    const std::string szProblem = ParseNumber(a_szField, dValue);
+    if (!szProblem.empty())
     {
-        Fail(a_szPlace, "column " + a_szColumn + ": " + Quoted(a_szField) + " is out of the range of a double");
-    }
-    if (Result.ec != std::errc() || Result.ptr != szEnd)
-    {
-        Fail(a_szPlace, "column " + a_szColumn + ": " + Quoted(a_szField) + " is not a decimal number");
-    }
-    if (!std::isfinite(dValue))
-    {
-        Fail(a_szPlace, "column " + a_szColumn + ": " + Quoted(a_szField) + " is not a finite number");
+        Fail(a_szPlace, "column " + a_szColumn + ": " + Quoted(a_szField) + " " + szProblem);
     }
     return dValue;
 }
 
 // ---------------------------------------------------------------------------------------------------------------------
-// Kinds of file
+// Columns
 
-// Which column of the file holds what; -1 for a column that there is not.
+// The indices of the columns; -1 for a column that the file does not have.
 struct TColumns
 {
     enumFileKind Kind;
@@ -221,7 +81,7 @@ static TColumns FindColumns(const TFields& a_vszHeader, const std::string& a_szP
     {
         return {FILE_CSV, a_vszHeader, 0, 1, 2, 3, 4, -1};
     }
-    // Releases before 3.26 write pixelX,pixelY for the same columns.
+    // QGIS before 3.26 writes pixelX,pixelY instead of sourceX,sourceY.
     for (const std::string szSource : {"sourceX,sourceY", "pixelX,pixelY"})
     {
         const std::string szQgis = "mapX,mapY," + szSource + ",enable";
@@ -237,7 +97,7 @@ static TColumns FindColumns(const TFields& a_vszHeader, const std::string& a_szP
 static TPoint ParsePoint(const TColumns& a_Columns, const TFields& a_vszFields, const std::string& a_szPlace)
 {
     const auto ParseColumn = [&](int a_iColumn)
-    { return ParseNumber(a_vszFields[a_iColumn], a_Columns.vszHeader[a_iColumn], a_szPlace); };
+    { return Coordinate(a_vszFields[a_iColumn], a_Columns.vszHeader[a_iColumn], a_szPlace); };
     TPoint Point = {};
     if (a_Columns.iName >= 0)
     {
@@ -299,19 +159,17 @@ static void AddPoint(const TColumns& a_Columns, const TFields& a_vszFields, long
 
 TPoints ReadPoints(const std::string& a_szFile)
 {
-    TLineReader Reader = OpenLines(a_szFile);
-    TCsvParser Csv;
-    std::string szLine;
-    if (!ReadRowLine(Reader, szLine))
+    TRowReader Reader(a_szFile);
+    TFields vszFields;
+    if (!ReadRow(Reader, vszFields))
     {
         Fail(a_szFile, Reader.iBytes <= 1 ? "the file is empty" : "the file has no header line");
     }
-    const std::string szHeaderPlace = Place(a_szFile, Reader.iLine);
-    const TColumns Columns = FindColumns(SplitLine(Csv, szLine, szHeaderPlace), szHeaderPlace);
+    const TColumns Columns = FindColumns(vszFields, Place(Reader));
     TPoints Points = {a_szFile, Columns.Kind, 0, {}};
-    while (ReadRowLine(Reader, szLine))
+    while (ReadRow(Reader, vszFields))
     {
-        AddPoint(Columns, SplitLine(Csv, szLine, Place(a_szFile, Reader.iLine)), Reader.iLine, Points);
+        AddPoint(Columns, vszFields, Reader.iLine, Points);
     }
     return Points;
 }
@@ -327,6 +185,11 @@ TArrays Arrays(const std::vector<TPoint>& a_vPoints)
         Result.vdYa.push_back(Point.dYa);
     }
     return Result;
+}
+
+int PointCount(const TArrays& a_Points)
+{
+    return static_cast<int>(a_Points.vdX.size());
 }
 
 std::string Label(const std::vector<TPoint>& a_vPoints, std::size_t a_iIndex)

@@ -1,4 +1,4 @@
-// points.h: control points and the two kinds of file that they are read from.
+// points.h: control points, and reading them from two kinds of file.
 // Copyright (c) 2026 the nuv1math authors
 // SPDX-License-Identifier: MIT
 
@@ -28,7 +28,7 @@ struct TPoints
 {
     std::string szFile;
     enumFileKind Kind;
-    std::size_t iSkipped; // points with enable 0
+    std::size_t iSkipped; // points with enable 0, which are left out
     std::vector<TPoint> vPoints;
 };
 
@@ -38,12 +38,14 @@ struct TArrays
     std::vector<double> vdX, vdY, vdXa, vdYa;
 };
 
-// Reads a file whose kind its header line tells. Fails with file and line for whatever is wrong with it.
+// The header line tells the kind of the file. Fails with file and line if anything is wrong with it.
 TPoints ReadPoints(const std::string& a_szFile);
 
 TArrays Arrays(const std::vector<TPoint>& a_vPoints);
 
-// The name in quotes if the point has one, else "point <number>, line <line>"; the index counts from 0.
+int PointCount(const TArrays& a_Points);
+
+// The name of the point in quotes, or "point <number>, line <line>" if it has none. The index counts from 0.
 std::string Label(const std::vector<TPoint>& a_vPoints, std::size_t a_iIndex);
 
 } // namespace fitpoints
