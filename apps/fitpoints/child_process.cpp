@@ -1,4 +1,4 @@
-// child_process.cpp: runs a program with given standard input, without a shell.
+// child_process.cpp: runs another program without a shell.
 // Copyright (c) 2026 the nuv1math authors
 // SPDX-License-Identifier: MIT
 
@@ -19,7 +19,7 @@ namespace fitpoints {
 
 using TFile = std::unique_ptr<std::FILE, int (*)(std::FILE*)>;
 
-// A file without a name. Unlike a pipe it cannot fill up while nobody reads it.
+// A file without a name that holds the text. A pipe could fill up while nobody reads it.
 static TFile TemporaryFile(const std::string& a_szText)
 {
     TFile File(std::tmpfile(), std::fclose);
@@ -32,7 +32,7 @@ static TFile TemporaryFile(const std::string& a_szText)
     return File;
 }
 
-// The last line that is not blank: the complaint, behind the command that it is about.
+// The last line that is not blank. gnuplot prints the faulty command first and what is wrong with it last.
 static std::string LastLine(std::FILE* a_File)
 {
     std::string szLine;
@@ -53,7 +53,7 @@ static std::string LastLine(std::FILE* a_File)
     return OneLine(szLast);
 }
 
-// Starts the command with the three descriptors as its standard ones, and SIGPIPE as processes expect it.
+// Starts the command with these standard descriptors. This program ignores SIGPIPE; the command does not.
 static pid_t Spawn(const std::vector<std::string>& a_vszCommand, const int (&a_viDescriptors)[3])
 {
     std::vector<char*> vszArguments;

@@ -37,9 +37,8 @@ static double Determinant(const nuv::TAffineCoefs& a_Coefs)
     return a_Coefs.dA * a_Coefs.dE - a_Coefs.dD * a_Coefs.dB;
 }
 
-// The library rejects every affine transformation whose determinant is within 1e-12 of zero. A regular transformation of
-// small scale, such as pixels of 0.1 m in degrees, is among them. Its determinant is not small in relation to its
-// coefficients.
+// The library rejects every affine transformation whose determinant is within 1e-12 of zero. Among them are regular ones
+// of small scale, such as pixels of 0.1 m in degrees. Their determinant is not small in relation to the coefficients.
 static bool IsRegular(const nuv::TAffineCoefs& a_Coefs)
 {
     const double dSize = std::hypot(std::hypot(a_Coefs.dA, a_Coefs.dB), std::hypot(a_Coefs.dD, a_Coefs.dE));
@@ -111,7 +110,8 @@ static void AddRejections(const TArrays& a_Points, nuv::enumMethodUsed a_Asked, 
     }
 }
 
-// The richest usable transformation up to a_Asked. CalcCoefs checks the coefficients only; this checks the residuals, too.
+// The richest usable transformation up to a_Asked. CalcCoefs only checks the coefficients; here the residuals must be
+// finite, too.
 static TAttempt FindUsable(const std::string& a_szFile, const TArrays& a_Points, bool a_bMirrored,
                            nuv::enumMethodUsed a_Asked, std::vector<std::string>& a_vszReasons)
 {

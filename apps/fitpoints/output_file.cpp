@@ -1,4 +1,4 @@
-// output_file.cpp: files that appear whole or not at all, by a temporary name and renaming.
+// output_file.cpp: output files that appear whole or not at all, because they are renamed when they are complete.
 // Copyright (c) 2026 the nuv1math authors
 // SPDX-License-Identifier: MIT
 
@@ -22,14 +22,14 @@ static const char* const CANNOT_WRITE = "cannot be written";
 
 static const int ENDING_SIGNALS[] = {SIGHUP, SIGINT, SIGTERM};
 
-// The outputs that have a temporary name. They change only while the signals wait.
+// The outputs that have a temporary name. It changes only while the ending signals are blocked.
 static const TOutput* g_vOutputs[2] = {};
 
-// The ending signals wait as long as it lives.
-class TSignalsWait
+// Blocks the ending signals as long as it lives.
+class TBlockedSignals
 {
 public:
-    TSignalsWait()
+    TBlockedSignals()
     {
         sigset_t Set;
         sigemptyset(&Set);
@@ -39,18 +39,19 @@ public:
         }
         sigprocmask(SIG_BLOCK, &Set, &m_Before);
     }
-    ~TSignalsWait()
+    ~TBlockedSignals()
     {
         sigprocmask(SIG_SETMASK, &m_Before, nullptr);
     }
-    TSignalsWait(const TSignalsWait&) = delete;
-    TSignalsWait& operator=(const TSignalsWait&) = delete;
+    TBlockedSignals(const TBlockedSignals&) = delete;
+    TBlockedSignals& operator=(const TBlockedSignals&) = delete;
 
 private:
     sigset_t m_Before;
 };
 
-static void Remember(const TOutput* a_pKnown, const TOutput* a_pNew)
+// Replaces an entry of g_vOutputs. A null pointer is a free entry.
+static void Replace(const TOutput* a_pKnown, const TOutput* a_pNew)
 {
     for (const TOutput*& pOutput : g_vOutputs)
     {
@@ -71,7 +72,7 @@ static void RemoveAndEnd(int a_iSignal)
             unlink(pOutput->szTemporary.c_str());
         }
     }
-    std::raise(a_iSignal); // its action is the default one again, and takes place on the return from here
+    std::raise(a_iSignal); // SA_RESETHAND has restored the default action, which follows when this function returns
 }
 
 void RemoveOutputsOnSignals()
@@ -100,8 +101,8 @@ TOutput::~TOutput()
     }
     if (!szTemporary.empty())
     {
-        const TSignalsWait Wait;
-        Remember(this, nullptr);
+        const TBlockedSignals Blocked;
+        Replace(this, nullptr);
         unlink(szTemporary.c_str());
     }
 }
@@ -118,7 +119,7 @@ static std::string RealPath(const std::string& a_szName, const std::string& a_sz
     return szResult;
 }
 
-// The directory part with its slash; empty for a name without one.
+// The directory part of a path, with its slash; empty if there is none.
 static std::string DirectoryOf(const std::string& a_szPath)
 {
     return a_szPath.substr(0, a_szPath.rfind('/') + 1);
@@ -149,7 +150,7 @@ std::string OutputPlace(const std::string& a_szName)
     return RealPath(a_szName, szDirectory.empty() ? "." : szDirectory) + "/" + szFile;
 }
 
-// The mode of the file that is replaced, or of a new file.
+// The permissions of the file that is replaced, or of a new file.
 static mode_t FileMode(const std::string& a_szPlace)
 {
     struct stat Status;
@@ -164,7 +165,7 @@ static mode_t FileMode(const std::string& a_szPlace)
 
 static void MakeTemporary(TOutput& a_Output)
 {
-    const TSignalsWait Wait;
+    const TBlockedSignals Blocked;
     std::string szTemporary = DirectoryOf(a_Output.szPlace) + ".fitpoints-XXXXXX";
     a_Output.iDescriptor = mkstemp(szTemporary.data());
     if (a_Output.iDescriptor < 0)
@@ -172,7 +173,7 @@ static void MakeTemporary(TOutput& a_Output)
         FailWithError(a_Output.szName, CANNOT_WRITE, errno);
     }
     a_Output.szTemporary = szTemporary;
-    Remember(nullptr, &a_Output);
+    Replace(nullptr, &a_Output);
 }
 
 std::unique_ptr<TOutput> OpenOutput(const std::string& a_szName)
@@ -224,12 +225,12 @@ void CloseOutput(TOutput& a_Output)
 
 void PutInPlace(TOutput& a_Output)
 {
-    const TSignalsWait Wait;
+    const TBlockedSignals Blocked;
     if (std::rename(a_Output.szTemporary.c_str(), a_Output.szPlace.c_str()) != 0)
     {
         FailWithError(a_Output.szName, CANNOT_WRITE, errno);
     }
-    Remember(&a_Output, nullptr);
+    Replace(&a_Output, nullptr);
     a_Output.szTemporary.clear();
 }
 

@@ -1,4 +1,4 @@
-// output_file.h: files that appear whole or not at all.
+// output_file.h: output files that appear whole or not at all.
 // Copyright (c) 2026 the nuv1math authors
 // SPDX-License-Identifier: MIT
 
@@ -10,11 +10,11 @@
 
 namespace fitpoints {
 
-// An output under a temporary name in the directory of its place. The destructor removes it unless it was put in place.
+// An output file with a temporary name in the directory of its place. The destructor removes it unless it is in place.
 struct TOutput
 {
     std::string szName;      // as the user gave it, for messages
-    std::string szPlace;     // without symbolic links
+    std::string szPlace;     // its final path, without symbolic links
     std::string szTemporary; // empty when the file is in place
     int iDescriptor;
 
@@ -24,26 +24,26 @@ struct TOutput
     TOutput& operator=(const TOutput&) = delete;
 };
 
-// Where an output of this name will stand, without symbolic links. Fails if something other than a regular file
-// stands there, or its directory does not exist.
+// The final path of an output with this name, without symbolic links. Fails if something other than a regular file is
+// there, or the directory does not exist.
 std::string OutputPlace(const std::string& a_szName);
 
-// Opens the temporary file. Fails if the place cannot be written.
+// Creates the temporary file. Fails if the place cannot be written.
 std::unique_ptr<TOutput> OpenOutput(const std::string& a_szName);
 
 void WriteOutput(TOutput& a_Output, const std::string& a_szText);
 
-// Makes sure that what was written is stored.
+// Closes the file after its contents are on the disk.
 void CloseOutput(TOutput& a_Output);
 
-// Renames a closed output to its place.
+// Renames a closed output to its final path.
 void PutInPlace(TOutput& a_Output);
 
-// From now on SIGHUP, SIGINT and SIGTERM, where they are not ignored, remove what stands under temporary names before they
-// end the process.
+// From now on SIGHUP, SIGINT and SIGTERM remove the temporary files before they end the process. An ignored signal
+// remains ignored.
 void RemoveOutputsOnSignals();
 
-// Writes to standard output and fails if that cannot be.
+// Fails if the text cannot be written.
 void WriteStandardOutput(const std::string& a_szText);
 
 } // namespace fitpoints

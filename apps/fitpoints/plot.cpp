@@ -1,4 +1,4 @@
-// plot.cpp: the drawing of points and residual vectors: the gnuplot script, and running it.
+// plot.cpp: draws points and residual vectors: makes the script for gnuplot and runs it.
 // Copyright (c) 2026 the nuv1math authors
 // SPDX-License-Identifier: MIT
 
@@ -13,8 +13,8 @@
 
 namespace fitpoints {
 
-static const std::size_t GREATEST_LABELLED = 100; // more points than this are drawn without their names
-static const double LONGEST_VECTOR = 1.0 / 8;     // of the extent of the points
+static const std::size_t GREATEST_LABELLED = 100; // if there are more points, their names are left out
+static const double LONGEST_VECTOR = 1.0 / 8;     // in extents of the points
 
 enumPlotKind PlotKind(const std::string& a_szName)
 {
@@ -30,7 +30,7 @@ enumPlotKind PlotKind(const std::string& a_szName)
     return EndsWith(".svg") ? PLOT_SVG : PLOT_PNG;
 }
 
-// A point and its residual vector as they are drawn: the computed position, and the enlarged way to the given one.
+// A point as it is drawn: its computed position, and the enlarged vector from there towards the given position.
 struct TArrow
 {
     double dX, dY;
@@ -45,12 +45,12 @@ struct TRange
 struct TDrawing
 {
     TPosition Offset; // subtracted from the coordinates
-    double dFactor;   // enlargement of the residuals; 0 if they are rounding only
+    double dFactor;   // enlargement of the residuals; 0 if they are only rounding
     std::vector<TArrow> vArrows;
     TRange X, Y;
 };
 
-// The greatest of 1, 2, 5 times a power of ten that is not above the value.
+// The greatest number that is not above the value and is 1, 2 or 5 times a power of ten.
 static double RoundBelow(double a_dValue)
 {
     const double dPower = std::pow(10.0, std::floor(std::log10(a_dValue)));
@@ -58,7 +58,7 @@ static double RoundBelow(double a_dValue)
     return (dDigit >= 5 ? 5 : dDigit >= 2 ? 2 : 1) * dPower;
 }
 
-// Numbers of more than five digits do not fit between the ticks: the axes then count from a local origin.
+// Tick labels of more than five digits would overlap, so the axes then count from a local origin.
 static TPosition AxisOffset(const TArrays& a_Points)
 {
     const double dLargest = std::max(Magnitude(a_Points.vdXa), Magnitude(a_Points.vdYa));
@@ -91,7 +91,7 @@ static void Widen(double a_dBy, TRange& a_Range)
     a_Range.dHigh += a_dBy;
 }
 
-// Ranges that hold all arrows with a margin, neither much wider than high nor the other way.
+// Makes the ranges contain all arrows with a margin, and gives the picture a moderate aspect ratio.
 static void FindRanges(TDrawing& a_Drawing)
 {
     const TArrow& First = a_Drawing.vArrows[0];
@@ -129,8 +129,8 @@ static TDrawing Drawing(const TPoints& a_Points, const TFit& a_Fit)
 // ---------------------------------------------------------------------------------------------------------------------
 // The script
 
-// A string of gnuplot. Between single quotes nothing is special but the quote itself, and doubling it is not understood
-// at the beginning of a string; a user's text must not end the string, so the apostrophe is set as a typographic one.
+// A string in single quotes for gnuplot, which treats nothing as special there but the quote. It does not understand a
+// doubled quote at the beginning of a string. So a typographic apostrophe replaces the quote in a text of the user.
 static std::string Literal(const std::string& a_szText)
 {
     std::string szLiteral = "'";
@@ -161,7 +161,7 @@ static std::string Axis(const std::string& a_szAxis, const std::string& a_szLabe
            ":" + Exact(a_Range.dHigh) + "]\nset " + a_szAxis + "tics " + Exact(a_dTick) + "\n";
 }
 
-// A plain file name without its directory; a name that is not UTF-8 is left out.
+// The title has the name of the file without its directory. A name that is not UTF-8 is left out.
 static std::string TitleOf(const TPoints& a_Points, const TFit& a_Fit)
 {
     const std::string szFile = OneLine(a_Points.szFile.substr(a_Points.szFile.rfind('/') + 1));
@@ -176,7 +176,7 @@ static std::string VectorTitle(const TFit& a_Fit, double a_dFactor)
            Brief(a_Fit.vResiduals[a_Fit.iLargest].dLength) + ")";
 }
 
-// Names stand above the points whose arrows go down, and below the others.
+// A name stands above its point if the arrow goes down, and below it otherwise.
 static std::string Names(const TPoints& a_Points, const TDrawing& a_Drawing)
 {
     std::string szScript;
@@ -225,7 +225,7 @@ std::string PlotScript(const TPoints& a_Points, const TFit& a_Fit, enumPlotKind 
 // ---------------------------------------------------------------------------------------------------------------------
 // The picture
 
-// gnuplot can end with code 0 and half a picture: the file must have its beginning and its end.
+// gnuplot can end with exit code 0 and half a picture. So the beginning and the end of the file are checked.
 static bool IsWhole(int a_iDescriptor, enumPlotKind a_Kind)
 {
     const std::string szBegin = a_Kind == PLOT_SVG ? "<?xml" : "\x89PNG";

@@ -1,4 +1,4 @@
-// plot.h: the drawing of points and residual vectors, by gnuplot.
+// plot.h: draws points and residual vectors with gnuplot.
 // Copyright (c) 2026 the nuv1math authors
 // SPDX-License-Identifier: MIT
 
@@ -16,10 +16,10 @@ enum enumPlotKind
     PLOT_PNG
 };
 
-// By the extension of the name. Fails for any other than .svg and .png.
+// The extension of the name tells the kind. Fails unless it is .svg or .png.
 enumPlotKind PlotKind(const std::string& a_szName);
 
-// What gnuplot is told. Texts of the user stand in it between single quotes only.
+// The commands for gnuplot. Texts of the user appear only between single quotes.
 std::string PlotScript(const TPoints& a_Points, const TFit& a_Fit, enumPlotKind a_Kind);
 
 // Draws into the output.

@@ -1,4 +1,4 @@
-// report.h: the result as text and as JSON.
+// report.h: reports of the transformation as text and as JSON.
 // Copyright (c) 2026 the nuv1math authors
 // SPDX-License-Identifier: MIT
 

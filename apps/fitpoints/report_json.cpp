@@ -1,4 +1,4 @@
-// report_json.cpp: the result as JSON, with the points.
+// report_json.cpp: the report as JSON.
 // Copyright (c) 2026 the nuv1math authors
 // SPDX-License-Identifier: MIT
 
@@ -87,13 +87,13 @@ static TJson Summary(const TPoints& a_Points, const TFit& a_Fit)
             {"largest_residual", Largest}};
 }
 
-// A file name need not be UTF-8: what is not is replaced.
+// A file name may contain bytes that are not UTF-8. They are replaced.
 static std::string Dumped(const TJson& a_Json, int a_iIndent)
 {
     return a_Json.dump(a_iIndent, ' ', false, TJson::error_handler_t::replace);
 }
 
-// The points are written one by one, a line each, which needs little memory for a million of them.
+// A JSON object of a million points would take much memory. So the points are converted one by one, each on a line.
 std::string JsonReport(const TPoints& a_Points, const TFit& a_Fit)
 {
     std::string szText = Dumped(Summary(a_Points, a_Fit), 2);

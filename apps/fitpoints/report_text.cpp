@@ -1,4 +1,4 @@
-// report_text.cpp: the result as text for people.
+// report_text.cpp: the report as text.
 // Copyright (c) 2026 the nuv1math authors
 // SPDX-License-Identifier: MIT
 
@@ -13,7 +13,7 @@ namespace fitpoints {
 
 static const double DEGREES = 57.29577951308232; // 180/pi
 
-// Appends blanks behind (a positive width) or before (a negative one) a text of UTF-8.
+// Adds blanks to a text of UTF-8: behind it if the width is positive, before it if the width is negative.
 static std::string Padded(const std::string& a_szText, int a_iWidth)
 {
     const auto IsStart = [](char a_iChar) { return (static_cast<unsigned char>(a_iChar) & 0xC0) != 0x80; };
@@ -27,7 +27,7 @@ static std::string Pair(double a_dX, double a_dY)
     return "(" + Shortest(a_dX) + ", " + Shortest(a_dY) + ")";
 }
 
-// "x - 2000"
+// A name less an origin: "x - 2000".
 static std::string Difference(const std::string& a_szName, double a_dOrigin)
 {
     return a_dOrigin == 0  ? a_szName

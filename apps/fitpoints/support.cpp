@@ -1,4 +1,4 @@
-// support.cpp: tests for equal points, points on one line, and points without four of which no three are on a line.
+// support.cpp: finds equal points, points on one line, and points without four of which no three are on a line.
 // Copyright (c) 2026 the nuv1math authors
 // SPDX-License-Identifier: MIT
 
@@ -11,16 +11,16 @@
 
 namespace fitpoints {
 
-// Points count as lying on a line when their distance from it is below the greater of two bounds:
-// - 3e-8 of the extent of the points. The affine fit solves normal equations in which the spread across the points'
-//   line stands squared beside the spread along it; at a ratio of 3e-8 squared, about 1e-15, a double keeps
-//   no digit of the former, and decimal coordinates that were rounded fall below this too.
-// - four units in the last place of the largest coordinate: points exactly on a line, rounded to double far away from
-//   the origin, stray from it by about this much however small their extent is.
+// A point counts as lying on a line if its distance from it is at most the greater of two bounds:
+// - 3e-8 of the extent of the points. The normal equations of the affine fit contain the squares of the spreads across
+//   and along the line. If their ratio is (3e-8)^2, about 1e-15, a double keeps no digit of the spread across. Rounded
+//   decimal coordinates are within this bound, too.
+// - four units in the last place of the largest coordinate. Rounding to double moves points far from the origin off
+//   their line by about this much, however small their extent is.
 static const double RELATIVE_TOLERANCE = 3e-8;
 static const double ROUNDING_TOLERANCE = 4 * std::numeric_limits<double>::epsilon();
 
-// The conformal fit divides by a sum of squares. If it overflowed, the result would be a scale of 0 and no error.
+// The conformal fit divides by a sum of squares. If the sum overflowed, the scale would be 0 without an error.
 static const double GREATEST_EXTENT = 1e150;
 
 // One side of the control points, source or target.
@@ -35,7 +35,7 @@ static double Distance(const TSide& a_Side, std::size_t i, std::size_t j)
     return std::hypot(a_Side.vdX[i] - a_Side.vdX[j], a_Side.vdY[i] - a_Side.vdY[j]);
 }
 
-// A line through two different points, by one of them and the unit vector towards the other.
+// A line through two different points: one of them, and the unit vector towards the other.
 struct TLine
 {
     double dX, dY;
@@ -54,7 +54,7 @@ static double DistanceFromLine(const TSide& a_Side, const TLine& a_Line, std::si
     return std::fabs((a_Side.vdY[i] - a_Line.dY) * a_Line.dUx - (a_Side.vdX[i] - a_Line.dX) * a_Line.dUy);
 }
 
-// The index of the point at which a_Measure(index) is greatest.
+// The index of the point with the greatest a_Measure(index).
 template <class TMeasure> std::size_t Greatest(const TSide& a_Side, TMeasure a_Measure)
 {
     std::size_t iGreatest = 0;
@@ -87,12 +87,12 @@ static double LargestCoordinate(const TSide& a_Side)
     return Magnitude(Greatest(a_Side, Magnitude));
 }
 
-// A triangle that is as wide as the points: far points P and Q, and the farthest point R from their line.
+// A triangle that spans the points: distant points P and Q, and the point R farthest from their line.
 struct TSpread
 {
     std::size_t iP, iQ, iR;
-    double dExtent;    // distance of P and Q: at least half the greatest distance of any two points
-    double dTolerance; // for distances from lines
+    double dExtent;    // distance of P and Q, at least half of the greatest distance between two points
+    double dTolerance; // a point within this distance of a line counts as on it
     double dAcross;    // distance of R from the line
 };
 
@@ -117,7 +117,7 @@ static bool IsOnOneLine(const TSpread& a_Spread)
     return a_Spread.dAcross <= a_Spread.dTolerance;
 }
 
-// True if two different points stand off the line.
+// True if two different points are off the line.
 static bool HasTwoOffLine(const TSide& a_Side, const TLine& a_Line, double a_dTolerance)
 {
     bool bFound = false;
@@ -138,10 +138,11 @@ static bool HasTwoOffLine(const TSide& a_Side, const TLine& a_Line, double a_dTo
     return false;
 }
 
-// True if there are four points of which no three are on a line; the points must not all be on one line.
-// That fails exactly if all points, or all but one, are on one line: with two points D and E off every line, a line of
-// three or more points has two that are not on DE. The line of all but one would hold two of any three
-// points, so the three sides of one triangle are all the lines to try.
+// True if there are four points of which no three are on a line. The points must not all be on one line.
+//
+// There are no such four points exactly if one line contains all points but one, where equal points count once. Such a
+// line contains at least two corners of every triangle of points, so it is a side of the triangle PQR. Therefore four
+// points exist if there are two different points off each side of the triangle.
 static bool HasQuadrangle(const TSide& a_Side, const TSpread& a_Spread)
 {
     const std::size_t viCorners[] = {a_Spread.iP, a_Spread.iQ, a_Spread.iR};

@@ -1,4 +1,4 @@
-// support.h: which kinds of transformation a set of control points determines, which the fits cannot tell.
+// support.h: tests which kinds of transformation the control points determine. The fits of the library do not.
 // Copyright (c) 2026 the nuv1math authors
 // SPDX-License-Identifier: MIT
 
@@ -13,20 +13,20 @@
 
 namespace fitpoints {
 
-// Why the points determine no transformation of a kind; empty where they do.
+// Why the points determine no transformation of a kind; empty if they determine one.
 struct TSupport
 {
     std::string szNoAffine;
     std::string szNoOmographic;
 };
 
-// Fails if the points determine nothing at all: fewer than two, or all equal on one side.
+// Fails if there is no transformation at all: fewer than two points, or equal source or target points.
 TSupport FindSupport(const std::string& a_szFile, const TArrays& a_Points);
 
-// The reason against a kind; empty if the points support it.
+// The reason against a kind; empty if the points support the kind.
 const std::string& ReasonAgainst(const TSupport& a_Support, nuv::enumMethodUsed a_Kind);
 
-// The least number of points of a kind.
+// The least number of points that a kind needs.
 std::size_t LeastPoints(nuv::enumMethodUsed a_Kind);
 
 // conformal, affine, omographic.

@@ -1,4 +1,4 @@
-// text.cpp: texts that the parts of the program share: numbers, one-line messages, failures.
+// text.cpp: failures, and the texts of messages and numbers.
 // Copyright (c) 2026 the nuv1math authors
 // SPDX-License-Identifier: MIT
 
@@ -56,14 +56,14 @@ std::string Quoted(const std::string& a_szText)
         return "'" + OneLine(a_szText) + "'";
     }
     std::size_t iEnd = iGreatest;
-    while (iEnd > 0 && IsContinuation(a_szText[iEnd])) // never cut inside a character
+    while (iEnd > 0 && IsContinuation(a_szText[iEnd])) // do not cut inside a character
     {
         --iEnd;
     }
     return "'" + OneLine(a_szText.substr(0, iEnd)) + "...'";
 }
 
-// Length of the UTF-8 sequence that a byte starts, or 0 for a byte that starts none.
+// The length of the UTF-8 sequence that this byte starts; 0 if it starts none.
 static std::size_t SequenceLength(unsigned char a_iByte)
 {
     return a_iByte < 0x80                      ? 1
@@ -84,7 +84,7 @@ static unsigned int CodePoint(const char* a_szText, std::size_t a_iLength)
     return iCode;
 }
 
-// Neither an overlong form, nor half of a UTF-16 pair, nor beyond Unicode, nor one of the controls U+0080 to U+009F.
+// False for an overlong form, a half of a UTF-16 pair, a code beyond Unicode, and the controls U+0080 to U+009F.
 static bool IsPlainCode(unsigned int a_iCode, std::size_t a_iLength)
 {
     const unsigned int viLeast[] = {0, 0, 0xA0, 0x800, 0x10000};

@@ -1,4 +1,4 @@
-// text.h: texts that the parts of the program share: numbers, one-line messages, failures.
+// text.h: failures, and the texts of messages and numbers.
 // Copyright (c) 2026 the nuv1math authors
 // SPDX-License-Identifier: MIT
 
@@ -10,7 +10,7 @@
 
 namespace fitpoints {
 
-// The program gives up: one line for standard error, exit code 2.
+// Ends the program with this line on standard error and exit code 2.
 struct TFailure : std::runtime_error
 {
     using std::runtime_error::runtime_error;
@@ -19,25 +19,25 @@ struct TFailure : std::runtime_error
 // Throws TFailure with "<place>: <what>".
 [[noreturn]] void Fail(const std::string& a_szPlace, const std::string& a_szWhat);
 
-// Throws TFailure with "<place>: <what>: <text of a_iError>", an errno value.
+// Throws TFailure with "<place>: <what>: <error>", where a_iError is a value of errno.
 [[noreturn]] void FailWithError(const std::string& a_szPlace, const std::string& a_szWhat, int a_iError);
 
 // "<file>:<line>".
 std::string Place(const std::string& a_szFile, long a_iLine);
 
-// The text with every control character replaced, so that it stays one line and cannot steer a terminal.
+// Replaces every control character, so that the text is one line and cannot control a terminal.
 std::string OneLine(std::string a_szText);
 
-// A user's text inside a message: quoted, one line, and cut when it is long.
+// A text of the user inside a message: one line in quotes, cut if it is long.
 std::string Quoted(const std::string& a_szText);
 
 // True for well-formed UTF-8 without control characters.
 bool IsPlainUtf8(const std::string& a_szText);
 
-// printf of one double.
+// The number in a format of printf.
 std::string Number(const char* a_szFormat, double a_dValue);
 
-// 17 significant digits: the double can be read back from them.
+// 17 significant digits, from which the double can be read back.
 std::string Exact(double a_dValue);
 
 // The shortest digits from which the double can be read back.

@@ -1,4 +1,4 @@
-// world_file.cpp: the six lines that place an image in the target system.
+// world_file.cpp: the world file, which places an image in the target system.
 // Copyright (c) 2026 the nuv1math authors
 // SPDX-License-Identifier: MIT
 
@@ -7,13 +7,14 @@
 
 namespace fitpoints {
 
-// X = A col + B row + C, Y = D col + E row + F, with col and row of pixel centres.
+// X = A column + B row + C, Y = D column + E row + F for the centres of pixels.
 struct TWorld
 {
     double dA, dB, dC, dD, dE, dF;
 };
 
-// A georeferencer counts from the outer corner of the first pixel, y upwards: x = col + 1/2, y = -(row + 1/2).
+// A georeferencer file counts from the outer corner of the first pixel, with y upwards: x = column + 1/2 and
+// y = -(row + 1/2) at the centre of a pixel.
 static TWorld OfPixelCentres(const nuv::TOmographicParams& a_Coefs)
 {
     return {a_Coefs.dA, -a_Coefs.dB, a_Coefs.dC + 0.5 * a_Coefs.dA - 0.5 * a_Coefs.dB,

@@ -1,4 +1,4 @@
-// world_file.h: the six lines that place an image in the target system.
+// world_file.h: the world file, which places an image in the target system.
 // Copyright (c) 2026 the nuv1math authors
 // SPDX-License-Identifier: MIT
 
@@ -9,7 +9,7 @@
 
 namespace fitpoints {
 
-// Fails for an omographic transformation, which six numbers do not hold.
+// The six lines of the file. Fails for an omographic transformation, which has eight coefficients.
 std::string WorldFile(const TPoints& a_Points, const TFit& a_Fit);
 
 } // namespace fitpoints
