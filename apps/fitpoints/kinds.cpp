@@ -37,8 +37,9 @@ static double Determinant(const nuv::TAffineCoefs& a_Coefs)
     return a_Coefs.dA * a_Coefs.dE - a_Coefs.dD * a_Coefs.dB;
 }
 
-// The library rejects every affine transformation whose determinant is within 1e-12 of zero. Among them are regular ones
-// of small scale, such as pixels of 0.1 m in degrees. Their determinant is not small in relation to the coefficients.
+// The library rejects every affine transformation whose determinant is within 1e-12 of zero. Among them are regular
+// ones of small scale, such as pixels of 0.1 m in degrees. Their determinant is not small in relation to their
+// coefficients.
 static bool IsRegular(const nuv::TAffineCoefs& a_Coefs)
 {
     const double dSize = std::hypot(std::hypot(a_Coefs.dA, a_Coefs.dB), std::hypot(a_Coefs.dD, a_Coefs.dE));
