@@ -5,8 +5,9 @@
 // The allocator comes from watched_allocator.h: every reference of the library to malloc and free goes there.
 
 #include "nuv1math.h"
+#include "support/expect.h"
+#include "support/fits.h"
 #include "support/watched_allocator.h"
-#include "testing.h"
 
 #include <climits>
 
@@ -15,7 +16,6 @@ namespace {
 using namespace nuv_tests;
 
 // --- InitCholLowTri, DeleteCholLowTri
-// ---------------------------------------------------------------------------------
 
 TEST(InitCholLowTri, AsksForThePackedMatrixAndThenForTheVector)
 {
@@ -137,21 +137,17 @@ TEST(DeleteCholLowTri, ReleasesTheMatrixAndTheVectorAndNoNullPointer)
 }
 
 // --- CalcCoefs
-// --------------------------------------------------------------------------------------------------------
 
-const double SourceX[] = {0.0, 4.0, 5.0, 1.0, 2.0};
-const double SourceY[] = {0.0, 1.0, 4.0, 3.0, 1.5};
-const double TargetX[] = {1.0, 6.0, 5.0, -1.0, 3.0};
-const double TargetY[] = {2.0, 3.5, 9.0, 6.0, 4.0};
-const double AllEqual[] = {1.0, 1.0, 1.0, 1.0, 1.0};
-const int Points = 5;
+const TControlPoints General = {
+    {0.0, 4.0, 5.0, 1.0, 2.0}, {0.0, 1.0, 4.0, 3.0, 1.5}, {1.0, 6.0, 5.0, -1.0, 3.0}, {2.0, 3.5, 9.0, 6.0, 4.0}};
+const TControlPoints OneSource = {{1.0, 1.0, 1.0, 1.0, 1.0}, {1.0, 1.0, 1.0, 1.0, 1.0}, General.vdXa, General.vdYa};
 
 // CalcCoefs under a watch.
-bool Choose(int a_iFailAt, const double* a_vdX, const double* a_vdY, bool a_bSameOrientation,
-            nuv::enumMethodUsed a_Requested, nuv::enumMethodUsed& a_Used, nuv::TOmographicParams& a_Params)
+bool ChooseWatched(int a_iFailAt, const TControlPoints& a_Points, bool a_bSameOrientation,
+                   nuv::enumMethodUsed a_Requested, nuv::enumMethodUsed& a_Used, nuv::TOmographicParams& a_Params)
 {
     const TWatch Watch(a_iFailAt);
-    return nuv::CalcCoefs(Points, a_vdX, a_vdY, TargetX, TargetY, a_bSameOrientation, a_Requested, a_Used, a_Params);
+    return Choose(a_Points, a_bSameOrientation, a_Requested, a_Used, a_Params);
 }
 
 TEST(CalcCoefs, AFailedAllocationOfTheMirroredTargetIsFalseAndTouchesNothing)
@@ -160,7 +156,7 @@ TEST(CalcCoefs, AFailedAllocationOfTheMirroredTargetIsFalseAndTouchesNothing)
     {
         nuv::enumMethodUsed Used = Before;
         auto Params = Filled<nuv::TOmographicParams>();
-        EXPECT_FALSE(Choose(0, SourceX, SourceY, false, nuv::METHOD_CONFORMAL, Used, Params));
+        EXPECT_FALSE(ChooseWatched(0, General, false, nuv::METHOD_CONFORMAL, Used, Params));
         EXPECT_EQ(Before, Used);
         EXPECT_TRUE(SameRecord(Filled<nuv::TOmographicParams>(), Params));
         EXPECT_EQ(1u, Allocator.viRequests.size());
@@ -172,17 +168,16 @@ TEST(CalcCoefs, TheMirroredTargetIsOneArrayAndIsReleasedWhateverTheFitReturns)
 {
     const struct
     {
-        const double* vdX;
-        const double* vdY;
+        const TControlPoints& Points;
         bool bResult;
-    } Cases[] = {{SourceX, SourceY, true}, {AllEqual, AllEqual, false}};
+    } Cases[] = {{General, true}, {OneSource, false}};
     for (const auto& Case : Cases)
     {
         nuv::enumMethodUsed Used = nuv::METHOD_OMOGRAPHIC;
         auto Params = Filled<nuv::TOmographicParams>();
-        EXPECT_EQ(Case.bResult, Choose(Never, Case.vdX, Case.vdY, false, nuv::METHOD_CONFORMAL, Used, Params));
+        EXPECT_EQ(Case.bResult, ChooseWatched(Never, Case.Points, false, nuv::METHOD_CONFORMAL, Used, Params));
         EXPECT_EQ(Case.bResult ? nuv::METHOD_CONFORMAL : nuv::METHOD_OMOGRAPHIC, Used);
-        EXPECT_EQ(std::vector<std::size_t>{Points * sizeof(double)}, Allocator.viRequests);
+        EXPECT_EQ(std::vector<std::size_t>{General.vdX.size() * sizeof(double)}, Allocator.viRequests);
         ExpectNothingHeld();
     }
 }
@@ -199,7 +194,7 @@ TEST(CalcCoefs, NothingElseInItAllocates)
             }
             nuv::enumMethodUsed Used = nuv::METHOD_CONFORMAL;
             nuv::TOmographicParams Params;
-            EXPECT_TRUE(Choose(0, SourceX, SourceY, bSameOrientation, Requested, Used, Params));
+            EXPECT_TRUE(ChooseWatched(0, General, bSameOrientation, Requested, Used, Params));
             EXPECT_EQ(Requested, Used);
             EXPECT_TRUE(Allocator.viRequests.empty());
             ExpectNothingHeld();
@@ -208,7 +203,6 @@ TEST(CalcCoefs, NothingElseInItAllocates)
 }
 
 // --- All others
-// -------------------------------------------------------------------------------------------------------
 
 TEST(OtherFunctions, NeitherAllocateNorRelease)
 {
@@ -224,9 +218,9 @@ TEST(OtherFunctions, NeitherAllocateNorRelease)
     nuv::TOmographicParams Params;
     {
         TWatch Watch(0);
-        EXPECT_EQ(1, nuv::CalcConformalCoefs(Points, SourceX, SourceY, TargetX, TargetY, false, Conformal));
-        EXPECT_EQ(1, nuv::CalcAffineCoefs(Points, SourceX, SourceY, TargetX, TargetY, Affine));
-        EXPECT_EQ(1, nuv::CalcOmographicCoefs(Points, SourceX, SourceY, TargetX, TargetY, Params));
+        EXPECT_EQ(1, Fit(General, Conformal));
+        EXPECT_EQ(1, Fit(General, Affine));
+        EXPECT_EQ(1, Fit(General, Params));
         nuv::AffineParamsToCoefs(2.0, 3.0, 0.1, 0.2, 10.0, 20.0, Affine);
         EXPECT_EQ(1, nuv::AffineCoefsToParam(Affine, d[0], d[1], d[2], d[3], d[4], d[5]));
         EXPECT_EQ(1, nuv::AffineCoefsToInvCoefs(Affine, InverseAffine));

@@ -6,7 +6,7 @@
 #include "functionsimp.h"
 #include "nuv1math.h"
 #include "support/child_process.h"
-#include "testing.h"
+#include "support/expect.h"
 
 #include <unistd.h>
 

@@ -4,7 +4,7 @@
 
 #include "nuv1math.h"
 #include "support/child_process.h"
-#include "testing.h"
+#include "support/expect.h"
 
 #include <cstdlib>
 #include <unistd.h>

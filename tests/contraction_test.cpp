@@ -5,7 +5,7 @@
 // Built as the library is, and once more for a processor with FMA, where compilers contract unless told otherwise.
 
 #include "nuv1math.h"
-#include "testing.h"
+#include "support/expect.h"
 
 using namespace nuv;
 using namespace nuv_tests;

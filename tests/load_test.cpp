@@ -2,9 +2,9 @@
 // Copyright (c) 2026 the nuv1math authors
 // SPDX-License-Identifier: MIT
 
+#include "support/expect.h"
 #include "support/random_sequences.h"
 #include "support/shared_library.h"
-#include "testing.h"
 
 namespace {
 

@@ -6,7 +6,7 @@
 
 #include "nuv1math.h"
 #include "support/child_process_windows.h"
-#include "testing.h"
+#include "support/expect.h"
 
 #include <windows.h>
 

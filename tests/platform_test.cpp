@@ -3,7 +3,7 @@
 // SPDX-License-Identifier: MIT
 
 #include "assertion.h"
-#include "testing.h"
+#include "support/expect.h"
 
 #include <cerrno>
 #include <sys/types.h>

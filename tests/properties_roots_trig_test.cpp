@@ -3,7 +3,7 @@
 // SPDX-License-Identifier: MIT
 
 #include "nuv1math.h"
-#include "testing.h"
+#include "support/expect.h"
 
 #include <algorithm>
 #include <rapidcheck/gtest.h>

@@ -7,8 +7,9 @@
 
 #include "nuv1math.h"
 #include "support/angles.h"
+#include "support/effort.h"
+#include "support/expect.h"
 #include "support/trig_equation.h"
-#include "testing.h"
 
 #include <algorithm>
 #include <random>
@@ -82,7 +83,6 @@ double Atan(double a_dValue)
 }
 
 // --- no linear terms: a product
-// ---------------------------------------------------------------------------------------
 
 TEST(SolveQuadTrig, WithoutAnyTermEveryAngleSolves)
 {
@@ -136,7 +136,6 @@ TEST(SolveQuadTrig, CosineFactorStandsBesideALine)
 }
 
 // --- no linear terms: a quadratic in the tangent
-// ----------------------------------------------------------------------
 
 TEST(SolveQuadTrig, DifferenceOfSquaresGivesTheFourDiagonals)
 {
@@ -209,7 +208,6 @@ TEST(SolveQuadTrig, OppositeOfANegativeTangentIsFormedFromTheGreaterAngle)
 }
 
 // --- the quadratic terms are a constant
-// -------------------------------------------------------------------------------
 
 TEST(SolveQuadTrig, EqualSquaresLeaveTheLinearEquation)
 {
@@ -245,7 +243,6 @@ TEST(SolveQuadTrig, TheDoubleAngleOfASineOfOneIsMerged)
 }
 
 // --- the quartic
-// ------------------------------------------------------------------------------------------------------
 
 // cos(t) (cos(t) + 1): the quartic has lost its root at infinity, -2u^2 + 2 is left.
 TEST(SolveQuadTrig, ThePiThatTheQuarticLosesIsPutBeside)
@@ -324,7 +321,6 @@ TEST(SolveQuadTrig, TermsOfIncommensurableSizeEnd)
 }
 
 // --- sorting and merging
-// ----------------------------------------------------------------------------------------------
 
 // sin(t) (sin(t) + c cos(t)) with a small c has an angle |c| from both 0 and pi, above for c < 0, below for c > 0.
 TEST(SolveQuadTrig, AnglesCloserThanTheToleranceAreMergedIntoTheSmaller)
@@ -367,7 +363,6 @@ TEST(SolveQuadTrig, TheToleranceItselfIsADistance)
 }
 
 // --- residuals and counts
-// ---------------------------------------------------------------------------------------------
 
 enum class TKind
 {
@@ -447,7 +442,7 @@ TEST(SolveQuadTrig, EveryAngleSolvesItsEquation)
 
 // The scan leaves out equations with solutions near a tangent, where the number of angles is a matter of rounding. In
 // the others every solution is simple, and the solver must find exactly these.
-TEST(SolveQuadTrig, FindsAsManyAnglesAsTheFunctionChangesSign)
+TEST(SolveQuadTrigSlow, FindsAsManyAnglesAsTheFunctionChangesSign)
 {
     std::mt19937_64 Random(11);
     int viCounts[5] = {};
@@ -486,7 +481,6 @@ TEST(SolveQuadTrig, AnglesAscendAndAreApart)
 }
 
 // --- whatever the arguments
-// -------------------------------------------------------------------------------------------
 
 // A statement about a call that went wrong; empty if none did.
 std::string Fault(const TAngles& a_Angles)
@@ -515,7 +509,7 @@ std::string Fault(const TAngles& a_Angles)
     return a_Angles.iResult <= 0 && !a_Angles.Room.IsUntouchedFrom(0) ? "written without a solution" : "";
 }
 
-TEST(SolveQuadTrig, SpecialArgumentsGiveNoMoreThanFourAnglesAndNoReport)
+TEST(SolveQuadTrigSlow, SpecialArgumentsGiveNoMoreThanFourAnglesAndNoReport)
 {
     const TValues vdSpecial =
         Watched ? TValues{0.0, -0.0, 1.0, -Inf, NaN} : TValues{0.0, -0.0, 1.0, -1.0, Inf, -Inf, NaN, 1e308, Subnormal};
@@ -537,7 +531,7 @@ TEST(SolveQuadTrig, SpecialArgumentsGiveNoMoreThanFourAnglesAndNoReport)
 }
 
 // Coefficients of any exponent: terms that vanish beside others, overflow or underflow in every way.
-TEST(SolveQuadTrig, ArgumentsOfEverySizeGiveNoMoreThanFourAnglesAndNoReport)
+TEST(SolveQuadTrigSlow, ArgumentsOfEverySizeGiveNoMoreThanFourAnglesAndNoReport)
 {
     ExpectQuietCheck(
         []

@@ -3,9 +3,10 @@
 // SPDX-License-Identifier: MIT
 
 #include "nuv1math.h"
+#include "support/effort.h"
+#include "support/expect.h"
 #include "support/fresh_generator.h"
 #include "support/random_sequences.h"
-#include "testing.h"
 
 #include <algorithm>
 #include <climits>
@@ -42,7 +43,6 @@ void ExpectSameSequence(const TValues& a_vdExpected, const TValues& a_vdActual)
 }
 
 // --- the uniform sequence
-// ---------------------------------------------------------------------------------------------
 
 TEST(Rand, GivesTheSequenceWorkedOutInExactArithmetic)
 {
@@ -124,7 +124,6 @@ TEST(Rand, StaysFromZeroToBelowOneAndAwayFromBothByItsSteps)
 }
 
 // --- Rand with bounds
-// -------------------------------------------------------------------------------------------------
 
 TEST(RandWithBounds, IsTheDifferenceTimesTheUniformNumberPlusTheLowerBound)
 {
@@ -201,7 +200,6 @@ TEST(RandWithBounds, TheUpperBoundItselfComesByRounding)
 }
 
 // --- Randn
-// ------------------------------------------------------------------------------------------------------------
 
 // A pair by the polar method from uniform numbers, in extended precision where the platform has it. What decides, the
 // point and its squared distance, is made of the doubles that the method is defined on.
@@ -339,7 +337,6 @@ TEST(RandnWithMean, SharesTheSpareWithTheStandardForm)
 }
 
 // --- distribution
-// -----------------------------------------------------------------------------------------------------
 
 constexpr int Cells = 100;
 
@@ -463,7 +460,7 @@ TEST(RandDistribution, FiftyThousandPairsAreSpreadOverTheSquareAsByChance)
 
 // Of n independent numbers the mean scatters by 1/sqrt(n), the variance by sqrt(2/n), the third moment by sqrt(15/n)
 // and the fourth by sqrt(96/n) about 0, 1, 0 and 3; four of these are exceeded in 1 of 16000 cases.
-TEST(RandnDistribution, TheFirstFourMomentsAreThoseOfTheNormalDistribution)
+TEST(RandnDistributionSlow, TheFirstFourMomentsAreThoseOfTheNormalDistribution)
 {
     const int iDraws = CasesHere(1000000);
     for (int iSeed : TestSeeds)

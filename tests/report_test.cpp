@@ -4,7 +4,7 @@
 
 #include "assertion.h"
 #include "nuv1math.h"
-#include "testing.h"
+#include "support/expect.h"
 
 #include <cstdlib>
 

@@ -7,8 +7,8 @@
 // count as a root there.
 
 #include "nuv1math.h"
+#include "support/expect.h"
 #include "support/watched_allocator.h"
-#include "testing.h"
 
 #include <algorithm>
 
@@ -45,16 +45,6 @@ TOutcome SolveWithFailure(const TValues& a_vdCoefficients, int a_iFailAt)
     ExpectNothingHeld();
     Outcome.viRequests = Allocator.viRequests;
     return Outcome;
-}
-
-void ExpectSameValues(const TValues& a_vdExpected, const TValues& a_vdActual)
-{
-    ASSERT_EQ(a_vdExpected.size(), a_vdActual.size());
-    for (std::size_t i = 0; i < a_vdExpected.size(); ++i)
-    {
-        SCOPED_TRACE("position " + std::to_string(i));
-        EXPECT_SAME_BITS(a_vdExpected[i], a_vdActual[i]);
-    }
 }
 
 // The array with these roots at its start and nothing else written.
@@ -94,10 +84,10 @@ TEST(RootsAllocation, AFailureOfTheScratchGivesZeroRoots)
         SCOPED_TRACE(iFailAt);
         const TOutcome Outcome = SolveWithFailure(Plain, iFailAt);
         EXPECT_EQ(0, Outcome.iResult);
-        ExpectSameValues(Array({}, 4), Outcome.vdRoots);
+        EXPECT_TRUE(SameValues(Array({}, 4), Outcome.vdRoots));
         const TOutcome Zeros = SolveWithFailure(WithZeros, iFailAt);
         EXPECT_EQ(0, Zeros.iResult);
-        ExpectSameValues(Array({0.0, 0.0}, 6), Zeros.vdRoots);
+        EXPECT_TRUE(SameValues(Array({0.0, 0.0}, 6), Zeros.vdRoots));
         EXPECT_LE(Zeros.viRequests.size(), FirstTable); // no stage has run
     }
 }
@@ -107,14 +97,14 @@ TEST(RootsAllocation, WithoutATableForTheReductionTheRootsAreTheSame)
 {
     const TOutcome Outcome = SolveWithFailure(WithZeros, FirstTable + 1);
     EXPECT_EQ(6, Outcome.iResult);
-    ExpectSameValues(SolveWithFailure(WithZeros, Never).vdRoots, Outcome.vdRoots);
+    EXPECT_TRUE(SameValues(SolveWithFailure(WithZeros, Never).vdRoots, Outcome.vdRoots));
 }
 
 TEST(RootsAllocation, WithoutATableForTheIterationNoEigenvalueIsFound)
 {
     const TOutcome Outcome = SolveWithFailure(WithZeros, FirstTable + 2);
     EXPECT_EQ(2, Outcome.iResult);
-    ExpectSameValues(Array({0.0, 0.0}, 6), Outcome.vdRoots);
+    EXPECT_TRUE(SameValues(Array({0.0, 0.0}, 6), Outcome.vdRoots));
     EXPECT_EQ(0, SolveWithFailure(Plain, FirstTable + 2).iResult);
 }
 
@@ -154,7 +144,7 @@ TEST(RootsAllocation, EigenvaluesThatWereNeverFoundAreNoRootsWhateverTheMemoryHe
 {
     const TOutcome Outcome = SolveWithFailure({1, 0, -2, 0, 1}, Never);
     EXPECT_EQ(0, Outcome.iResult);
-    ExpectSameValues(Array({}, 4), Outcome.vdRoots);
+    EXPECT_TRUE(SameValues(Array({}, 4), Outcome.vdRoots));
 }
 
 // A quadratic equation in cosine and sine that leads to a quartic with real roots.
@@ -227,7 +217,7 @@ TEST(RootsAllocation, WithoutATableForBalancingTheMatrixIsNotBalanced)
     const TValues vdUnbalanced = PrependZeros(SolveUnbalanced(Plain));
     const TOutcome Outcome = SolveWithFailure(WithZeros, FirstTable);
     EXPECT_EQ(6, Outcome.iResult);
-    ExpectSameValues(Array(vdUnbalanced, 6), Outcome.vdRoots);
+    EXPECT_TRUE(SameValues(Array(vdUnbalanced, 6), Outcome.vdRoots));
     EXPECT_NE(SolveWithFailure(WithZeros, Never).vdRoots, Outcome.vdRoots);
 }
 
@@ -263,9 +253,9 @@ TEST(RootsAllocation, TheIterationWithoutItsTableWritesNothingAndReturns0)
     }
     EXPECT_EQ(0, iResult);
     ExpectNothingHeld();
-    ExpectSameValues(General, vdMatrix);
-    ExpectSameValues(TValues(3, Untouched), vdReal);
-    ExpectSameValues(TValues(3, Untouched), vdImaginary);
+    EXPECT_TRUE(SameValues(General, vdMatrix));
+    EXPECT_TRUE(SameValues(TValues(3, Untouched), vdReal));
+    EXPECT_TRUE(SameValues(TValues(3, Untouched), vdImaginary));
 }
 
 // The iteration gives up on the balanced companion matrix of x^4 - 2x^2 + 1 and releases its table there too.

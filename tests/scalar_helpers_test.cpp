@@ -5,7 +5,7 @@
 #include "affine.h"
 #include "functionsimp.h"
 #include "nuv1math.h"
-#include "testing.h"
+#include "support/expect.h"
 
 #include <cstdlib>
 

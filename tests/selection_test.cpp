@@ -3,7 +3,8 @@
 // SPDX-License-Identifier: MIT
 
 #include "nuv1math.h"
-#include "testing.h"
+#include "support/expect.h"
+#include "support/fits.h"
 
 #include <climits>
 
@@ -81,24 +82,21 @@ void ExpectFailed(const TOmographicParams& a_Params, const TChoice& a_Choice)
 TOmographicParams Omographic(const TControlPoints& a_Points)
 {
     TOmographicParams Params = Filled<TOmographicParams>();
-    EXPECT_EQ(1, nuv::CalcOmographicCoefs(a_Points.Count(), a_Points.vdX.data(), a_Points.vdY.data(),
-                                          a_Points.vdXa.data(), a_Points.vdYa.data(), Params));
+    EXPECT_EQ(1, Fit(a_Points, Params));
     return Params;
 }
 
 TOmographicParams Affine(const TControlPoints& a_Points)
 {
     auto C = Filled<nuv::TAffineCoefs>();
-    EXPECT_EQ(1, nuv::CalcAffineCoefs(static_cast<unsigned int>(a_Points.Count()), a_Points.vdX.data(),
-                                      a_Points.vdY.data(), a_Points.vdXa.data(), a_Points.vdYa.data(), C));
+    EXPECT_EQ(1, Fit(a_Points, C));
     return {C.dA, C.dB, C.dC, C.dD, C.dE, C.dF, 0.0, 0.0};
 }
 
 TOmographicParams Conformal(const TControlPoints& a_Points)
 {
     auto C = Filled<nuv::TConformalCoefs>();
-    EXPECT_EQ(1, nuv::CalcConformalCoefs(static_cast<unsigned int>(a_Points.Count()), a_Points.vdX.data(),
-                                         a_Points.vdY.data(), a_Points.vdXa.data(), a_Points.vdYa.data(), false, C));
+    EXPECT_EQ(1, Fit(a_Points, C));
     return {C.dA, C.dB, C.dTx, -C.dB, C.dA, C.dTy, 0.0, 0.0};
 }
 
@@ -142,7 +140,6 @@ std::vector<double> Negated(std::vector<double> a_vdValues)
 }
 
 // --- Which kind
-// -------------------------------------------------------------------------------------------------------
 
 TEST(CalcCoefs, FewerThanTwoPointsAreFalseAndTouchNothing)
 {
@@ -234,7 +231,6 @@ TEST(CalcCoefs, OrientationMattersForTheConformalKindOnly)
 }
 
 // --- Conformal results, by hand
-// ---------------------------------------------------------------------------------------
 
 TEST(CalcCoefs, TheOrientationKeepingSimilarityOfTwoPointsByHand)
 {
@@ -303,7 +299,6 @@ TEST(CalcCoefs, TheCallersTargetIsNotMirroredInPlace)
 }
 
 // --- The determinant of the affine kind
-// -------------------------------------------------------------------------------
 
 TEST(CalcCoefs, AnAffineDeterminantWithinTheToleranceIsRejectedBothEndsIncluded)
 {
@@ -360,7 +355,6 @@ TEST(CalcCoefs, AnInfiniteDeterminantIsUsed)
 }
 
 // --- From the omographic kind down
-// ------------------------------------------------------------------------------------
 
 TEST(CalcCoefs, EightNotANumbersOfASquareWhoseOriginGoesToInfinityLeadToTheNextUsableKind)
 {
@@ -483,7 +477,6 @@ TEST(CalcCoefs, LargeOffsetsCanCostTheOmographicKindSilentlyOrLeadToTheAffineOne
 }
 
 // --- Failures
-// ---------------------------------------------------------------------------------------------------------
 
 TEST(CalcCoefs, AllSourcePointsEqualAreFalseWithUsedUntouched)
 {

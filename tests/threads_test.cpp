@@ -6,7 +6,8 @@
 // where the bits are right.
 
 #include "nuv1math.h"
-#include "testing.h"
+#include "support/expect.h"
+#include "support/fits.h"
 
 #include <algorithm>
 #include <atomic>
@@ -57,11 +58,8 @@ const TAffineCoefs Affine = {2.0, -0.5, 10.0, 0.25, 3.0, 20.0};
 const TConformalCoefs Conformal = {1.5, -0.5, 10.0, 20.0, 0.6, 0.2};
 
 // The corners and two inner points of a square, and where a projective transformation nearly takes them.
-const double vdX[] = {0, 100, 100, 0, 50, 25};
-const double vdY[] = {0, 0, 100, 100, 50, 75};
-const double vdXa[] = {10, 205, 205, 10, 140, 88};
-const double vdYa[] = {25, 62.5, 212.5, 325, 150, 220};
-constexpr int Points = 6;
+const TControlPoints Points = {
+    {0, 100, 100, 0, 50, 25}, {0, 0, 100, 100, 50, 75}, {10, 205, 205, 10, 140, 88}, {25, 62.5, 212.5, 325, 150, 220}};
 
 // 3 unknowns, packed and full.
 const TValues Packed = {4.0, 2.0, 5.0, 6.0, 7.0, 14.5};
@@ -136,7 +134,7 @@ const std::vector<TFunction> Functions = {
      []
      {
          TAffineCoefs Coefs;
-         TValues vdValues = {1.0 * CalcAffineCoefs(Points, vdX, vdY, vdXa, vdYa, Coefs)};
+         TValues vdValues = {1.0 * Fit(Points, Coefs)};
          Append(vdValues, Coefs);
          return vdValues;
      }},
@@ -145,7 +143,7 @@ const std::vector<TFunction> Functions = {
      []
      {
          TConformalCoefs Coefs;
-         TValues vdValues = {1.0 * CalcConformalCoefs(Points, vdX, vdY, vdXa, vdYa, false, Coefs)};
+         TValues vdValues = {1.0 * Fit(Points, Coefs)};
          Append(vdValues, Coefs);
          return vdValues;
      }},
@@ -153,7 +151,7 @@ const std::vector<TFunction> Functions = {
      []
      {
          TOmographicParams Params;
-         TValues vdValues = {1.0 * CalcOmographicCoefs(Points, vdX, vdY, vdXa, vdYa, Params)};
+         TValues vdValues = {1.0 * Fit(Points, Params)};
          Append(vdValues, Params);
          return vdValues;
      }},
@@ -166,8 +164,7 @@ const std::vector<TFunction> Functions = {
          TValues vdValues;
          for (const bool bSameOrientation : {false, true})
          {
-             vdValues.push_back(
-                 CalcCoefs(Points, vdX, vdY, vdXa, vdYa, bSameOrientation, METHOD_OMOGRAPHIC, Used, Params));
+             vdValues.push_back(Choose(Points, bSameOrientation, METHOD_OMOGRAPHIC, Used, Params));
              vdValues.push_back(Used);
              Append(vdValues, Params);
          }

@@ -4,32 +4,13 @@
 
 #include "nuv1math.h"
 #include "support/random_sequences.h"
+#include "support/triangle.h"
 #include "support/vector_tables.h"
 
 namespace {
 
 using namespace nuv;
 using namespace nuv_tests;
-
-std::ptrdiff_t PackedLength(int a_iUnknowns)
-{
-    return static_cast<std::ptrdiff_t>(a_iUnknowns) * (a_iUnknowns + 1) / 2;
-}
-
-std::ptrdiff_t SquareLength(int a_iN)
-{
-    return a_iN < 1 ? 0 : static_cast<std::ptrdiff_t>(a_iN) * a_iN;
-}
-
-// Control points: x, y, X, Y, each of them an array of the same length.
-struct TPoints
-{
-    TPoints(TVectorCase& a_Case, int a_iCount)
-        : X(a_Case.Array(a_iCount)), Y(a_Case.Array(a_iCount)), Xa(a_Case.Array(a_iCount)), Ya(a_Case.Array(a_iCount))
-    {}
-
-    TGuardedArray X, Y, Xa, Ya;
-};
 
 // The affine and the conformal fit count their points unsigned, and a degree is unsigned: no table has a negative one.
 unsigned int Unsigned(int a_iCount)
@@ -112,7 +93,7 @@ TEST(Vectors, CalcAffineCoefs)
                [](TVectorCase& a_Case)
                {
                    const int iCount = a_Case.Int();
-                   TPoints Points(a_Case, iCount);
+                   TGuardedPoints Points = a_Case.Points(iCount);
                    TAffineCoefs Coefs = Filled<TAffineCoefs>();
                    a_Case.ExpectInt(CalcAffineCoefs(Unsigned(iCount), Points.X.Data(), Points.Y.Data(),
                                                     Points.Xa.Data(), Points.Ya.Data(), Coefs));
@@ -127,7 +108,7 @@ TEST(Vectors, CalcConformalCoefs)
                {
                    const int iCount = a_Case.Int();
                    const bool bRigidInverse = a_Case.Int() != 0;
-                   TPoints Points(a_Case, iCount);
+                   TGuardedPoints Points = a_Case.Points(iCount);
                    TConformalCoefs Coefs = Filled<TConformalCoefs>();
                    a_Case.ExpectInt(CalcConformalCoefs(Unsigned(iCount), Points.X.Data(), Points.Y.Data(),
                                                        Points.Xa.Data(), Points.Ya.Data(), bRigidInverse, Coefs));
@@ -238,7 +219,7 @@ TEST(Vectors, CalcOmographicCoefs)
                [](TVectorCase& a_Case)
                {
                    const int iCount = a_Case.Int();
-                   TPoints Points(a_Case, iCount);
+                   TGuardedPoints Points = a_Case.Points(iCount);
                    TOmographicParams Params = Filled<TOmographicParams>();
                    a_Case.ExpectInt(CalcOmographicCoefs(iCount, Points.X.Data(), Points.Y.Data(), Points.Xa.Data(),
                                                         Points.Ya.Data(), Params));
@@ -256,7 +237,7 @@ TEST(Vectors, CalcCoefs)
                    const int iCount = a_Case.Int();
                    const bool bSameOrientation = a_Case.Int() != 0;
                    const enumMethodUsed Requested = static_cast<enumMethodUsed>(a_Case.Int());
-                   TPoints Points(a_Case, iCount);
+                   TGuardedPoints Points = a_Case.Points(iCount);
                    enumMethodUsed Used = static_cast<enumMethodUsed>(iUntouched);
                    TOmographicParams Params = Filled<TOmographicParams>();
                    a_Case.ExpectInt(CalcCoefs(iCount, Points.X.Data(), Points.Y.Data(), Points.Xa.Data(),

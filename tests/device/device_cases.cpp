@@ -11,6 +11,8 @@
 #include "device_cases.h"
 
 #include "nuv1math.h"
+#include "support/control_points.h"
+#include "support/fresh_generator.h"
 
 #include <cstdint>
 #include <memory>
@@ -188,25 +190,19 @@ private:
     std::uint64_t m_iState = 20261121;
 };
 
-// Control points of a projective transformation, the target with a noise of this extent.
-struct TPoints
-{
-    std::vector<double> vdX, vdY, vdXa, vdYa;
-};
-
-TPoints Points(int a_iCount, double a_dNoise)
+// Control points of a projective transformation, the targets with a noise of this extent.
+TControlPoints Points(int a_iCount, double a_dNoise)
 {
     TNumbers Numbers;
-    TPoints Points;
+    TControlPoints Points;
     for (int i = 0; i < a_iCount; ++i)
     {
         const double x = 100.0 + 1000.0 * Numbers.Next();
         const double y = 200.0 + 1000.0 * Numbers.Next();
         const double w = 1e-4 * x + 2e-4 * y + 1.0;
-        Points.vdX.push_back(x);
-        Points.vdY.push_back(y);
-        Points.vdXa.push_back((1.2 * x + 0.3 * y + 30.0) / w + a_dNoise * (Numbers.Next() - 0.5));
-        Points.vdYa.push_back((-0.2 * x + 1.1 * y + 70.0) / w + a_dNoise * (Numbers.Next() - 0.5));
+        const double X = (1.2 * x + 0.3 * y + 30.0) / w + a_dNoise * (Numbers.Next() - 0.5);
+        const double Y = (-0.2 * x + 1.1 * y + 70.0) / w + a_dNoise * (Numbers.Next() - 0.5);
+        Points.Add(x, y, X, Y);
     }
     return Points;
 }
@@ -244,7 +240,7 @@ std::vector<double> Factor(std::vector<double> a_vdMatrix, bool (*a_pFactorise)(
 // What the calls read and write; it lives as long as they do.
 struct TScratch
 {
-    TPoints Points;
+    TControlPoints Points;
     std::vector<double> vdInput, vdMatrix, vdVector;
     std::vector<int> viIndices;
     nuv::TAffineCoefs Affine{1.25, 0.3, 17.5, -0.4, 0.9, -3.7}, AffineOut;
@@ -268,7 +264,7 @@ public:
         m_Cases.push_back({a_szFunction, a_szInput, a_Prepare, a_Call, a_Required, false, a_iBudget});
     }
 
-    static std::shared_ptr<TScratch> Scratch(const TPoints& a_Points = TPoints())
+    static std::shared_ptr<TScratch> Scratch(const TControlPoints& a_Points = TControlPoints())
     {
         const auto Made = std::make_shared<TScratch>();
         Made->Points = a_Points;
@@ -318,7 +314,7 @@ void TCases::Fits()
     const auto Affine = [&](int n, int a_iBudget)
     {
         const auto s = Scratch(Points(n, Noise));
-        const TPoints& p = s->Points;
+        const TControlPoints& p = s->Points;
         Insert("CalcAffineCoefs", Text(n), AffineFit(n), a_iBudget,
                [=, &p]
                {
@@ -332,7 +328,7 @@ void TCases::Fits()
     const auto Conformal = [&](int n, int a_iBudget)
     {
         const auto s = Scratch(Points(n, Noise));
-        const TPoints& p = s->Points;
+        const TControlPoints& p = s->Points;
         Insert("CalcConformalCoefs", Text(n), ConformalFit(n), a_iBudget,
                [=, &p]
                {
@@ -348,7 +344,7 @@ void TCases::Fits()
     const auto Omographic = [&](int n, double a_dNoise, int a_iRefinements, int a_iBudget)
     {
         const auto s = Scratch(Points(n, a_dNoise));
-        const TPoints& p = s->Points;
+        const TControlPoints& p = s->Points;
         Insert("CalcOmographicCoefs", Text(n), OmographicFit(n, a_iRefinements), a_iBudget,
                [=, &p] {
                    nuv::CalcOmographicCoefs(n, p.vdX.data(), p.vdY.data(), p.vdXa.data(), p.vdYa.data(), s->Omographic);
@@ -358,7 +354,7 @@ void TCases::Fits()
     Omographic(10, 0.02, 3, 434000);
     Omographic(100, 0.01, 2, 1820000);
     const auto s = Scratch(Points(5, 0.01));
-    const TPoints& p = s->Points;
+    const TControlPoints& p = s->Points;
     Insert("CalcCoefs", "n = 5, omographic", OmographicFit(5, 2), 232000,
            [=, &p]
            {
@@ -455,19 +451,6 @@ void TCases::Equations()
                4 * (Once(OPERATION_ATAN) + Add(1)) + Add(2) + Compare(3 + 2 + 1) + Sub(3) + Compare(3),
            180000, [o] { nuv::SolveQuadTrig(1.3, -0.7, 0.4, 0.3, -0.6, -0.2, o); });
     m_Cases.back().bComparisonsAtMost = true;
-}
-
-// Drops the second normal deviate of a pair, if one waits: drawing it leaves the uniform numbers alone.
-void DropSpareNormal()
-{
-    nuv::SetRandomSeed(-1);
-    const double dFirst = nuv::Rand();
-    nuv::SetRandomSeed(-1);
-    nuv::Randn();
-    if (nuv::Rand() != dFirst) // a new pair was made
-    {
-        nuv::Randn();
-    }
 }
 
 void TCases::Random()

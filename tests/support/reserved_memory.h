@@ -1,4 +1,4 @@
-// reserved_memory.h: arrays of reserved address space, for sizes that no memory holds. Unix only.
+// reserved_memory.h: arrays of reserved address space, for sizes that no memory holds.
 // Copyright (c) 2026 the nuv1math authors
 // SPDX-License-Identifier: MIT
 
@@ -6,17 +6,25 @@
 #define NUV_TESTS_SUPPORT_RESERVED_MEMORY_H
 
 #include <cstddef>
+
+#if defined(__unix__)
 #include <sys/mman.h>
+#endif
 
 namespace nuv_tests {
 
-// Reads as zeros. A page takes memory only when it is written.
+// Reads as zeros. A page takes memory only when it is written. Systems other than Unix reserve nothing.
 class TReservedMemory
 {
 public:
-    explicit TReservedMemory(std::size_t a_iDoubles) : m_iBytes(a_iDoubles * sizeof(double))
+    explicit TReservedMemory([[maybe_unused]] std::size_t a_iDoubles)
     {
-        m_pMemory = mmap(nullptr, m_iBytes, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS | MAP_NORESERVE, -1, 0);
+#if defined(__unix__)
+        m_iBytes = a_iDoubles * sizeof(double);
+        void* const pMemory =
+            mmap(nullptr, m_iBytes, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS | MAP_NORESERVE, -1, 0);
+        m_vdMemory = pMemory == MAP_FAILED ? nullptr : static_cast<double*>(pMemory);
+#endif
     }
 
     TReservedMemory(const TReservedMemory&) = delete;
@@ -24,26 +32,28 @@ public:
 
     ~TReservedMemory()
     {
+#if defined(__unix__)
         if (IsReserved())
         {
-            munmap(m_pMemory, m_iBytes);
+            munmap(m_vdMemory, m_iBytes);
         }
+#endif
     }
 
     // False if the system did not give the address space.
     bool IsReserved() const
     {
-        return m_pMemory != MAP_FAILED;
+        return m_vdMemory != nullptr;
     }
 
     double* Data() const
     {
-        return static_cast<double*>(m_pMemory);
+        return m_vdMemory;
     }
 
 private:
-    std::size_t m_iBytes;
-    void* m_pMemory;
+    [[maybe_unused]] std::size_t m_iBytes = 0;
+    double* m_vdMemory = nullptr;
 };
 
 } // namespace nuv_tests

@@ -62,6 +62,8 @@ protected:
     std::function<void()> Prepare; // called in the new process before it becomes the program
 };
 
+using FitPointsSlow = FitPoints; // CTest labels these tests "slow"
+
 std::string Contents(const fs::path& a_Path);
 
 // x, y of the source, X, Y of the target.

@@ -83,7 +83,7 @@ private:
     pid_t m_iWriter;
 };
 
-TEST_F(FitPoints, EndlessInputEndsAtALimitWithLittleMemory)
+TEST_F(FitPointsSlow, EndlessInputEndsAtALimitWithLittleMemory)
 {
     const std::string szQgis = "mapX,mapY,sourceX,sourceY,enable\n";
     const struct
@@ -128,7 +128,7 @@ TEST_F(FitPoints, AGigabyteInOneLineIsRefusedAtOnce)
 }
 
 // The file has a million points with long names, nearly the greatest size that is read.
-TEST_F(FitPoints, TheGreatestFileTakesTheMemoryThatIsPromisedAndWithLessFailsWhole)
+TEST_F(FitPointsSlow, TheGreatestFileTakesTheMemoryThatIsPromisedAndWithLessFailsWhole)
 {
     if (!IsMemoryCounted)
     {
