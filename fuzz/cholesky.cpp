@@ -2,47 +2,19 @@
 // Copyright (c) 2026 the nuv1math authors
 // SPDX-License-Identifier: MIT
 
-#include "triangles.h"
+#include "factors.h"
 
 namespace {
 
 using namespace nuv_fuzz;
 
-// The full matrix, its strict upper triangle holding what is no result.
-constexpr double Upper = 9.87e65;
-
-TValues Dense(std::size_t n, const TValues& a_vdPacked)
-{
-    TValues vdFull(n * n, Upper);
-    for (std::size_t i = 0; i < n; ++i)
-    {
-        for (std::size_t j = 0; j <= i; ++j)
-        {
-            vdFull[i * n + j] = a_vdPacked[At(i, j)];
-        }
-    }
-    return vdFull;
-}
-
-TValues Packed(std::size_t n, const TRoom& a_Full)
-{
-    TValues vdPacked;
-    for (std::size_t i = 0; i < n; ++i)
-    {
-        vdPacked.insert(vdPacked.end(), a_Full.Data() + i * n, a_Full.Data() + i * n + i + 1);
-        for (std::size_t j = i + 1; j < n; ++j)
-        {
-            NUV_CHECK(SameBits(a_Full[i * n + j], Upper)); // neither read nor written
-        }
-    }
-    return vdPacked;
-}
-
+// TTriangle has signalling NaNs above the diagonal, which must be neither used nor written.
 bool Factorise(std::size_t n, TValues& a_vdPacked)
 {
-    TRoom Full(Dense(n, a_vdPacked));
-    const bool bResult = nuv::Cholesky(static_cast<int>(n), Full.Data());
-    a_vdPacked = Packed(n, Full);
+    TTriangle Full(a_vdPacked, n, TStorage::Square);
+    const bool bResult = nuv::Cholesky(Full.Count(), Full.Data());
+    NUV_CHECK(Full.RestIsUntouched());
+    a_vdPacked = Full.Packed();
     return bResult;
 }
 
@@ -56,18 +28,17 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* a_pData, std::size_t a
     const bool bResult = Factorise(A.n, vdL);
     CheckFactorisation(A, vdL, bResult, Factorise);
 
-    TRoom None(1);
-    NUV_CHECK(nuv::Cholesky(-Input.Int(0, 2), None.Data()) && None.UntouchedFrom(0));
+    TGuardedArray None = TGuardedArray::Output(1);
+    NUV_CHECK(nuv::Cholesky(-Input.Int(0, 2), None.Data()) && None.IsUntouchedFrom(0));
     nuv::SolveChol(-Input.Int(0, 2), None.Data(), None.Data());
-    NUV_CHECK(None.UntouchedFrom(0));
+    NUV_CHECK(None.IsUntouchedFrom(0));
 
-    // Any factor may be handed to the solver; the solution is checked where it comes from a tame matrix.
+    // The solver takes any factor. Only the solution of a tame matrix is checked.
     const TValues vdB = A.bTame ? Input.TameValues(A.n) : Input.AnyValues(A.n);
-    const TValues vdFull = Dense(A.n, vdL);
-    const TRoom Factor(vdFull);
-    TRoom X(vdB);
-    nuv::SolveChol(static_cast<int>(A.n), Factor.Data(), X.Data());
-    NUV_CHECK(Factor.Holds(vdFull));
+    TTriangle Factor(vdL, A.n, TStorage::Square);
+    TGuardedArray X(vdB);
+    nuv::SolveChol(Factor.Count(), Factor.Data(), X.Data());
+    NUV_CHECK(X.IsIntact() && Factor.RestIsUntouched() && SameBits(Factor.Packed(), vdL));
     if (bResult && A.bTame)
     {
         CheckSolution(A.n, vdL, vdB, X.Values());

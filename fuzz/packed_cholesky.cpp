@@ -2,7 +2,7 @@
 // Copyright (c) 2026 the nuv1math authors
 // SPDX-License-Identifier: MIT
 
-#include "triangles.h"
+#include "factors.h"
 
 namespace {
 
@@ -10,28 +10,19 @@ using namespace nuv_fuzz;
 
 bool Factorise(std::size_t n, TValues& a_vdPacked)
 {
-    TRoom Room(a_vdPacked);
+    TGuardedArray Room(a_vdPacked);
     const bool bResult = nuv::CholeskyLowTri(static_cast<int>(n), Room.Data());
+    NUV_CHECK(Room.IsIntact());
     a_vdPacked = Room.Values();
     return bResult;
 }
 
-// The dense routine on the same lower triangle.
-bool FactoriseDense(std::size_t n, TValues& a_vdPacked)
+// The dense routine gives the same bits.
+void CheckDenseFactor(const TMatrix& a_A, const TValues& a_vdL, bool a_bResult)
 {
-    TValues vdFull(n * n);
-    for (std::size_t i = 0; i < n; ++i)
-    {
-        std::copy_n(a_vdPacked.begin() + static_cast<std::ptrdiff_t>(At(i, 0)), i + 1,
-                    vdFull.begin() + static_cast<std::ptrdiff_t>(i * n));
-    }
-    const bool bResult = nuv::Cholesky(static_cast<int>(n), vdFull.data());
-    for (std::size_t i = 0; i < n; ++i)
-    {
-        std::copy_n(vdFull.begin() + static_cast<std::ptrdiff_t>(i * n), i + 1,
-                    a_vdPacked.begin() + static_cast<std::ptrdiff_t>(At(i, 0)));
-    }
-    return bResult;
+    TTriangle Dense(a_A.vdLower, a_A.n, TStorage::Square);
+    NUV_CHECK(nuv::Cholesky(Dense.Count(), Dense.Data()) == a_bResult);
+    NUV_CHECK(SameBits(Dense.Packed(), a_vdL));
 }
 
 void CheckFactorAndSolution(TInput& a_Input)
@@ -40,54 +31,41 @@ void CheckFactorAndSolution(TInput& a_Input)
     TValues vdL = A.vdLower;
     const bool bResult = Factorise(A.n, vdL);
     CheckFactorisation(A, vdL, bResult, Factorise);
-    TValues vdDense = A.vdLower;
-    NUV_CHECK(FactoriseDense(A.n, vdDense) == bResult);
-    NUV_CHECK(SameBits(vdDense.data(), vdL.data(), vdL.size()));
+    CheckDenseFactor(A, vdL, bResult);
 
-    TRoom None(1);
-    NUV_CHECK(nuv::CholeskyLowTri(-a_Input.Int(0, 2), None.Data()) && None.UntouchedFrom(0));
+    TGuardedArray None = TGuardedArray::Output(1);
+    NUV_CHECK(nuv::CholeskyLowTri(-a_Input.Int(0, 2), None.Data()) && None.IsUntouchedFrom(0));
     nuv::SolveCholLowTri(-a_Input.Int(0, 2), None.Data(), None.Data());
-    NUV_CHECK(None.UntouchedFrom(0));
+    NUV_CHECK(None.IsUntouchedFrom(0));
 
     const TValues vdB = A.bTame ? a_Input.TameValues(A.n) : a_Input.AnyValues(A.n);
-    const TRoom Factor(vdL);
-    TRoom X(vdB);
+    const TGuardedArray Factor(vdL);
+    TGuardedArray X(vdB);
     nuv::SolveCholLowTri(static_cast<int>(A.n), Factor.Data(), X.Data());
     NUV_CHECK(Factor.Holds(vdL));
     if (bResult && A.bTame)
     {
         CheckSolution(A.n, vdL, vdB, X.Values());
     }
-    if (A.n <= 2) // no two terms whose order could differ
+    if (A.n <= 2) // The two solvers sum in different orders, which makes no difference for one term.
     {
-        TValues vdFull(A.n * A.n);
-        for (std::size_t i = 0; i < A.n; ++i)
-        {
-            std::copy_n(vdL.begin() + static_cast<std::ptrdiff_t>(At(i, 0)), i + 1,
-                        vdFull.begin() + static_cast<std::ptrdiff_t>(i * A.n));
-        }
+        TTriangle Dense(vdL, A.n, TStorage::Square);
         TValues vdX = vdB;
-        nuv::SolveChol(static_cast<int>(A.n), vdFull.data(), vdX.data());
+        nuv::SolveChol(Dense.Count(), Dense.Data(), vdX.data());
         NUV_CHECK(X.Holds(vdX));
     }
 }
 
-// The system before an update: as InitCholLowTri leaves it, or holding anything.
+// Normal equations between guards: the packed matrix and the right-hand side.
 struct TSystem
 {
-    std::size_t n;
-    TRoom Matrix;
-    TRoom Vector;
-
-    TSystem(std::size_t a_iUnknowns, const TValues& a_vdMatrix, const TValues& a_vdVector)
-        : n(a_iUnknowns), Matrix(a_vdMatrix), Vector(a_vdVector)
-    {}
+    TGuardedArray Matrix;
+    TGuardedArray Vector;
 };
 
-// One product added to one element after the other, by row and column.
 void AddProduct(std::size_t i, std::size_t j, double a_dProduct, TValues& a_vdMatrix)
 {
-    double& dElement = a_vdMatrix[At(std::max(i, j), std::min(i, j))];
+    double& dElement = a_vdMatrix[PackedIndex(std::max(i, j), std::min(i, j))];
     dElement = dElement + a_dProduct;
 }
 
@@ -95,8 +73,8 @@ void CheckDenseUpdate(std::size_t n, const TValues& a_vdN, const TValues& a_vdU,
 {
     const TValues vdRow = a_Input.AnyValues(n);
     const double dValue = a_Input.Any();
-    TSystem System(n, a_vdN, a_vdU);
-    const TRoom Row(vdRow);
+    TSystem System{TGuardedArray(a_vdN), TGuardedArray(a_vdU)};
+    const TGuardedArray Row(vdRow);
     nuv::UpdateNormMatrixLowTri(static_cast<int>(n), System.Matrix.Data(), System.Vector.Data(), Row.Data(), dValue);
     NUV_CHECK(Row.Holds(vdRow));
     TValues vdN = a_vdN;
@@ -113,30 +91,38 @@ void CheckDenseUpdate(std::size_t n, const TValues& a_vdN, const TValues& a_vdU,
     NUV_CHECK(System.Vector.Holds(vdU));
 }
 
-// Every index once, in any order, with unused entries between: the same bits as the dense update.
+// 0 to n - 1 in any order, with negative indices between them.
+std::vector<int> ShuffledIndices(std::size_t n, TInput& a_Input)
+{
+    std::vector<int> viIndices;
+    for (std::size_t i = 0; i < n; ++i)
+    {
+        const int iPlace = a_Input.Int(0, static_cast<int>(viIndices.size()));
+        viIndices.insert(viIndices.begin() + iPlace, static_cast<int>(i));
+        if (a_Input.Byte() % 4 == 0)
+        {
+            viIndices.insert(viIndices.begin() + iPlace, -1 - a_Input.Int(0, 300));
+        }
+    }
+    return viIndices;
+}
+
+// A sparse update with every index once, in any order and with unused entries between them, gives the same bits as the
+// dense update.
 void CheckSparseIsDense(std::size_t n, const TValues& a_vdN, const TValues& a_vdU, TInput& a_Input)
 {
     const TValues vdRow = a_Input.AnyValues(n);
     const double dValue = a_Input.Any();
-    std::vector<int> viIndices;
+    const std::vector<int> viIndices = ShuffledIndices(n, a_Input);
     TValues vdValues;
-    for (std::size_t i = 0; i < n; ++i)
-    {
-        const std::size_t iPlace = static_cast<std::size_t>(a_Input.Int(0, static_cast<int>(viIndices.size())));
-        viIndices.insert(viIndices.begin() + static_cast<std::ptrdiff_t>(iPlace), static_cast<int>(i));
-        if (a_Input.Byte() % 4 == 0)
-        {
-            viIndices.insert(viIndices.begin() + static_cast<std::ptrdiff_t>(iPlace), -1 - a_Input.Int(0, 300));
-        }
-    }
     for (int iIndex : viIndices)
     {
         vdValues.push_back(iIndex < 0 ? NaN : vdRow[static_cast<std::size_t>(iIndex)]);
     }
-    TSystem Dense(n, a_vdN, a_vdU);
-    TSystem Sparse(n, a_vdN, a_vdU);
+    TSystem Dense{TGuardedArray(a_vdN), TGuardedArray(a_vdU)};
+    TSystem Sparse{TGuardedArray(a_vdN), TGuardedArray(a_vdU)};
     nuv::UpdateNormMatrixLowTri(static_cast<int>(n), Dense.Matrix.Data(), Dense.Vector.Data(), vdRow.data(), dValue);
-    const TRoom Values(vdValues);
+    const TGuardedArray Values(vdValues);
     nuv::UpdateNormMatrixLowTri(a_Input.Int(-5, 5), Sparse.Matrix.Data(), Sparse.Vector.Data(),
                                 static_cast<int>(viIndices.size()), Values.Data(), viIndices.data(), dValue);
     NUV_CHECK(Values.Holds(vdValues));
@@ -144,10 +130,10 @@ void CheckSparseIsDense(std::size_t n, const TValues& a_vdN, const TValues& a_vd
     NUV_CHECK(Sparse.Vector.Holds(Dense.Vector.Values()));
 }
 
-// Indices repeated, missing and negative, with a copy of exactly as many as there are.
+// Compares a sparse update, whose indices may be repeated, missing or negative, with its definition.
 void CheckSparseUpdate(std::size_t n, const TValues& a_vdN, const TValues& a_vdU, TInput& a_Input)
 {
-    const std::size_t iCount = static_cast<std::size_t>(a_Input.Int(0, 8));
+    const std::size_t iCount = a_Input.Size(0, 8);
     const TValues vdValues = a_Input.AnyValues(iCount);
     const double dValue = a_Input.Any();
     std::vector<int> viIndices(iCount);
@@ -155,8 +141,8 @@ void CheckSparseUpdate(std::size_t n, const TValues& a_vdN, const TValues& a_vdU
     {
         iIndex = a_Input.Int(-2, static_cast<int>(n) - 1);
     }
-    TSystem System(n, a_vdN, a_vdU);
-    const TRoom Values(vdValues);
+    TSystem System{TGuardedArray(a_vdN), TGuardedArray(a_vdU)};
+    const TGuardedArray Values(vdValues);
     nuv::UpdateNormMatrixLowTri(static_cast<int>(n), System.Matrix.Data(), System.Vector.Data(),
                                 static_cast<int>(iCount), Values.Data(), viIndices.data(), dValue);
     TValues vdN = a_vdN;
@@ -184,11 +170,11 @@ void CheckSparseUpdate(std::size_t n, const TValues& a_vdN, const TValues& a_vdU
 
 void CheckUpdates(TInput& a_Input)
 {
-    const std::size_t n = static_cast<std::size_t>(a_Input.Int(0, 10));
+    const std::size_t n = a_Input.Size(0, 10);
     double* pMatrix = nullptr;
     double* pVector = nullptr;
     nuv::InitCholLowTri(n == 0 ? -a_Input.Int(0, 3) : static_cast<int>(n), &pMatrix, &pVector);
-    TValues vdN(pMatrix, pMatrix + At(n, 0));
+    TValues vdN(pMatrix, pMatrix + PackedIndex(n, 0));
     TValues vdU(pVector, pVector + n);
     for (double dZero : vdN)
     {

@@ -1,4 +1,4 @@
-// random.cpp: fuzz target of the random numbers, beside a model in wide integers.
+// random.cpp: fuzz target of the random numbers, compared with a model in 64-bit integers.
 // Copyright (c) 2026 the nuv1math authors
 // SPDX-License-Identifier: MIT
 
@@ -8,8 +8,8 @@ namespace {
 
 using namespace nuv_fuzz;
 
-// The generators by their definition. Seeding takes the remainder of the 32-bit difference, truncating, and then
-// computes modulo 2^32.
+// The generators by their definition. The seed's difference wraps around to 32 signed bits, and its remainder has the
+// sign of the difference. All later sums are modulo 2^32.
 struct TModel
 {
     std::uint64_t i1 = 0;
@@ -50,7 +50,7 @@ struct TModel
     }
 };
 
-// The normal number that waits: as in the library it survives a seed, and here an input.
+// The second normal number of a pair waits for the next call. As in the library, a new seed does not drop it.
 TModel g_Model;
 bool g_bSpare = false;
 double g_dSpare = 0.0;
@@ -127,7 +127,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* a_pData, std::size_t a
     TInput Input(a_pData, a_iSize);
     nuv::SetRandomSeed(-1);
     g_Model.Seed(-1);
-    if (g_bSpare) // what an earlier input left; so that an input alone does the same
+    if (g_bSpare) // Draw what an earlier input left, so that the result depends on this input only.
     {
         NUV_CHECK(SameBits(nuv::Randn(), ModelNormal()));
     }

@@ -4,7 +4,9 @@
 
 #include "affine.h"
 #include "functionsimp.h"
-#include "linear.h"
+#include "fuzzing.h"
+
+#include <Eigen/Dense>
 
 namespace {
 
@@ -12,10 +14,10 @@ using namespace nuv_fuzz;
 
 void CheckMean(TInput& a_Input)
 {
-    const std::size_t n = static_cast<std::size_t>(a_Input.Int(0, 40));
-    const TValues vdValues = a_Input.Flag() ? a_Input.TameValues(n) : a_Input.AnyValues(n);
-    const TRoom Values(vdValues);
-    TRoom Mean(1);
+    const std::size_t n = a_Input.Size(0, 40);
+    const TValues vdValues = a_Input.TameOrAnyValues(n);
+    const TGuardedArray Values(vdValues);
+    TGuardedArray Mean = TGuardedArray::Output(1);
     nuv::CalcMean(static_cast<unsigned>(n), Values.Data(), *Mean.Data());
     NUV_CHECK(Values.Holds(vdValues));
     double dSum = n % 2 != 0 ? vdValues[0] : 0.0;
@@ -26,7 +28,7 @@ void CheckMean(TInput& a_Input)
     NUV_CHECK(SameBits(Mean[0], n == 0 ? 0.0 : dSum / static_cast<double>(n)));
 }
 
-// A ratio of at most 1, its square, a sum, a root and a product: 4 Eps.
+// A ratio of at most 1, its square, a sum, a root and a product have an error of at most 4 Epsilon together.
 void CheckHypot(TInput& a_Input)
 {
     const double a = a_Input.Any();
@@ -42,7 +44,7 @@ void CheckHypot(TInput& a_Input)
     if (dReference <= std::numeric_limits<double>::max() / 2)
     {
         const TLong dLeast = std::numeric_limits<double>::denorm_min();
-        NUV_CHECK(Within(dLength, dReference, 4 * Eps * dReference + dLeast));
+        NUV_CHECK(Within(dLength, dReference, 4 * Epsilon * dReference + dLeast));
     }
 }
 
@@ -60,8 +62,8 @@ void CheckReduce(TInput& a_Input)
     NUV_CHECK(dReduced >= 0.0 && dReduced <= y);
     NUV_CHECK(x < 0.0 || dReduced < y);
     NUV_CHECK(x < 0.0 || x >= y || SameBits(dReduced, x));
-    // Whole periods away, but for the rounding of one subtraction.
-    NUV_CHECK(Within(std::remainder(TLong(x) - dReduced, TLong(y)), 0.0L, Eps * y) || std::fabs(x) > 1e3 * y);
+    // The difference is a whole number of periods, within the rounding of one subtraction.
+    NUV_CHECK(Within(std::remainder(TLong(x) - dReduced, TLong(y)), 0.0L, Epsilon * y) || std::fabs(x) > 1e3 * y);
 }
 
 void CheckMaxAbsIndex(TInput& a_Input)
@@ -69,7 +71,7 @@ void CheckMaxAbsIndex(TInput& a_Input)
     const int n = a_Input.Int(-1, 12);
     const int iStride = a_Input.Int(1, 3);
     const TValues vdValues = a_Input.AnyValues(n < 1 ? 0 : static_cast<std::size_t>((n - 1) * iStride + 1));
-    const TRoom Values(vdValues);
+    const TGuardedArray Values(vdValues);
     const int iFound = nuv::MaxAbsIndex(n, Values.Data(), iStride);
     NUV_CHECK(n >= 1 ? iFound >= 0 && iFound < n : iFound == 0);
     for (int i = 0; i < n; ++i)
@@ -81,8 +83,8 @@ void CheckMaxAbsIndex(TInput& a_Input)
     }
 }
 
-// Columns of n values with leading dimensions.
-TValues Spread(const TValues& a_vdDense, std::size_t n, std::size_t a_iColumns, std::size_t a_iLd)
+// A matrix of columns of n values with leading dimension a_iLd. What lies between the columns is Untouched.
+TValues WithGaps(const TValues& a_vdDense, std::size_t n, std::size_t a_iColumns, std::size_t a_iLd)
 {
     TValues vdValues(n == 0 || a_iColumns == 0 ? 0 : (a_iColumns - 1) * a_iLd + n, Untouched);
     for (std::size_t j = 0; n > 0 && j < a_iColumns; ++j)
@@ -93,7 +95,7 @@ TValues Spread(const TValues& a_vdDense, std::size_t n, std::size_t a_iColumns, 
     return vdValues;
 }
 
-bool GapsUntouched(const TRoom& a_Room, std::size_t n, std::size_t a_iColumns, std::size_t a_iLd)
+bool GapsUntouched(const TGuardedArray& a_Room, std::size_t n, std::size_t a_iColumns, std::size_t a_iLd)
 {
     for (std::size_t j = 0; n > 0 && j + 1 < a_iColumns; ++j)
     {
@@ -108,57 +110,45 @@ bool GapsUntouched(const TRoom& a_Room, std::size_t n, std::size_t a_iColumns, s
     return true;
 }
 
-// Row pivoting is backward stable up to the growth of the elements, at most 2^(n-1). Where no pivot is small against the
-// matrix: the norm of the inverse tells.
-void CheckGaussSolution(std::size_t n, std::size_t a_iRhs, const TValues& a_vdA, const TValues& a_vdB, const TRoom& a_X,
-                        std::size_t a_iLdx)
+// Elimination with row pivoting is backward stable up to the growth of the elements, which is at most 2^(n-1). A
+// matrix of a great condition is left out.
+void CheckGaussSolution(std::size_t n, std::size_t a_iRhs, const TValues& a_vdA, const TValues& a_vdB,
+                        const TGuardedArray& a_X, std::size_t a_iLdx)
 {
-    TSquare<TLong> A(n);
-    for (std::size_t i = 0; i < n * n; ++i)
-    {
-        A.At(i % n, i / n) = a_vdA[i];
-    }
-    TSquare<TLong> I = A;
-    const TLong dNorm = A.Norm();
-    if (!Invert(I) || !(dNorm * I.Norm() < 1e6L))
+    using TMatrix = Eigen::Matrix<TLong, Eigen::Dynamic, Eigen::Dynamic>;
+    using TStored = Eigen::Map<const Eigen::MatrixXd, 0, Eigen::OuterStride<> >;
+    const auto iRows = static_cast<Eigen::Index>(n);
+    const auto iColumns = static_cast<Eigen::Index>(a_iRhs);
+    const TMatrix A = TStored(a_vdA.data(), iRows, iRows, Eigen::OuterStride<>(iRows)).cast<TLong>();
+    const TMatrix B = TStored(a_vdB.data(), iRows, iColumns, Eigen::OuterStride<>(iRows)).cast<TLong>();
+    const TMatrix X =
+        TStored(a_X.Data(), iRows, iColumns, Eigen::OuterStride<>(static_cast<Eigen::Index>(a_iLdx))).cast<TLong>();
+    const TLong dNorm = A.norm();
+    if (!(dNorm * A.inverse().norm() < 1e6L))
     {
         return;
     }
-    for (std::size_t j = 0; j < a_iRhs; ++j)
+    const TLong dFactor = 8 * static_cast<TLong>(n * n) * std::ldexp(1.0L, static_cast<int>(n)) * Epsilon * dNorm;
+    for (Eigen::Index j = 0; j < iColumns; ++j)
     {
-        TLong dSize = 0.0L;
-        for (std::size_t i = 0; i < n; ++i)
-        {
-            dSize = std::max(dSize, std::fabs(TLong(a_X[j * a_iLdx + i])));
-            dSize = std::max(dSize, std::fabs(TLong(a_vdB[j * n + i])) / dNorm);
-        }
-        for (std::size_t i = 0; i < n; ++i)
-        {
-            TLong dSum = 0.0L;
-            for (std::size_t k = 0; k < n; ++k)
-            {
-                dSum += A.At(i, k) * a_X[j * a_iLdx + k];
-            }
-            const TLong dBound =
-                8 * static_cast<TLong>(n * n) * std::ldexp(1.0L, static_cast<int>(n)) * Eps * dNorm * dSize;
-            NUV_CHECK(Within(dSum, a_vdB[j * n + i], dBound));
-        }
+        const TLong dSize = std::max(X.col(j).cwiseAbs().maxCoeff(), B.col(j).cwiseAbs().maxCoeff() / dNorm);
+        NUV_CHECK((A * X.col(j) - B.col(j)).cwiseAbs().maxCoeff() <= dFactor * dSize);
     }
 }
 
 void CheckGauss(TInput& a_Input)
 {
     const bool bTame = a_Input.Flag();
-    const std::size_t n = static_cast<std::size_t>(a_Input.Int(0, 6));
-    const std::size_t iRhs = static_cast<std::size_t>(a_Input.Int(1, 3));
-    const std::size_t iLda = n + static_cast<std::size_t>(a_Input.Int(0, 2));
-    const std::size_t iLdb = n + static_cast<std::size_t>(a_Input.Int(0, 2));
-    const std::size_t iLdx = n + static_cast<std::size_t>(a_Input.Int(0, 2));
+    const std::size_t n = a_Input.Size(0, 6);
+    const std::size_t iRhs = a_Input.Size(1, 3);
+    const std::size_t iLda = n + a_Input.Size(0, 2);
+    const std::size_t iLdb = n + a_Input.Size(0, 2);
+    const std::size_t iLdx = n + a_Input.Size(0, 2);
     const TValues vdA = bTame ? a_Input.TameValues(n * n) : a_Input.AnyValues(n * n);
     const TValues vdB = bTame ? a_Input.TameValues(n * iRhs) : a_Input.AnyValues(n * iRhs);
-    TRoom A(Spread(vdA, n, n, iLda));
-    TRoom B(Spread(vdB, n, iRhs, iLdb));
-    TRoom X(Spread(vdB, n, iRhs, iLdx).size());
+    TGuardedArray A(WithGaps(vdA, n, n, iLda));
+    TGuardedArray B(WithGaps(vdB, n, iRhs, iLdb));
+    TGuardedArray X = TGuardedArray::Output(WithGaps(vdB, n, iRhs, iLdx).size());
     NUV_CHECK(nuv::SolveGauss(static_cast<int>(n), static_cast<int>(iRhs), A.Data(), static_cast<int>(iLda), B.Data(),
                               static_cast<int>(iLdb), X.Data(), static_cast<int>(iLdx)) == 1);
     NUV_CHECK(GapsUntouched(A, n, n, iLda) && GapsUntouched(B, n, iRhs, iLdb) && GapsUntouched(X, n, iRhs, iLdx));
@@ -176,41 +166,60 @@ void CheckGauss(TInput& a_Input)
     }
 }
 
-// Rows of a zero diagonal, consistent or not; a failure fills forward from the last element.
-void CheckUpperTri(TInput& a_Input)
+// A system of an upper triangle, and the definition of its solution.
+struct TUpperSystem
 {
-    const std::size_t n = static_cast<std::size_t>(a_Input.Int(0, 6));
-    const std::size_t iLdu = n + static_cast<std::size_t>(a_Input.Int(0, 2));
-    const std::size_t iIncB = static_cast<std::size_t>(a_Input.Int(1, 2));
-    const std::size_t iIncX = static_cast<std::size_t>(a_Input.Int(1, 2));
-    const TValues vdU = Spread(a_Input.AnyValues(n * n), n, n, iLdu);
-    const TValues vdB = a_Input.AnyValues(n == 0 ? 0 : (n - 1) * iIncB + 1);
-    const TRoom U(vdU);
-    const TRoom B(vdB);
-    TRoom X(n == 0 ? 0 : (2 * n - 2) * iIncX + 1);
-    const int iResult = nuv::SolveUpperTri(static_cast<int>(n), U.Data(), static_cast<int>(iLdu), B.Data(),
-                                           static_cast<int>(iIncB), X.Data(), static_cast<int>(iIncX));
-    NUV_CHECK(U.Holds(vdU) && B.Holds(vdB));
-    TValues vdX(X.Size(), Untouched);
-    bool bSolved = true;
-    for (std::size_t i = n; i-- > 0 && bSolved;)
+    std::size_t n;
+    std::size_t iLdu;
+    std::size_t iIncB;
+    std::size_t iIncX;
+    TValues vdU;
+    TValues vdB;
+
+    explicit TUpperSystem(TInput& a_Input)
+        : n(a_Input.Size(0, 6)), iLdu(n + a_Input.Size(0, 2)), iIncB(a_Input.Size(1, 2)), iIncX(a_Input.Size(1, 2)),
+          vdU(WithGaps(a_Input.AnyValues(n * n), n, n, iLdu)), vdB(a_Input.AnyValues(n == 0 ? 0 : (n - 1) * iIncB + 1))
+    {}
+
+    // Solves row i for its unknown. Returns false if the diagonal is zero and the right-hand side is not negligible.
+    bool SolveRow(std::size_t i, TValues& a_vdX) const
     {
         double dSum = 0.0;
         for (std::size_t j = n - 1; j > i; --j)
         {
-            dSum = U[j * iLdu + i] * vdX[j * iIncX] + dSum;
+            dSum = vdU[j * iLdu + i] * a_vdX[j * iIncX] + dSum;
         }
-        const double dRest = i == n - 1 ? B[i * iIncB] : B[i * iIncB] - dSum;
-        const double dDiagonal = U[i * iLdu + i];
-        bSolved = dDiagonal != 0.0 || std::fabs(dRest) <= Tolerance;
-        if (bSolved)
+        const double dRest = i == n - 1 ? vdB[i * iIncB] : vdB[i * iIncB] - dSum;
+        const double dDiagonal = vdU[i * iLdu + i];
+        const bool bSolvable = dDiagonal != 0.0 || std::fabs(dRest) <= Tolerance;
+        if (bSolvable)
         {
-            vdX[i * iIncX] = dDiagonal != 0.0 ? dRest / dDiagonal : 0.0;
+            a_vdX[i * iIncX] = dDiagonal != 0.0 ? dRest / dDiagonal : 0.0;
         }
+        return bSolvable;
     }
-    for (std::size_t i = n; !bSolved && i-- > 0;)
+};
+
+// A failure leaves the unknowns above the failing row as they were, and then fills n elements with infinities, from the
+// last unknown forward.
+void CheckUpperTri(TInput& a_Input)
+{
+    const TUpperSystem S(a_Input);
+    const TGuardedArray U(S.vdU);
+    const TGuardedArray B(S.vdB);
+    TGuardedArray X = TGuardedArray::Output(S.n == 0 ? 0 : (2 * S.n - 2) * S.iIncX + 1);
+    const int iResult = nuv::SolveUpperTri(static_cast<int>(S.n), U.Data(), static_cast<int>(S.iLdu), B.Data(),
+                                           static_cast<int>(S.iIncB), X.Data(), static_cast<int>(S.iIncX));
+    NUV_CHECK(U.Holds(S.vdU) && B.Holds(S.vdB));
+    TValues vdX(X.Size(), Untouched);
+    bool bSolved = true;
+    for (std::size_t i = S.n; i-- > 0 && bSolved;)
     {
-        vdX[(n - 1 + i) * iIncX] = Inf;
+        bSolved = S.SolveRow(i, vdX);
+    }
+    for (std::size_t i = S.n; !bSolved && i-- > 0;)
+    {
+        vdX[(S.n - 1 + i) * S.iIncX] = Inf;
     }
     NUV_CHECK(iResult == (bSolved ? 1 : 0));
     NUV_CHECK(X.Holds(vdX));

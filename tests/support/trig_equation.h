@@ -7,6 +7,7 @@
 
 #include "records.h"
 
+#include <array>
 #include <cmath>
 
 namespace nuv_tests {
@@ -31,10 +32,9 @@ struct TTrigEquation
         return At(std::cos(a_dAngle), std::sin(a_dAngle));
     }
 
-    double Derivative(double a_dAngle) const
+    long double Derivative(long double a_dCos, long double a_dSin) const
     {
-        return (dB - dA) * std::sin(2 * a_dAngle) + dC * std::cos(2 * a_dAngle) - dD * std::sin(a_dAngle) +
-               dE * std::cos(a_dAngle);
+        return 2 * (dB - dA) * a_dSin * a_dCos + dC * (a_dCos * a_dCos - a_dSin * a_dSin) - dD * a_dSin + dE * a_dCos;
     }
 
     // The sum of the magnitudes of all coefficients.
@@ -61,27 +61,36 @@ inline bool IsAngle(double a_dAngle)
 // its sign changes and none otherwise. Any other interval is close to a double solution, which rounding decides.
 inline int CountSolutions(const TTrigEquation& a_Equation)
 {
-    constexpr int Steps = 2048;
-    constexpr double Start = 0.1; // away from the axes, where special solutions lie
-    const double dWidth = TwoPi / Steps;
+    constexpr std::size_t Steps = 2048;
+    constexpr double Width = TwoPi / Steps;
+    static const auto Grid = [] // cosines and sines, away from the axes, where special solutions lie
+    {
+        std::array<std::array<long double, 2>, Steps + 1> Values;
+        for (std::size_t i = 0; i <= Steps; ++i)
+        {
+            const long double dAngle = 0.1L + 2 * LongPi / Steps * i;
+            Values[i] = {std::cos(dAngle), std::sin(dAngle)};
+        }
+        return Values;
+    }();
     const double dDouble = std::fabs(a_Equation.dB - a_Equation.dA) + std::fabs(a_Equation.dC);
     const double dSingle = std::fabs(a_Equation.dD) + std::fabs(a_Equation.dE);
     const double dMostSlope = dDouble + dSingle;
     const double dMostBend = 2.0 * dDouble + dSingle;
-    const auto Value = [&](int i) { return static_cast<double>(a_Equation.At(Start + dWidth * i)); };
+    const auto Value = [&](std::size_t i) { return a_Equation.At(Grid[i][0], Grid[i][1]); };
     int iSolutions = 0;
-    double dValue = Value(0);
-    for (int i = 0; i < Steps; ++i)
+    long double dValue = Value(0);
+    for (std::size_t i = 0; i < Steps; ++i)
     {
-        const double dNext = Value(i + 1);
-        if (std::fabs(dValue) <= dMostSlope * dWidth)
+        const long double dNext = Value(i + 1);
+        if (std::fabs(dValue) <= dMostSlope * Width)
         {
-            const double dSlope = a_Equation.Derivative(Start + dWidth * i);
-            if (std::fabs(dSlope) <= dMostBend * dWidth || dValue == 0.0 || dNext == 0.0)
+            const long double dSlope = a_Equation.Derivative(Grid[i][0], Grid[i][1]);
+            if (std::fabs(dSlope) <= dMostBend * Width || dValue == 0.0L || dNext == 0.0L)
             {
                 return -1;
             }
-            iSolutions += (dValue < 0.0) != (dNext < 0.0) ? 1 : 0;
+            iSolutions += (dValue < 0.0L) != (dNext < 0.0L) ? 1 : 0;
         }
         dValue = dNext;
     }
