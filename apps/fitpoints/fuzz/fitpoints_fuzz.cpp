@@ -2,12 +2,13 @@
 // Copyright (c) 2026 the nuv1math authors
 // SPDX-License-Identifier: MIT
 //
-// The first byte chooses options and form, the rest is the file: as it is, or points made of its bytes, so that every
-// double is as likely as text. Beside crashes: a failure is one line that names the file; a file that is read comes back
-// from what is written of it; every figure of a report is finite, JSON parses, no user's text reaches gnuplot's commands.
+// The first byte of an input chooses the options and the form of the rest: the text of a file, or numbers from which a
+// file is made, because random text rarely is a number. The checks: a failure is one line that names the file; points
+// that were read can be written and read again; every number of the reports is finite; JSON parses; no text of the user
+// gets out of its quotes in the commands for gnuplot.
 
-#include "assertion.h"
 #include "fit.h"
+#include "fuzzing.h"
 #include "plot.h"
 #include "report.h"
 #include "text.h"
@@ -16,71 +17,40 @@
 #include <algorithm>
 #include <cmath>
 #include <cstdint>
-#include <cstdio>
 #include <cstdlib>
 #include <cstring>
 #include <nlohmann/json.hpp>
 #include <sys/mman.h>
 #include <unistd.h>
 
-// An assertion report of the library is a finding; its own would end the process with code 0, unnoticed.
-namespace nuv {
-
-void FormatReport(TReportChar* a_szText, const TReportChar* a_szPath, int a_iLine, const TReportChar* a_szCondition)
-{
-    std::snprintf(a_szText, REPORT_LENGTH, "%s:%d %s", a_szPath, a_iLine, a_szCondition);
-}
-
-void ShowTextAndWait(const TReportChar* a_szText)
-{
-    std::fprintf(stderr, "assertion failure: %s\n", a_szText);
-}
-
-void EndProcess()
-{
-    std::abort();
-}
-
-} // namespace nuv
-
 using namespace fitpoints;
 
 namespace {
 
-#define ORACLE(a_Condition)                                                                                            \
-    do                                                                                                                 \
-    {                                                                                                                  \
-        if (!(a_Condition))                                                                                            \
-        {                                                                                                              \
-            std::fprintf(stderr, "oracle, line %d: %s\n", __LINE__, #a_Condition);                                     \
-            std::abort();                                                                                              \
-        }                                                                                                              \
-    } while (false)
-
 // Bits of the first byte.
 enum enumChoice
 {
-    CHOICE_METHOD = 3, // conformal, affine, omographic, none demanded
+    CHOICE_METHOD = 3, // two bits: conformal, affine, omographic, no method demanded
     CHOICE_MIRRORED = 4,
     CHOICE_RAW = 8,
-    CHOICE_NUMBERS = 16, // points made of the bytes
-    CHOICE_SMALL = 32,   // of two bytes a coordinate, so that points are equal or on a line more often
-    CHOICE_QGIS = 64
+    CHOICE_NUMBERS = 16, // the rest is numbers, not text
+    CHOICE_SMALL = 32,   // numbers of two bytes, so that points are more often equal or on one line
+    CHOICE_QGIS = 64     // a QGIS file is made from the numbers, not a CSV file
 };
 
-// A file in memory with a name.
+// A file in memory that can be opened by a name.
 class TMemoryFile
 {
 public:
     TMemoryFile() : m_iDescriptor(memfd_create("points", 0)), m_szName("/proc/self/fd/" + std::to_string(m_iDescriptor))
     {
-        ORACLE(m_iDescriptor >= 0);
+        NUV_CHECK(m_iDescriptor >= 0);
     }
 
     const std::string& Write(const std::string& a_szText) const
     {
-        ORACLE(ftruncate(m_iDescriptor, 0) == 0);
-        ORACLE(pwrite(m_iDescriptor, a_szText.data(), a_szText.size(), 0) == static_cast<ssize_t>(a_szText.size()));
+        NUV_CHECK(ftruncate(m_iDescriptor, 0) == 0);
+        NUV_CHECK(pwrite(m_iDescriptor, a_szText.data(), a_szText.size(), 0) == static_cast<ssize_t>(a_szText.size()));
         return m_szName;
     }
 
@@ -89,6 +59,7 @@ private:
     std::string m_szName;
 };
 
+// Makes a number of the next bytes and moves on.
 double TakeNumber(const std::uint8_t*& a_pNext, bool a_bSmall)
 {
     if (a_bSmall)
@@ -135,77 +106,91 @@ std::string QuotedField(const std::string& a_szText)
     return szField + "\"";
 }
 
-// What was read, written as a file and read again, is the same.
-void CheckRoundTrip(const TPoints& a_Points)
+std::string FileOfPoints(const TPoints& a_Points)
 {
-    static const TMemoryFile File;
     std::string szText = "name,x,y,X,Y\n";
     for (const TPoint& P : a_Points.vPoints)
     {
-        ORACLE(IsPlainUtf8(P.szName));
+        NUV_CHECK(IsPlainUtf8(P.szName));
         szText += QuotedField(P.szName);
         for (const double dValue : {P.dX, P.dY, P.dXa, P.dYa})
         {
-            ORACLE(std::isfinite(dValue));
+            NUV_CHECK(std::isfinite(dValue));
             szText += "," + Exact(dValue);
         }
         szText += "\n";
     }
-    const TPoints Again = ReadPoints(File.Write(szText));
-    ORACLE(Again.vPoints.size() == a_Points.vPoints.size());
+    return szText;
+}
+
+// The points are the same after they are written to a file and read again.
+void CheckRoundTrip(const TPoints& a_Points)
+{
+    static const TMemoryFile File;
+    const TPoints Again = ReadPoints(File.Write(FileOfPoints(a_Points)));
+    NUV_CHECK(Again.vPoints.size() == a_Points.vPoints.size());
     for (std::size_t i = 0; i < Again.vPoints.size(); ++i)
     {
         const TPoint& First = a_Points.vPoints[i];
         const TPoint& Second = Again.vPoints[i];
-        ORACLE(First.szName == Second.szName && First.dX == Second.dX && First.dY == Second.dY &&
-               First.dXa == Second.dXa && First.dYa == Second.dYa);
+        NUV_CHECK(First.szName == Second.szName && First.dX == Second.dX && First.dY == Second.dY &&
+                  First.dXa == Second.dXa && First.dYa == Second.dYa);
     }
 }
 
 void CheckFit(const TPoints& a_Points, const TFitOptions& a_Options, const TFit& a_Fit)
 {
-    ORACLE(!a_Options.Demanded || *a_Options.Demanded == a_Fit.Kind);
-    ORACLE(a_Fit.vResiduals.size() == a_Points.vPoints.size() && a_Fit.iLargest < a_Fit.vResiduals.size());
-    ORACLE(std::isfinite(a_Fit.dSumOfSquares) && (!a_Fit.dRms || std::isfinite(*a_Fit.dRms)));
+    NUV_CHECK(!a_Options.Demanded || *a_Options.Demanded == a_Fit.Kind);
+    NUV_CHECK(a_Fit.vResiduals.size() == a_Points.vPoints.size() && a_Fit.iLargest < a_Fit.vResiduals.size());
+    NUV_CHECK(std::isfinite(a_Fit.dSumOfSquares) && (!a_Fit.dRms || std::isfinite(*a_Fit.dRms)));
     for (const TResidual& R : a_Fit.vResiduals)
     {
-        ORACLE(std::isfinite(R.dX) && std::isfinite(R.dY) && R.dLength <= a_Fit.vResiduals[a_Fit.iLargest].dLength);
+        NUV_CHECK(std::isfinite(R.dX) && std::isfinite(R.dY) && R.dLength <= a_Fit.vResiduals[a_Fit.iLargest].dLength);
     }
 }
 
-// A figure that is not finite would be null.
+// JSON has null for a number that is not finite.
 void CheckNumbers(const nlohmann::json& a_Object)
 {
     for (const auto& Field : a_Object)
     {
-        ORACLE(Field.is_number());
+        NUV_CHECK(Field.is_number());
+    }
+}
+
+void CheckFrames(const nlohmann::json& a_Frames)
+{
+    for (const char* const szFrame : {"local", "original"})
+    {
+        if (!a_Frames.at(szFrame).is_null())
+        {
+            CheckNumbers(a_Frames.at(szFrame).at("coefficients"));
+        }
+    }
+    NUV_CHECK(a_Frames.at("original").is_null() || a_Frames.at("largest_difference").is_number());
+}
+
+void CheckParameters(const nlohmann::json& a_Parameters)
+{
+    if (!a_Parameters.is_null())
+    {
+        for (const char* const szParameter : {"sx", "sy", "rotation", "skew"})
+        {
+            NUV_CHECK(a_Parameters.at(szParameter).is_number());
+        }
     }
 }
 
 void CheckJson(const TPoints& a_Points, const TFit& a_Fit)
 {
     const nlohmann::json Json = nlohmann::json::parse(JsonReport(a_Points, a_Fit));
-    ORACLE(Json.at("n") == a_Points.vPoints.size() && Json.at("points").size() == a_Points.vPoints.size());
-    for (const char* const szFrame : {"local", "original"})
-    {
-        const nlohmann::json& Frame = Json.at("frames").at(szFrame);
-        if (!Frame.is_null())
-        {
-            CheckNumbers(Frame.at("coefficients"));
-        }
-    }
-    ORACLE(Json.at("frames").at("original").is_null() || Json.at("frames").at("largest_difference").is_number());
-    if (!Json.at("parameters").is_null())
-    {
-        for (const char* const szParameter : {"sx", "sy", "rotation", "skew"})
-        {
-            ORACLE(Json.at("parameters").at(szParameter).is_number());
-        }
-    }
+    NUV_CHECK(Json.at("n") == a_Points.vPoints.size() && Json.at("points").size() == a_Points.vPoints.size());
+    CheckFrames(Json.at("frames"));
+    CheckParameters(Json.at("parameters"));
     for (std::size_t i = 0; i < a_Points.vPoints.size(); ++i)
     {
-        ORACLE(Json["points"][i].at("name") == a_Points.vPoints[i].szName);
-        ORACLE(Json["points"][i].at("X") == a_Points.vPoints[i].dXa);
+        NUV_CHECK(Json["points"][i].at("name") == a_Points.vPoints[i].szName);
+        NUV_CHECK(Json["points"][i].at("X") == a_Points.vPoints[i].dXa);
     }
 }
 
@@ -216,17 +201,17 @@ void CheckWorldFile(const TPoints& a_Points, const TFit& a_Fit)
         return;
     }
     const std::string szText = WorldFile(a_Points, a_Fit);
-    ORACLE(std::count(szText.begin(), szText.end(), '\n') == 6);
+    NUV_CHECK(std::count(szText.begin(), szText.end(), '\n') == 6);
     const char* pNext = szText.c_str();
     while (*pNext != '\0')
     {
         char* pEnd;
-        ORACLE(std::isfinite(std::strtod(pNext, &pEnd)) && *pEnd == '\n');
+        NUV_CHECK(std::isfinite(std::strtod(pNext, &pEnd)) && *pEnd == '\n');
         pNext = pEnd + 1;
     }
 }
 
-// Quotes are closed on their line, and what stands outside of them are gnuplot's words and finite numbers.
+// Quotes are closed on their line. Outside of quotes there are only words of gnuplot and finite numbers.
 void CheckScript(const TPoints& a_Points, const TFit& a_Fit)
 {
     const std::string szScript = PlotScript(a_Points, a_Fit, PLOT_SVG);
@@ -234,16 +219,16 @@ void CheckScript(const TPoints& a_Points, const TFit& a_Fit)
     bool bInside = false;
     for (const char iChar : szScript)
     {
-        ORACLE(iChar != '\n' || !bInside);
+        NUV_CHECK(iChar != '\n' || !bInside);
         bInside = bInside != (iChar == '\'');
         szOutside += bInside ? "" : std::string(1, iChar);
     }
-    ORACLE(!bInside && IsPlain(szScript));
-    ORACLE(szOutside.find_first_not_of("abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXYZ0123456789 \n'$<,.:[]+-") ==
-           std::string::npos);
+    NUV_CHECK(!bInside && IsPlain(szScript));
+    NUV_CHECK(szOutside.find_first_not_of(
+                  "abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXYZ0123456789 \n'$<,.:[]+-") == std::string::npos);
     for (const char* const szNotFinite : {"inf", " nan", "-nan", "[nan", ":nan"})
     {
-        ORACLE(szOutside.find(szNotFinite) == std::string::npos);
+        NUV_CHECK(szOutside.find(szNotFinite) == std::string::npos);
     }
 }
 
@@ -253,10 +238,29 @@ void FitAndReport(const std::string& a_szFile, const TFitOptions& a_Options)
     CheckRoundTrip(Points);
     const TFit Fit = FitPoints(Points, a_Options);
     CheckFit(Points, a_Options, Fit);
-    ORACLE(IsPlain(TextReport(Points, Fit)));
+    NUV_CHECK(IsPlain(TextReport(Points, Fit)));
     CheckJson(Points, Fit);
     CheckWorldFile(Points, Fit);
     CheckScript(Points, Fit);
+}
+
+TFitOptions Options(int a_iChoice)
+{
+    TFitOptions Result = {};
+    if ((a_iChoice & CHOICE_METHOD) != CHOICE_METHOD)
+    {
+        Result.Demanded = static_cast<nuv::enumMethodUsed>(a_iChoice & CHOICE_METHOD);
+    }
+    Result.bMirrored = (a_iChoice & CHOICE_MIRRORED) != 0;
+    Result.bRaw = (a_iChoice & CHOICE_RAW) != 0;
+    return Result;
+}
+
+std::string FileText(int a_iChoice, const std::uint8_t* a_pBytes, std::size_t a_iSize)
+{
+    return (a_iChoice & CHOICE_NUMBERS) != 0
+               ? FileOfNumbers(a_pBytes, a_iSize, a_iChoice & CHOICE_SMALL, a_iChoice & CHOICE_QGIS)
+               : std::string(reinterpret_cast<const char*>(a_pBytes), a_iSize);
 }
 
 } // namespace
@@ -269,26 +273,16 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* a_pBytes, std::size_t 
     }
     static const TMemoryFile File;
     const int iChoice = a_pBytes[0];
-    TFitOptions Options = {};
-    if ((iChoice & CHOICE_METHOD) != CHOICE_METHOD)
-    {
-        Options.Demanded = static_cast<nuv::enumMethodUsed>(iChoice & CHOICE_METHOD);
-    }
-    Options.bMirrored = (iChoice & CHOICE_MIRRORED) != 0;
-    Options.bRaw = (iChoice & CHOICE_RAW) != 0;
-    const std::string& szName =
-        File.Write((iChoice & CHOICE_NUMBERS) != 0
-                       ? FileOfNumbers(a_pBytes + 1, a_iSize - 1, iChoice & CHOICE_SMALL, iChoice & CHOICE_QGIS)
-                       : std::string(reinterpret_cast<const char*>(a_pBytes) + 1, a_iSize - 1));
+    const std::string& szName = File.Write(FileText(iChoice, a_pBytes + 1, a_iSize - 1));
     try
     {
-        FitAndReport(szName, Options);
+        FitAndReport(szName, Options(iChoice));
     }
     catch (const TFailure& Failure)
     {
         const std::string szLine = OneLine(Failure.what());
-        ORACLE(szLine.compare(0, szName.size(), szName) == 0 && szLine.size() < 400);
-        ORACLE(IsPlain(szLine) && szLine.find('\n') == std::string::npos);
+        NUV_CHECK(szLine.compare(0, szName.size(), szName) == 0 && szLine.size() < 400);
+        NUV_CHECK(IsPlain(szLine) && szLine.find('\n') == std::string::npos);
     }
     return 0;
 }
