@@ -17,7 +17,7 @@ static TValues MapCorners(const nuv::TAffineCoefs& a_Coefs)
 }
 
 #ifdef NUV_BENCH_GDAL
-// The same points as GDAL's ground control points, pixel and line for the source.
+// The same points as GDAL's ground control points. The source is given as pixel and line.
 struct TGcps
 {
     std::vector<GDAL_GCP> vPoints;
@@ -28,7 +28,7 @@ struct TGcps
     explicit TGcps(const TPoints& a_Points)
     {
         static char szNone[] = "";
-        for (int i = 0; i < a_Points.Size(); ++i)
+        for (int i = 0; i < a_Points.Count(); ++i)
         {
             vPoints.push_back(
                 {szNone, szNone, a_Points.vdX[i], a_Points.vdY[i], a_Points.vdXa[i], a_Points.vdYa[i], 0});
@@ -75,6 +75,30 @@ static void AddGdal(TContest& a_Contest, const TPoints& a_Points)
 }
 #endif
 
+// One row of A and B for each point: x, y, 1 and X, Y.
+static void AddSolvers(TContest& a_Contest, const std::shared_ptr<const TPoints>& a_pPoints)
+{
+    const auto Fill = [a_pPoints](auto&& A, auto&& B)
+    {
+        for (int i = 0; i < a_pPoints->Count(); ++i)
+        {
+            A(i, 0) = a_pPoints->vdX[i];
+            A(i, 1) = a_pPoints->vdY[i];
+            A(i, 2) = 1.0;
+            B(i, 0) = a_pPoints->vdXa[i];
+            B(i, 1) = a_pPoints->vdYa[i];
+        }
+    };
+    using TState = TSolution<3, 2>;
+    const auto Tell = [](const TState& x) { return MapCorners({x[0], x[1], x[2], x[3], x[4], x[5], 0.0, 0.0, 1.0}); };
+    const auto Add = [&](const std::string& a_szName, auto a_pSolver)
+    {
+        const auto Run = [=](TState& x) { x = a_pSolver->Solve(Fill); };
+        a_Contest.Peer(a_szName, TOLERANCE_DOUBLE, TState(), Run, Tell);
+    };
+    ForEachSolver<3, 2>(a_pPoints->Count(), Add);
+}
+
 static void AddSize(int n)
 {
     const auto pPoints = MakePoints(n, {1.2, -0.4, 50.0, 0.3, 0.9, -20.0, 0.0, 0.0, 1.0});
@@ -84,31 +108,11 @@ static void AddSize(int n)
         [pPoints](nuv::TAffineCoefs& a_Coefs)
         {
             const TPoints& p = *pPoints;
-            nuv::CalcAffineCoefs(static_cast<unsigned int>(p.Size()), p.vdX.data(), p.vdY.data(), p.vdXa.data(),
+            nuv::CalcAffineCoefs(static_cast<unsigned int>(p.Count()), p.vdX.data(), p.vdY.data(), p.vdXa.data(),
                                  p.vdYa.data(), a_Coefs);
         },
         [](const nuv::TAffineCoefs& a_Coefs) { return MapCorners(a_Coefs); });
-    ForEachSolver<3, 2>(n,
-                        [&](const std::string& a_szName, auto a_pSolver)
-                        {
-                            const auto Fill = [pPoints](auto&& A, auto&& B)
-                            {
-                                for (int i = 0; i < pPoints->Size(); ++i)
-                                {
-                                    A(i, 0) = pPoints->vdX[i];
-                                    A(i, 1) = pPoints->vdY[i];
-                                    A(i, 2) = 1.0;
-                                    B(i, 0) = pPoints->vdXa[i];
-                                    B(i, 1) = pPoints->vdYa[i];
-                                }
-                            };
-                            using TState = TSolution<3, 2>;
-                            Contest.Peer(
-                                a_szName, TOLERANCE_DOUBLE, TState(), [=](TState& x) { x = a_pSolver->Solve(Fill); },
-                                [](const TState& x) {
-                                    return MapCorners({x[0], x[1], x[2], x[3], x[4], x[5], 0.0, 0.0, 1.0});
-                                });
-                        });
+    AddSolvers(Contest, pPoints);
 #ifdef NUV_BENCH_OPENCV
     if (n == 3)
     {
@@ -127,7 +131,7 @@ static void AddSize(int n)
 #ifdef NUV_BENCH_GDAL
     AddGdal(Contest, *pPoints);
 #endif
-    // Four means and eleven sums; the sums of the second pass wait for the means of the first.
+    // Four means and eleven sums. The sums of the second pass need the means of the first.
     Contest.Floors(4U * n, PerPoint(n, 4 + 4 + 11, 7), 2.0 * n);
 }
 

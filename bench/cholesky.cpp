@@ -21,12 +21,13 @@
 namespace bench {
 
 constexpr double TOLERANCE = 1e-11;
+constexpr double OBSERVED = 0.7; // the value of an observation
 
 namespace {
 
-// A positive definite system: the symmetric matrix in full, its lower triangle packed row by row, a right-hand side.
-// Row by row and column by column the full matrix is the same, and the packed lower triangle row by row is LAPACK's
-// packed upper triangle column by column.
+// A positive definite system: the full symmetric matrix, its lower triangle packed row by row, and a right-hand side.
+// The full matrix is the same by rows and by columns. The lower triangle packed by rows is what LAPACK calls the upper
+// triangle packed by columns.
 struct TSystem
 {
     int n;
@@ -51,12 +52,12 @@ struct TSystem
 
 using TSystemPointer = std::shared_ptr<const TSystem>;
 
-// What a factorisation or a solution works on: a copy of the input, made anew in every run for all alike.
+// A factorisation or solution works on a copy of the input. Every run of every contestant copies it anew.
 using TWork = TValues;
 
 } // namespace
 
-// The lower triangle of a factor, row by row, from a full array by the steps between its rows and its columns.
+// Takes the lower triangle row by row out of a full array with these steps between rows and between columns.
 static auto TellTriangle(int n, std::size_t a_iRowStep, std::size_t a_iColumnStep)
 {
     return [=](const TWork& a_vd)
@@ -83,7 +84,7 @@ template <class TFunction> static auto OnCopy(std::shared_ptr<const TValues> a_p
     };
 }
 
-// The same array, kept alive by the system that holds it.
+// A pointer to an array of the system that keeps the system alive.
 static std::shared_ptr<const TValues> Share(const TSystemPointer& a_pSystem, const TValues& a_vdValues)
 {
     return std::shared_ptr<const TValues>(a_pSystem, &a_vdValues);
@@ -91,7 +92,7 @@ static std::shared_ptr<const TValues> Share(const TSystemPointer& a_pSystem, con
 
 constexpr auto Same = [](const TWork& a_vd) { return a_vd; };
 
-// Products of the factorisation and of the two substitutions.
+// The operations of the factorisation, and of the two substitutions together.
 static TOperations FactorOperations(double n)
 {
     const double dProducts = (n - 1) * n * (n + 1) / 6;
@@ -103,7 +104,8 @@ static TOperations SolveOperations(double n)
     return {n * (n - 1), n * (n - 1), 2 * n, 0};
 }
 
-// Of the radicands: each takes its squares from the newest one back.
+// Dependent subtractions of the factorisation: each radicand subtracts its squares one after the other, and the first
+// to be subtracted is the newest.
 static double FactorChain(double n)
 {
     return n * (n - 1) / 2;
@@ -113,7 +115,7 @@ template <int N> static void AddFixedSize(TContest& a_Contest, const TSystemPoin
 {
     using TMatrix = Eigen::Matrix<double, N, N>;
     a_Contest.Peer(
-        "Eigen LLT of a fixed size", TOLERANCE, TMatrix(),
+        "Eigen LLT of a fixed size", TOLERANCE, TMatrix(TMatrix::Zero()),
         [a_pSystem](TMatrix& L)
         {
             L = Eigen::Map<const TMatrix>(a_pSystem->vdFull.data());
@@ -122,7 +124,7 @@ template <int N> static void AddFixedSize(TContest& a_Contest, const TSystemPoin
         [](const TMatrix& L) { return TellTriangle(N, 1, N)(TWork(L.data(), L.data() + N * N)); });
 }
 
-static void AddDense(const TSystemPointer& a_pSystem)
+static void AddDenseFactor(const TSystemPointer& a_pSystem)
 {
     const int n = a_pSystem->n;
     const std::size_t iStep = n;
@@ -164,14 +166,19 @@ static void AddDense(const TSystemPointer& a_pSystem)
                     OnCopy(pMatrix, [n, &Lapack](double* a_vd) { Lapack.Potrf('L', n, a_vd); }), TellColumns);
     }
     Factor.Floors(a_pSystem->vdPacked.size(), FactorOperations(n), FactorChain(n));
+}
 
-    // Each solves with a factor of its own storage; the values are the same.
+static void AddDenseSolve(const TSystemPointer& a_pSystem)
+{
+    const int n = a_pSystem->n;
+    const std::size_t iStep = n;
+    // L stands in the lower triangle by rows and by columns, so that every contestant finds it.
     TSystem Factored = *a_pSystem;
     nuv::Cholesky(n, Factored.vdFull.data());
-    Eigen::Map<Eigen::MatrixXd> Both(Factored.vdFull.data(), n, n); // L by rows is U by columns: made full
+    Eigen::Map<Eigen::MatrixXd> Both(Factored.vdFull.data(), n, n);
     Both.triangularView<Eigen::StrictlyLower>() = Both.transpose();
     const auto pFactored = std::make_shared<const TSystem>(Factored);
-    const double* const vdFactor = pFactored->vdFull.data(); // the runs below keep it alive by their right-hand side
+    const double* const vdFactor = pFactored->vdFull.data(); // the runs share pFactored by their right-hand side
     const auto pRhs = Share(pFactored, pFactored->vdRhs);
     const TWork vdVector(pRhs->size());
 
@@ -203,11 +210,11 @@ static void AddDense(const TSystemPointer& a_pSystem)
         Solve.Peer(Lapack.Name() + " dpotrs", TOLERANCE, vdVector,
                    OnCopy(pRhs, [=, &Lapack](double* a_vd) { Lapack.Potrs('L', n, vdFactor, a_vd); }), Same);
     }
-    // The backward substitution takes its terms from the newest one on, the forward one ends with it.
+    // The backward substitution begins with the newest unknown, the forward one ends with it.
     Solve.Floors(a_pSystem->vdPacked.size(), SolveOperations(n), n + FactorChain(n));
 }
 
-// The rectangular full packed form of a lower triangle that is packed row by row.
+// The rectangular full packed form (LAPACK) of a lower triangle that is packed row by row.
 static TValues ToRectangular(const TLapack& a_Lapack, int n, const TValues& a_vdPacked)
 {
     TValues vdRectangular(a_vdPacked.size());
@@ -253,12 +260,12 @@ static void AddPacked(const TSystemPointer& a_pSystem)
                    Same);
     }
     Factor.Floors(vdWork.size(), FactorOperations(n), FactorChain(n));
-    Solve.Floors(vdWork.size(), SolveOperations(n), 2.0 * n); // both substitutions end with the newest term
+    Solve.Floors(vdWork.size(), SolveOperations(n), 2.0 * n); // both substitutions end with the newest unknown
 }
 
 namespace {
 
-// Normal equations that grow with every run; the values told are those of one observation.
+// Normal equations to which every run adds the same observation. The first run, which adds to zeros, is compared.
 struct TNormalEquations
 {
     TValues vdMatrix, vdVector;
@@ -266,61 +273,66 @@ struct TNormalEquations
 
 } // namespace
 
+static TValues TellPacked(const TNormalEquations& a_Equations)
+{
+    TValues vdAll = a_Equations.vdMatrix;
+    vdAll.insert(vdAll.end(), a_Equations.vdVector.begin(), a_Equations.vdVector.end());
+    return vdAll;
+}
+
+static auto TellFull(int n, std::size_t a_iRowStep, std::size_t a_iColumnStep)
+{
+    return [=](const TNormalEquations& a_Equations) {
+        return TellPacked({TellTriangle(n, a_iRowStep, a_iColumnStep)(a_Equations.vdMatrix), a_Equations.vdVector});
+    };
+}
+
+// The peers that keep a full matrix.
+static void AddFullUpdates(TContest& a_Contest, const TSystemPointer& a_pSystem)
+{
+    const int n = a_pSystem->n;
+    const std::size_t iStep = n;
+    const TNormalEquations Full{TValues(iStep * iStep), TValues(iStep)};
+    a_Contest.Peer(
+        "Eigen rankUpdate", TOLERANCE, Full,
+        [=](TNormalEquations& a_Equations)
+        {
+            const Eigen::Map<const Eigen::VectorXd> Row(a_pSystem->vdRhs.data(), n);
+            Eigen::Map<Eigen::MatrixXd>(a_Equations.vdMatrix.data(), n, n)
+                .selfadjointView<Eigen::Lower>()
+                .rankUpdate(Row);
+            Eigen::Map<Eigen::VectorXd>(a_Equations.vdVector.data(), n) += OBSERVED * Row;
+        },
+        TellFull(n, 1, iStep));
+#ifdef NUV_BENCH_GSL
+    a_Contest.Peer(
+        "GSL gsl_blas_dsyr, gsl_blas_daxpy", TOLERANCE, Full,
+        [=](TNormalEquations& a_Equations)
+        {
+            const gsl_vector_const_view Row = gsl_vector_const_view_array(a_pSystem->vdRhs.data(), iStep);
+            gsl_matrix_view Matrix = gsl_matrix_view_array(a_Equations.vdMatrix.data(), iStep, iStep);
+            gsl_vector_view Vector = gsl_vector_view_array(a_Equations.vdVector.data(), iStep);
+            gsl_blas_dsyr(CblasLower, 1.0, &Row.vector, &Matrix.matrix);
+            gsl_blas_daxpy(OBSERVED, &Row.vector, &Vector.vector);
+        },
+        TellFull(n, iStep, 1));
+#endif
+}
+
 static void AddUpdate(int n)
 {
     const auto pSystem = std::make_shared<const TSystem>(n);
-    constexpr double VALUE = 0.7;
-    const std::size_t iStep = n;
-
-    // Every run starts from a state that the next one goes on with; adding to zero comes first and is what is told.
-    const auto Tell = [](const TNormalEquations& a_Equations)
-    {
-        TValues vdAll = a_Equations.vdMatrix;
-        vdAll.insert(vdAll.end(), a_Equations.vdVector.begin(), a_Equations.vdVector.end());
-        return vdAll;
-    };
-    const auto TellFull = [=](std::size_t a_iRowStep, std::size_t a_iColumnStep)
-    {
-        return [=](const TNormalEquations& a_Equations) {
-            return Tell({TellTriangle(n, a_iRowStep, a_iColumnStep)(a_Equations.vdMatrix), a_Equations.vdVector});
-        };
-    };
-    const TNormalEquations Packed{TValues(pSystem->vdPacked.size()), TValues(iStep)};
-    const TNormalEquations Full{TValues(iStep * iStep), TValues(iStep)};
-
+    const TNormalEquations Packed{TValues(pSystem->vdPacked.size()), TValues(n)};
     TContest Contest("UpdateNormMatrixLowTri", n);
     Contest.Ours(
         "UpdateNormMatrixLowTri", Packed,
         [=](TNormalEquations& a_Equations)
         {
             nuv::UpdateNormMatrixLowTri(n, a_Equations.vdMatrix.data(), a_Equations.vdVector.data(),
-                                        pSystem->vdRhs.data(), VALUE);
+                                        pSystem->vdRhs.data(), OBSERVED);
         },
-        Tell);
-    Contest.Peer(
-        "Eigen rankUpdate", TOLERANCE, Full,
-        [=](TNormalEquations& a_Equations)
-        {
-            const Eigen::Map<const Eigen::VectorXd> Row(pSystem->vdRhs.data(), n);
-            Eigen::Map<Eigen::MatrixXd>(a_Equations.vdMatrix.data(), n, n)
-                .selfadjointView<Eigen::Lower>()
-                .rankUpdate(Row);
-            Eigen::Map<Eigen::VectorXd>(a_Equations.vdVector.data(), n) += VALUE * Row;
-        },
-        TellFull(1, iStep));
-#ifdef NUV_BENCH_GSL
-    Contest.Peer(
-        "GSL gsl_blas_dsyr, gsl_blas_daxpy", TOLERANCE, Full,
-        [=](TNormalEquations& a_Equations)
-        {
-            const gsl_vector_const_view Row = gsl_vector_const_view_array(pSystem->vdRhs.data(), iStep);
-            gsl_matrix_view Matrix = gsl_matrix_view_array(a_Equations.vdMatrix.data(), iStep, iStep);
-            gsl_vector_view Vector = gsl_vector_view_array(a_Equations.vdVector.data(), iStep);
-            gsl_blas_dsyr(CblasLower, 1.0, &Row.vector, &Matrix.matrix);
-            gsl_blas_daxpy(VALUE, &Row.vector, &Vector.vector);
-        },
-        TellFull(iStep, 1));
-#endif
+        TellPacked);
+    AddFullUpdates(Contest, pSystem);
     for (const TLapack& Lapack : Lapacks())
     {
         Contest.Peer(
@@ -328,12 +340,12 @@ static void AddUpdate(int n)
             [=, &Lapack](TNormalEquations& a_Equations)
             {
                 Lapack.Spr('U', n, 1.0, pSystem->vdRhs.data(), a_Equations.vdMatrix.data());
-                Lapack.Axpy(n, VALUE, pSystem->vdRhs.data(), a_Equations.vdVector.data());
+                Lapack.Axpy(n, OBSERVED, pSystem->vdRhs.data(), a_Equations.vdVector.data());
             },
-            Tell);
+            TellPacked);
     }
     const double dProducts = double(Packed.vdMatrix.size()) + n;
-    Contest.Floors(Packed.vdMatrix.size() + 2 * iStep, {dProducts, dProducts, 0, 0}, 1);
+    Contest.Floors(Packed.vdMatrix.size() + 2 * Packed.vdVector.size(), {dProducts, dProducts, 0, 0}, 1);
 }
 
 void RegisterFamily()
@@ -344,7 +356,8 @@ void RegisterFamily()
     for (const int n : {3, 8, 32, 100, 500, 1000})
     {
         const auto pSystem = std::make_shared<const TSystem>(n);
-        AddDense(pSystem);
+        AddDenseFactor(pSystem);
+        AddDenseSolve(pSystem);
         AddPacked(pSystem);
     }
     for (const int n : {8, 32, 100})

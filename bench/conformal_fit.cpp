@@ -20,9 +20,9 @@ struct TUmeyama
     Eigen::Matrix2Xd Source, Target;
     Eigen::Matrix3d Fit = Eigen::Matrix3d::Zero();
 
-    explicit TUmeyama(const TPoints& a_Points) : Source(2, a_Points.Size()), Target(2, a_Points.Size())
+    explicit TUmeyama(const TPoints& a_Points) : Source(2, a_Points.Count()), Target(2, a_Points.Count())
     {
-        for (int i = 0; i < a_Points.Size(); ++i)
+        for (int i = 0; i < a_Points.Count(); ++i)
         {
             Source.col(i) << a_Points.vdX[i], a_Points.vdY[i];
             Target.col(i) << a_Points.vdXa[i], a_Points.vdYa[i];
@@ -31,6 +31,34 @@ struct TUmeyama
 };
 
 } // namespace
+
+// Two rows of A and B for each point, one for X and one for Y.
+static void AddSolvers(TContest& a_Contest, const std::shared_ptr<const TPoints>& a_pPoints)
+{
+    const auto Fill = [a_pPoints](auto&& A, auto&& B)
+    {
+        for (int i = 0; i < a_pPoints->Count(); ++i)
+        {
+            const int iX = 2 * i, iY = iX + 1;
+            A(iX, 0) = A(iY, 1) = a_pPoints->vdX[i];
+            A(iX, 1) = a_pPoints->vdY[i];
+            A(iY, 0) = a_pPoints->vdY[i];
+            A(iY, 1) = -a_pPoints->vdX[i];
+            A(iX, 2) = A(iY, 3) = 1.0;
+            A(iX, 3) = A(iY, 2) = 0.0;
+            B(iX, 0) = a_pPoints->vdXa[i];
+            B(iY, 0) = a_pPoints->vdYa[i];
+        }
+    };
+    using TState = TSolution<4, 1>;
+    const auto Tell = [](const TState& x) { return MapCorners(x[0], x[1], x[2], x[3]); };
+    const auto Add = [&](const std::string& a_szName, auto a_pSolver)
+    {
+        const auto Run = [=](TState& x) { x = a_pSolver->Solve(Fill); };
+        a_Contest.Peer(a_szName, TOLERANCE_DOUBLE, TState(), Run, Tell);
+    };
+    ForEachSolver<4, 1>(2 * a_pPoints->Count(), Add);
+}
 
 static void AddSize(int n)
 {
@@ -41,34 +69,12 @@ static void AddSize(int n)
         [pPoints](nuv::TConformalCoefs& a_Coefs)
         {
             const TPoints& p = *pPoints;
-            nuv::CalcConformalCoefs(static_cast<unsigned int>(p.Size()), p.vdX.data(), p.vdY.data(), p.vdXa.data(),
+            nuv::CalcConformalCoefs(static_cast<unsigned int>(p.Count()), p.vdX.data(), p.vdY.data(), p.vdXa.data(),
                                     p.vdYa.data(), false, a_Coefs);
         },
         [](const nuv::TConformalCoefs& a_Coefs)
         { return MapCorners(a_Coefs.dA, a_Coefs.dB, a_Coefs.dTx, a_Coefs.dTy); });
-    ForEachSolver<4, 1>(2 * n,
-                        [&](const std::string& a_szName, auto a_pSolver)
-                        {
-                            const auto Fill = [pPoints](auto&& A, auto&& B)
-                            {
-                                for (int i = 0; i < pPoints->Size(); ++i)
-                                {
-                                    const int iX = 2 * i, iY = iX + 1;
-                                    A(iX, 0) = A(iY, 1) = pPoints->vdX[i];
-                                    A(iX, 1) = pPoints->vdY[i];
-                                    A(iY, 0) = pPoints->vdY[i];
-                                    A(iY, 1) = -pPoints->vdX[i];
-                                    A(iX, 2) = A(iY, 3) = 1.0;
-                                    A(iX, 3) = A(iY, 2) = 0.0;
-                                    B(iX, 0) = pPoints->vdXa[i];
-                                    B(iY, 0) = pPoints->vdYa[i];
-                                }
-                            };
-                            using TState = TSolution<4, 1>;
-                            Contest.Peer(
-                                a_szName, TOLERANCE_DOUBLE, TState(), [=](TState& x) { x = a_pSolver->Solve(Fill); },
-                                [](const TState& x) { return MapCorners(x[0], x[1], x[2], x[3]); });
-                        });
+    AddSolvers(Contest, pPoints);
     Contest.Peer(
         "Eigen umeyama", TOLERANCE_DOUBLE, TUmeyama(*pPoints),
         [](TUmeyama& a_State) { a_State.Fit = Eigen::umeyama(a_State.Source, a_State.Target, true); },
@@ -88,7 +94,7 @@ static void AddSize(int n)
             [](const auto& a_Source, const auto& a_Target)
             { return dlib::find_similarity_transform(a_Source, a_Target); });
 #endif
-    // Four means and three sums of two products; the sums of the second pass wait for the means of the first.
+    // Four means and three sums of two products. The sums of the second pass need the means of the first.
     Contest.Floors(4U * n, PerPoint(n, 4 + 4 + 6, 6), 2.0 * n);
 }
 

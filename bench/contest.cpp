@@ -1,4 +1,4 @@
-// contest.cpp: the check of a peer's result, and the program around a family's contests.
+// contest.cpp: compares a peer's result with ours; the main function of every family's program.
 // Copyright (c) 2026 the nuv1math authors
 // SPDX-License-Identifier: MIT
 
@@ -21,7 +21,7 @@ TContest::TContest(std::string a_szRoutine, int a_iSize, int a_iBatch)
     : m_szRoutine(std::move(a_szRoutine)), m_iSize(a_iSize), m_iBatch(a_iBatch)
 {}
 
-// Greatest difference divided by the greatest magnitude of ours; infinite for another number of values.
+// The greatest difference divided by the greatest magnitude of ours, or infinity if the numbers of values differ.
 static double Difference(const TValues& a_vdOurs, const TValues& a_vdTheirs)
 {
     if (a_vdOurs.size() != a_vdTheirs.size())
@@ -59,7 +59,7 @@ std::string TContest::Label(EKind a_Kind, const std::string& a_szName) const
 
 void TContest::Floors(std::size_t a_iDoubles, const TOperations& a_Operations, double a_dDependentAdditions)
 {
-    constexpr int CALLS = 64; // in one run, so that a loop's step is short beside it
+    constexpr int CALLS = 64; // in one run, so that the overhead of the timed loop does not count
     Floor(EKind::READ, "reading the arrays once", 1, TValues(a_iDoubles, 1.0), Read);
     Floor(EKind::ARITHMETIC, "arithmetic at full width", CALLS, CALLS * a_Operations, Compute);
     Floor(EKind::ORDER, "longest chain of dependent additions", CALLS, CALLS * a_dDependentAdditions, AddInChain);
@@ -77,7 +77,7 @@ void NameMissing(const std::string& a_szLibrary)
 
 } // namespace bench
 
-// Runs all contests whose peers agree with us. --quick: one run each, for a test of the programs.
+// Runs all contests if all peers agree with us. With --quick every contestant runs about once, to test the programs.
 int main(int a_iArguments, char** a_vszArguments)
 {
     static char szBriefly[] = "--benchmark_min_time=0.000000001";

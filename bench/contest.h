@@ -1,4 +1,4 @@
-// contest.h: a routine of the library beside what else computes the same: checked first, then timed.
+// contest.h: a routine of the library and others that compute the same: they are compared, and then timed.
 // Copyright (c) 2026 the nuv1math authors
 // SPDX-License-Identifier: MIT
 
@@ -18,24 +18,24 @@ namespace bench {
 
 using TValues = std::vector<double>;
 
-// What a contestant is; it stands in the name of its benchmark.
+// The kind of a contestant. It is part of the name of its benchmark.
 enum class EKind
 {
     OURS,
     PEER,
-    READ,       // floors: the arrays read once,
-    ARITHMETIC, // the operations at full width,
-    ORDER       // the longest chain of dependent operations that the order of the operations imposes
+    READ,       // a floor: reads the arrays once
+    ARITHMETIC, // a floor: performs the operations at full width
+    ORDER       // a floor: the longest chain of dependent operations that the fixed order imposes
 };
 
 // One routine on one problem: first ours, then its peers and floors.
 //
-// A contestant has a state, a run that computes into it and is timed, and a result: the values in the state that are
-// compared with ours. What a peer's containers need is prepared in its state and not timed.
+// A contestant has a state, a run and a result. The run computes into the state and is timed. The result takes the
+// values out of the state that are compared with ours. A peer's containers are filled in its state, which is not timed.
 class TContest
 {
 public:
-    // a_iBatch: how many calls of the routine a run makes; times are those of one call.
+    // a_iBatch: the number of calls that a run makes. Times are those of one call.
     TContest(std::string a_szRoutine, int a_iSize, int a_iBatch = 1);
 
     template <class TState, class TRun, class TResult>
@@ -47,7 +47,7 @@ public:
         Register(EKind::OURS, a_szName, m_iBatch, pState, a_Run);
     }
 
-    // The tolerance holds for the greatest difference from our result, divided by its greatest magnitude.
+    // a_dTolerance: the greatest difference from our result, divided by the greatest magnitude in it.
     template <class TState, class TRun, class TResult>
     void Peer(const std::string& a_szName, double a_dTolerance, TState a_State, TRun a_Run, TResult a_Result)
     {
@@ -57,7 +57,7 @@ public:
         Register(EKind::PEER, a_szName, m_iBatch, pState, a_Run);
     }
 
-    // The three floors of a routine that reads so many doubles.
+    // The three floors of a routine that reads a_iDoubles.
     void Floors(std::size_t a_iDoubles, const TOperations& a_Operations, double a_dDependentAdditions);
 
     template <class TState, class TRun>
@@ -70,7 +70,7 @@ private:
     void Check(const std::string& a_szName, double a_dTolerance, const TValues& a_vdValues);
     std::string Label(EKind a_Kind, const std::string& a_szName) const;
 
-    // The one loop that is timed.
+    // All timed loops are this one.
     template <class TState, class TRun>
     void Register(EKind a_Kind, const std::string& a_szName, int a_iBatch, std::shared_ptr<TState> a_pState,
                   TRun a_Run) const
@@ -98,15 +98,15 @@ private:
     int m_iSize;
     int m_iBatch;
     TValues m_vdOurs;
-    double m_dDifference = 0.0; // of the peer that is being entered
+    double m_dDifference = 0.0; // of the peer that is being added
     double m_dTolerance = 0.0;
 };
 
-// What the report names: a library and its version, or that it was not found.
+// What the page names: the version of a library, and a library that was not found.
 void NameVersion(const std::string& a_szLibrary, const std::string& a_szVersion);
 void NameMissing(const std::string& a_szLibrary);
 
-// Enters the contests of a family: each program defines its own.
+// Adds the contests of a family. Each program defines its own.
 void RegisterFamily();
 
 } // namespace bench

@@ -1,4 +1,4 @@
-// conversions.cpp: parameters, coefficients and inverses, and the system of two equations, beside what computes them.
+// conversions.cpp: conversions, inverses and the system of two equations, beside other ways to compute them.
 // Copyright (c) 2026 the nuv1math authors
 // SPDX-License-Identifier: MIT
 
@@ -33,8 +33,8 @@ template <std::size_t I> using TInput = std::array<double, I>;
 
 namespace {
 
-// A contest of functions of one record. A contestant makes its own form of an input, which is not timed, computes its
-// own form of the output from it, and tells the values of that.
+// A contest of functions of one record. A contestant makes its own form of an input (not timed), computes its own form
+// of the output (timed), and tells the values of the output (not timed).
 template <std::size_t I> class TRecordContest
 {
 public:
@@ -101,7 +101,7 @@ private:
 
 } // namespace
 
-// So many inputs, each value within its own bounds.
+// CALLS random inputs, each value within its own bounds.
 template <std::size_t I>
 static std::vector<TInput<I> > MakeInputs(const std::array<std::array<double, 2>, I>& a_vdBounds)
 {
@@ -117,7 +117,7 @@ static std::vector<TInput<I> > MakeInputs(const std::array<std::array<double, 2>
     return vInputs;
 }
 
-// A form that is the input itself, or that is its values.
+// For a contestant whose form of the input or the output is the array of its values.
 constexpr auto Same = [](const auto& a_Value) { return a_Value; };
 
 static Eigen::Affine2d ToEigen(const TInput<6>& c)
@@ -156,7 +156,7 @@ static const std::vector<TInput<6> >& AffineInputs()
 }
 
 #ifdef NUV_BENCH_GDAL
-// GDAL's geotransform: the constants first.
+// GDAL's geotransform has the constants first.
 static TInput<6> ToGdal(const TInput<6>& c)
 {
     return {c[2], c[0], c[1], c[5], c[3], c[4]};
@@ -170,7 +170,7 @@ static TInput<6> FromGdal(const TInput<6>& g)
 static TInput<6> GdalInverse(const TInput<6>& a_vdTransform)
 {
     TInput<6> vdInverse = {};
-    double vdCopy[6]; // the function takes no const
+    double vdCopy[6]; // the function takes a pointer to non-const
     std::copy_n(a_vdTransform.begin(), 6, vdCopy);
     (void)!GDALInvGeoTransform(vdCopy, vdInverse.data());
     return vdInverse;
@@ -244,7 +244,7 @@ static void AddAffineUntransform()
 #endif
 }
 
-static void AddAffineParameters()
+static void AddAffineParamsToCoefs()
 {
     // sx, sy, phi, theta, tx, ty
     const auto vInputs =
@@ -272,7 +272,10 @@ static void AddAffineParameters()
             return Transform;
         },
         FromEigen);
+}
 
+static void AddAffineCoefsToParam()
+{
     TRecordContest<6> ToParam("AffineCoefsToParam", AffineInputs());
     ToParam.Ours(
         "AffineCoefsToParam", ToAffine,
@@ -290,7 +293,8 @@ static void AddAffineParameters()
             const Eigen::HouseholderQR<Eigen::Matrix2d> Qr(t.linear());
             const Eigen::Matrix2d Q = Qr.householderQ();
             const Eigen::Matrix2d& R = Qr.matrixQR();
-            const double dSign = R(0, 0) < 0.0 ? -1.0 : 1.0; // of the first axis; the second makes it a rotation
+            const double dSign =
+                R(0, 0) < 0.0 ? -1.0 : 1.0; // turns the first axis round; the determinant of Q turns the second
             const double dDet = Q(0, 0) * Q(1, 1) - Q(0, 1) * Q(1, 0);
             return TInput<6>{dSign * R(0, 0),
                              dSign * dDet * R(1, 1),
@@ -302,8 +306,8 @@ static void AddAffineParameters()
         Same);
 }
 
-using TComplexPair =
-    std::array<std::complex<double>, 2>; // factor and translation: X + iY = factor (x + iy) + tx + i ty
+// The factor and the translation of X + iY = factor (x + iy) + tx + i ty.
+using TComplexPair = std::array<std::complex<double>, 2>;
 
 static TInput<4> FromComplex(const TComplexPair& a_Pair)
 {
@@ -327,15 +331,20 @@ static TComplexPair ToComplex(const TInput<4>& p)
     return {std::polar(p[0], p[1]), std::complex<double>(p[2], p[3])};
 }
 
-static void AddConformal()
+// Scales, angles and translations.
+static const std::vector<TInput<4> >& ConformalInputs()
 {
-    // s, theta, tx, ty
-    const auto vInputs = MakeInputs<4>({{{0.5, 2.0}, {0.1, 6.2}, {-100.0, 100.0}, {-100.0, 100.0}}});
-    TRecordContest<4> ToCoefs("ConformalParamsToCoefs", vInputs);
+    static const auto vInputs = MakeInputs<4>({{{0.5, 2.0}, {0.1, 6.2}, {-100.0, 100.0}, {-100.0, 100.0}}});
+    return vInputs;
+}
+
+static void AddConformalParameters()
+{
+    TRecordContest<4> ToCoefs("ConformalParamsToCoefs", ConformalInputs());
     ToCoefs.Ours("ConformalParamsToCoefs", Same, ToConformal, FromConformal);
     ToCoefs.Peer("std::polar", Same, ToComplex, FromComplex);
 
-    TRecordContest<4> ToParam("ConformalCoefsToParam", vInputs);
+    TRecordContest<4> ToParam("ConformalCoefsToParam", ConformalInputs());
     ToParam.Ours(
         "ConformalCoefsToParam", ToConformal,
         [](const nuv::TConformalCoefs& c)
@@ -351,8 +360,11 @@ static void AddConformal()
             return TInput<4>{std::abs(c[0]), PositiveAngle(std::arg(c[0])), c[1].real(), c[1].imag()};
         },
         Same);
+}
 
-    TRecordContest<4> Inverse("ConformalCoefsToInvCoefs", vInputs);
+static void AddConformalInverse()
+{
+    TRecordContest<4> Inverse("ConformalCoefsToInvCoefs", ConformalInputs());
     Inverse.Ours(
         "ConformalCoefsToInvCoefs", ToConformal,
         [](const nuv::TConformalCoefs& c)
@@ -436,10 +448,12 @@ void RegisterFamily()
 #ifdef NUV_BENCH_GDAL
     NameVersion("GDAL", GDALVersionInfo("RELEASE_NAME"));
 #endif
-    AddAffineParameters();
+    AddAffineParamsToCoefs();
+    AddAffineCoefsToParam();
     AddAffineInverse();
     AddAffineUntransform();
-    AddConformal();
+    AddConformalParameters();
+    AddConformalInverse();
     AddTwoUnknowns();
 }
 

@@ -1,4 +1,4 @@
-// finders.h: what finds all roots of a polynomial, under one interface.
+// finders.h: functions that find all roots of a polynomial, under one interface.
 // Copyright (c) 2026 the nuv1math authors
 // SPDX-License-Identifier: MIT
 
@@ -28,11 +28,11 @@
 
 namespace bench {
 
-constexpr double REAL = 1e-6; // imaginary parts below it count as real
+constexpr double REAL = 1e-6; // a root with a smaller imaginary part counts as real
 
 using TComplex = std::complex<double>;
 
-// The real ones among all roots, ascending.
+// The real roots among all roots, ascending.
 inline TValues RealRoots(const std::vector<TComplex>& a_vRoots)
 {
     TValues vdReal;
@@ -47,7 +47,7 @@ inline TValues RealRoots(const std::vector<TComplex>& a_vRoots)
     return vdReal;
 }
 
-// Finders of all roots of a polynomial, the coefficient of the highest power last. Each keeps what it works with.
+// A finder takes the coefficients, that of the highest power last, and returns all roots. It keeps its work space.
 struct TEigenFinder
 {
     Eigen::PolynomialSolver<double, Eigen::Dynamic> Solver;
@@ -78,7 +78,7 @@ struct TGslFinder
 #endif
 
 #ifdef NUV_BENCH_VIGRA
-constexpr int VIGRA_HIGHEST_DEGREE = 32; // of degree 64 it gives complex roots as real ones
+constexpr int VIGRA_HIGHEST_DEGREE = 32; // at degree 64 it returns complex roots as real ones
 
 struct TVigraFinder
 {
@@ -95,7 +95,7 @@ struct TVigraFinder
 };
 #endif
 
-// The eigenvalues of the companion matrix, which needs no reduction to Hessenberg form.
+// The eigenvalues of the companion matrix, which has Hessenberg form already.
 struct TDhseqrFinder
 {
     const TLapack* pLapack;
@@ -126,7 +126,7 @@ struct TDhseqrFinder
     }
 };
 
-// Calls a_Visit(name, finder) for every finder of roots of a degree.
+// Calls a_Visit(name, finder) for every finder that can find roots of this degree.
 template <class TVisit> void ForEachFinder(int a_iDegree, TVisit a_Visit)
 {
     a_Visit("Eigen PolynomialSolver", TEigenFinder());

@@ -1,4 +1,4 @@
-// fit_peers.h: what the three fits share: their data, and the libraries that fit transformations themselves.
+// fit_peers.h: the libraries that fit transformations themselves, for all three fits.
 // Copyright (c) 2026 the nuv1math authors
 // SPDX-License-Identifier: MIT
 
@@ -22,18 +22,18 @@
 
 namespace bench {
 
-// OpenCV refines in single precision here and there; the coordinates themselves are exact in it (see MakePoints).
+// OpenCV takes points in single precision (they are exact in it, see MakePoints) and computes partly in it.
 constexpr double TOLERANCE_SINGLE = 1e-8;
 constexpr double TOLERANCE_DOUBLE = 1e-11;
 
-// Operations of one fit of n points.
+// The operations of n points.
 inline TOperations PerPoint(int n, double a_dAdditions, double a_dMultiplications, double a_dDivisions = 0.0)
 {
     return double(n) * TOperations{a_dAdditions, a_dMultiplications, a_dDivisions, 0.0};
 }
 
 #ifdef NUV_BENCH_OPENCV
-// An OpenCV function of two lists of points that returns the matrix of the transformation.
+// Adds an OpenCV function that takes two lists of points and returns the matrix of the transformation.
 template <class TFit>
 void AddOpenCv(TContest& a_Contest, const std::string& a_szName, const TPoints& a_Points, TFit a_Fit)
 {
@@ -52,7 +52,7 @@ void AddOpenCv(TContest& a_Contest, const std::string& a_szName, const TPoints& 
 #endif
 
 #ifdef NUV_BENCH_DLIB
-// A dlib function of two lists of points that returns a transformation.
+// Adds a dlib function that takes two lists of points and returns a transformation.
 template <class TFit>
 void AddDlib(TContest& a_Contest, const std::string& a_szName, double a_dTolerance, const TPoints& a_Points, TFit a_Fit)
 {

@@ -1,4 +1,4 @@
-// floors.cpp: what no implementation can undercut on the machine that measures: reading, arithmetic, a dependent chain.
+// floors.cpp: lower bounds of the time of a routine on this machine: reading, arithmetic, a chain of additions.
 // Copyright (c) 2026 the nuv1math authors
 // SPDX-License-Identifier: MIT
 
@@ -29,7 +29,7 @@ TOperations operator+(const TOperations& a_First, const TOperations& a_Second)
 void Read(const std::vector<double>& a_vdValues)
 {
     constexpr std::size_t VECTORS = 4;
-    __m128d vAll[VECTORS] = {}; // combined bit by bit, which no unit of the arithmetic has to do
+    __m128d vAll[VECTORS] = {}; // combined by bitwise or, which needs no floating-point unit
     const double* const pBegin = a_vdValues.data();
     std::size_t i = 0;
     for (; i + VECTORS * LANES <= a_vdValues.size(); i += VECTORS * LANES)
@@ -56,13 +56,13 @@ constexpr auto Multiply = [](__m128d a_vValue, __m128d a_vOperand) { return _mm_
 constexpr auto Divide = [](__m128d a_vValue, __m128d a_vOperand) { return _mm_div_pd(a_vValue, a_vOperand); };
 constexpr auto Root = [](__m128d a_vValue, __m128d) { return _mm_sqrt_pd(a_vValue); };
 
-constexpr int CHAINS = 6; // of each kind: two kinds and their operand fit 16 registers
+constexpr int CHAINS = 6; // of each kind: the chains of two kinds and the operand fit into 16 registers
 
-// Does a_dCount operations of each of the given kinds.
+// Performs a_dCount operations of each of the given kinds.
 template <class... TKinds> void Repeat(double a_dCount, TKinds... a_Kinds)
 {
     __m128d vOperand = _mm_set1_pd(1.0);
-    benchmark::DoNotOptimize(vOperand); // or the compiler would know the results
+    benchmark::DoNotOptimize(vOperand); // otherwise the compiler knows the results
     __m128d vChains[sizeof...(TKinds)][CHAINS];
     std::fill_n(&vChains[0][0], sizeof...(TKinds) * CHAINS, vOperand);
     const long iSteps = static_cast<long>(a_dCount / (CHAINS * LANES));

@@ -1,4 +1,4 @@
-// floors.h: what no implementation can undercut on the machine that measures: reading, arithmetic, a dependent chain.
+// floors.h: lower bounds of the time of a routine on this machine: reading, arithmetic, a chain of additions.
 // Copyright (c) 2026 the nuv1math authors
 // SPDX-License-Identifier: MIT
 
@@ -24,10 +24,11 @@ TOperations operator+(const TOperations& a_First, const TOperations& a_Second);
 // Reads all values, 16 bytes at a time.
 void Read(const std::vector<double>& a_vdValues);
 
-// Does so many operations, two at a time (SSE2, no FMA), in chains enough to keep every unit busy.
+// Performs the operations two at a time (SSE2, no fused multiply-add), in enough independent chains to keep every
+// arithmetic unit busy.
 void Compute(const TOperations& a_Operations);
 
-// Adds so many times to one sum, each addition waiting for the one before.
+// Adds to one sum. Each addition waits for the one before.
 void AddInChain(double a_dAdditions);
 
 } // namespace bench

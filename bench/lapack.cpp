@@ -1,4 +1,4 @@
-// lapack.cpp: the reference LAPACK and OpenBLAS, which share their names, loaded side by side.
+// lapack.cpp: the reference LAPACK and OpenBLAS in one process, although their functions have the same names.
 // Copyright (c) 2026 the nuv1math authors
 // SPDX-License-Identifier: MIT
 
@@ -16,8 +16,8 @@
 
 namespace bench {
 
-// Every implementation gets a link-map namespace of its own: whatever else the program has loaded under the same
-// names, its BLAS included, does not take the place of the file asked for.
+// Every implementation is loaded into a link-map namespace of its own. So its LAPACK calls its own BLAS, and not a
+// library of the same names that the program has loaded already.
 TLapack::TLapack(std::string a_szName, const char* a_szBlas, const char* a_szLapack) : m_szName(std::move(a_szName))
 {
     m_pBlas = dlmopen(LM_ID_NEWLM, a_szBlas, RTLD_NOW | RTLD_LOCAL);
@@ -45,7 +45,7 @@ TLapack::TLapack(std::string a_szName, const char* a_szBlas, const char* a_szLap
         *pFunction = Find(szSymbol);
     }
 
-    // The BLAS that this LAPACK calls is the one meant.
+    // This LAPACK must call the BLAS that was asked for.
     Dl_info Info;
     if (dladdr(Find("dgemm_"), &Info) == 0 || std::strcmp(Info.dli_fname, a_szBlas) != 0)
     {
@@ -58,7 +58,7 @@ TLapack::TLapack(std::string a_szName, const char* a_szBlas, const char* a_szLap
     if (void* const pConfig = dlsym(m_pLapack, "openblas_get_config"))
     {
         szVersion = reinterpret_cast<const char* (*)()>(pConfig)();
-        szVersion.erase(0, szVersion.find(' ') + 1); // the name again
+        szVersion.erase(0, szVersion.find(' ') + 1); // OpenBLAS repeats its name
     }
     NameVersion(m_szName, szVersion);
 }
@@ -76,16 +76,17 @@ void* TLapack::Find(const char* a_szSymbol) const
 
 namespace {
 
-// How Fortran is called: everything by address, the lengths of the texts after all others.
+// Calls a Fortran function: all arguments are addresses, and the lengths of texts follow after the other arguments.
 template <class... TArguments> void Call(void* a_pFunction, TArguments... a_Arguments)
 {
     reinterpret_cast<void (*)(TArguments...)>(a_pFunction)(a_Arguments...);
 }
 
-constexpr std::size_t LENGTH = 1; // of every text
+constexpr std::size_t LENGTH = 1; // of every text argument
 constexpr int ONE = 1;
 
-// The same for routines with a work array, whose size they tell when asked with -1.
+// Calls a routine that needs a work array. The first call passes the size -1, and the routine returns the size that it
+// needs.
 template <class TCall> int CallWithWork(std::vector<double>& a_vdWork, TCall a_Call)
 {
     int iInfo = 0;
@@ -168,7 +169,7 @@ int TLapack::Tfttp(char a_cTransr, char a_cUplo, int n, const double* a_vdRectan
 
 int TLapack::Hseqr(int n, double* a_vdH, double* a_vdReal, double* a_vdImaginary, std::vector<double>& a_vdWork) const
 {
-    double dUnused = 0.0; // the Schur vectors, which are not asked for
+    double dUnused = 0.0; // the Schur vectors are not computed
     return CallWithWork(a_vdWork,
                         [&](double* a_vd, const int* a_piSize, int* a_piInfo)
                         {

@@ -1,4 +1,4 @@
-// lapack.h: the reference LAPACK and OpenBLAS, which share their names, loaded side by side.
+// lapack.h: the reference LAPACK and OpenBLAS in one process, although their functions have the same names.
 // Copyright (c) 2026 the nuv1math authors
 // SPDX-License-Identifier: MIT
 
@@ -10,11 +10,11 @@
 
 namespace bench {
 
-// One implementation. Arguments as in LAPACK, matrices column by column; the result is the routine's info.
+// One implementation. The arguments are those of LAPACK, matrices are stored by columns, and the result is its info.
 class TLapack
 {
 public:
-    // Loads the files, the first for the BLAS, the second for LAPACK; a name of its own keeps their symbols apart.
+    // Loads the file of the BLAS and the file of LAPACK. a_szName is for the page.
     TLapack(std::string a_szName, const char* a_szBlas, const char* a_szLapack);
 
     bool IsLoaded() const
@@ -51,7 +51,7 @@ private:
          *m_pSpr = nullptr, *m_pAxpy = nullptr;
 };
 
-// Those that are installed; the others are named as missing.
+// The installed implementations. The page names the others as missing.
 const std::vector<TLapack>& Lapacks();
 
 } // namespace bench

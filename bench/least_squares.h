@@ -1,4 +1,4 @@
-// least_squares.h: the general least-squares solvers that a user would fit with, under one interface.
+// least_squares.h: general least-squares solvers under one interface.
 // Copyright (c) 2026 the nuv1math authors
 // SPDX-License-Identifier: MIT
 
@@ -24,8 +24,8 @@
 
 namespace bench {
 
-// A solver finds the P x K matrix X of least |A X - B|, K columns at once. Solve takes a function that writes the
-// elements of A (rows x P) and B (rows x K) wherever they stand; X comes column by column.
+// A solver finds the P x K matrix X that minimises |A X - B|. Solve takes a function that writes the elements of A (P
+// columns) and of B (K columns), and returns X column by column.
 template <int P, int K> using TSolution = std::array<double, P * K>;
 
 template <int P, int K> class TEigenSolver
@@ -72,7 +72,7 @@ template <int P, int K> struct TEigenNormalEquations : TEigenSolver<P, K>
     }
 };
 
-// Elements of an array by row and column.
+// Access to the elements of an array by row and column.
 struct TElements
 {
     double* pFirst;
@@ -149,7 +149,7 @@ private:
 };
 #endif
 
-// Calls a_Visit(name, solver) for every solver, a shared pointer.
+// Calls a_Visit(name, shared pointer to the solver) for every solver.
 template <int P, int K, class TVisit> void ForEachSolver(int a_iRows, TVisit a_Visit)
 {
     a_Visit("Eigen ColPivHouseholderQR", std::make_shared<TEigenQr<P, K> >(a_iRows));

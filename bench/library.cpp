@@ -139,7 +139,7 @@ static void AddFits()
     {
         AddFit<nuv::TConformalCoefs>("CalcConformalCoefs", n, SIMILARITY,
                                      [](const TPoints& p, nuv::TConformalCoefs& a_Out) {
-                                         nuv::CalcConformalCoefs(p.Size(), p.vdX.data(), p.vdY.data(), p.vdXa.data(),
+                                         nuv::CalcConformalCoefs(p.Count(), p.vdX.data(), p.vdY.data(), p.vdXa.data(),
                                                                  p.vdYa.data(), false, a_Out);
                                      });
     }
@@ -148,14 +148,14 @@ static void AddFits()
         AddFit<nuv::TAffineCoefs>(
             "CalcAffineCoefs", n, AFFINE,
             [](const TPoints& p, nuv::TAffineCoefs& a_Out)
-            { nuv::CalcAffineCoefs(p.Size(), p.vdX.data(), p.vdY.data(), p.vdXa.data(), p.vdYa.data(), a_Out); });
+            { nuv::CalcAffineCoefs(p.Count(), p.vdX.data(), p.vdY.data(), p.vdXa.data(), p.vdYa.data(), a_Out); });
     }
     for (const int n : {4, 10, 100, 10000})
     {
         AddFit<nuv::TOmographicParams>(
             "CalcOmographicCoefs", n, PROJECTIVE,
             [](const TPoints& p, nuv::TOmographicParams& a_Out)
-            { nuv::CalcOmographicCoefs(p.Size(), p.vdX.data(), p.vdY.data(), p.vdXa.data(), p.vdYa.data(), a_Out); });
+            { nuv::CalcOmographicCoefs(p.Count(), p.vdX.data(), p.vdY.data(), p.vdXa.data(), p.vdYa.data(), a_Out); });
     }
 }
 
@@ -167,7 +167,7 @@ static void AddChoice(const std::string& a_szKind, bool a_bSameOrientation, nuv:
                                        [=](const TPoints& p, nuv::TOmographicParams& a_Out)
                                        {
                                            nuv::enumMethodUsed Used;
-                                           nuv::CalcCoefs(p.Size(), p.vdX.data(), p.vdY.data(), p.vdXa.data(),
+                                           nuv::CalcCoefs(p.Count(), p.vdX.data(), p.vdY.data(), p.vdXa.data(),
                                                           p.vdYa.data(), a_bSameOrientation, a_Requested, Used, a_Out);
                                        });
     }

@@ -17,7 +17,8 @@ static TValues MapCorners(const TCoefs& c)
     return MapCorners({c[0], c[1], c[2], c[3], c[4], c[5], c[6], c[7], 1.0});
 }
 
-// The rows of one point: coefficients p, q, r of A, B, C (D, E, F), those of G and H proportional to them, value.
+// Writes the two rows of one point. p, q, r are the coefficients of A, B, C in the row of X and of D, E, F in the row of
+// Y. The other arguments are the coefficients of G and H and the values, for both rows.
 template <class A, class B>
 static void FillPoint(int i, double p, double q, double r, const std::array<double, 2>& a_vdG,
                       const std::array<double, 2>& a_vdH, const std::array<double, 2>& a_vdValue, A& a_A, B& a_B)
@@ -35,20 +36,20 @@ static void FillPoint(int i, double p, double q, double r, const std::array<doub
     }
 }
 
-// The linear equations, multiplied out by the denominator.
+// The equations multiplied by the denominator, which makes them linear.
 template <class A, class B> static void FillLinear(const TPoints& a_Points, A& a_A, B& a_B)
 {
-    for (int i = 0; i < a_Points.Size(); ++i)
+    for (int i = 0; i < a_Points.Count(); ++i)
     {
         const double x = a_Points.vdX[i], y = a_Points.vdY[i], X = a_Points.vdXa[i], Y = a_Points.vdYa[i];
         FillPoint(i, x, y, 1.0, {-X * x, -Y * x}, {-X * y, -Y * y}, {X, Y}, a_A, a_B);
     }
 }
 
-// The derivatives and the residuals at the coefficients.
+// The derivatives and the residuals at given coefficients.
 template <class A, class B> static void FillRefinement(const TPoints& a_Points, const TCoefs& c, A& a_A, B& a_B)
 {
-    for (int i = 0; i < a_Points.Size(); ++i)
+    for (int i = 0; i < a_Points.Count(); ++i)
     {
         const double x = a_Points.vdX[i], y = a_Points.vdY[i];
         const double w = 1.0 / (c[6] * x + c[7] * y + 1.0);
@@ -58,7 +59,7 @@ template <class A, class B> static void FillRefinement(const TPoints& a_Points, 
     }
 }
 
-// Linear solution, then at most four iterations, as the library does them; a_iIterations counts them.
+// The linear solution and at most four iterations, as in the library. a_iIterations counts them.
 template <class TSolver> static TCoefs Fit(const TPoints& a_Points, TSolver& a_Solver, int& a_iIterations)
 {
     TCoefs vdCoefs = a_Solver.Solve([&](auto&& A, auto&& B) { FillLinear(a_Points, A, B); });
@@ -77,9 +78,9 @@ template <class TSolver> static TCoefs Fit(const TPoints& a_Points, TSolver& a_S
     return vdCoefs;
 }
 
-// The library's own normal equations: its fit takes as many iterations.
 namespace {
 
+// The library's own normal equations: they need as many iterations as its fit.
 struct TOwnNormalEquations
 {
     std::vector<double> vdA, vdB;
@@ -104,14 +105,14 @@ struct TOwnNormalEquations
 
 } // namespace
 
-// Reading, arithmetic and order of one linear solution and so many iterations.
+// The floors of one linear solution and a_iIterations iterations.
 static void AddFloors(int n, int a_iIterations, TContest& a_Contest)
 {
-    // Of eight coefficients in a row five are not zero: 15 products of two of them, five with the value.
+    // Five of the eight coefficients of a row are not zero: 15 products of two of them, and five with the value.
     const TOperations Rows = PerPoint(n, 2 * 20, 2 * 20);
     const TOperations Linear = PerPoint(n, 0, 4), Refinement = PerPoint(n, 8, 17, 2);
     a_Contest.Floors(4U * n, Rows + Linear + double(a_iIterations) * (Rows + Refinement),
-                     2.0 * n * (1 + a_iIterations)); // X row and Y row add to the sums of G and H
+                     2.0 * n * (1 + a_iIterations)); // both rows add to the sums of G and H
 }
 
 static void AddSize(int n)
@@ -123,7 +124,7 @@ static void AddSize(int n)
         [pPoints](nuv::TOmographicParams& a_Params)
         {
             const TPoints& p = *pPoints;
-            nuv::CalcOmographicCoefs(p.Size(), p.vdX.data(), p.vdY.data(), p.vdXa.data(), p.vdYa.data(), a_Params);
+            nuv::CalcOmographicCoefs(p.Count(), p.vdX.data(), p.vdY.data(), p.vdXa.data(), p.vdYa.data(), a_Params);
         },
         [](const nuv::TOmographicParams& p) {
             return MapCorners({p.dA, p.dB, p.dC, p.dD, p.dE, p.dF, p.dG, p.dH, 1.0});
@@ -150,7 +151,7 @@ static void AddSize(int n)
               [](const auto& a_Source, const auto& a_Target) { return cv::findHomography(a_Source, a_Target, 0); });
 #endif
 #ifdef NUV_BENCH_DLIB
-    // Ends its search for the minimum some way before it.
+    // Its search ends before the minimum is reached to full precision.
     AddDlib(Contest, "find_projective_transform", 1e-6, *pPoints,
             [](const auto& a_Source, const auto& a_Target)
             { return dlib::find_projective_transform(a_Source, a_Target); });

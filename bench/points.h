@@ -7,6 +7,8 @@
 
 #include "contest.h"
 
+#include "support/control_points.h"
+
 #include <array>
 #include <cmath>
 #include <memory>
@@ -15,9 +17,11 @@
 
 namespace bench {
 
+using TPoints = nuv_tests::TControlPoints;
+
 constexpr double EXTENT = 1000.0; // of the source points in x and y
 
-// X = (h0 x + h1 y + h2)/(h6 x + h7 y + h8), Y = (h3 x + h4 y + h5)/(the same).
+// The map X = (h0 x + h1 y + h2)/(h6 x + h7 y + h8), Y = (h3 x + h4 y + h5)/(h6 x + h7 y + h8).
 using THomography = std::array<double, 9>;
 
 inline std::array<double, 2> Map(const THomography& h, double x, double y)
@@ -26,7 +30,7 @@ inline std::array<double, 2> Map(const THomography& h, double x, double y)
     return {(h[0] * x + h[1] * y + h[2]) / dW, (h[3] * x + h[4] * y + h[5]) / dW};
 }
 
-// Two fits are compared by where they take the corners of the source area.
+// Two fits are compared by the images of the corners of the source area.
 template <class TMap> TValues MapCorners(TMap a_Map)
 {
     TValues vdMapped;
@@ -43,19 +47,8 @@ inline TValues MapCorners(const THomography& h)
     return MapCorners([&h](double x, double y) { return Map(h, x, y); });
 }
 
-// Control points as the library takes them.
-struct TPoints
-{
-    std::vector<double> vdX, vdY, vdXa, vdYa;
-
-    int Size() const
-    {
-        return static_cast<int>(vdX.size());
-    }
-};
-
-// Points spread over the source area, mapped, with noise of a quarter unit. All coordinates are multiples of 1/64, so
-// that peers which compute in single precision get the same ones.
+// Points spread over the source area and their images, with noise of a quarter unit. All coordinates are multiples of
+// 1/64, which single precision holds too: peers that use it get the same points.
 inline std::shared_ptr<const TPoints> MakePoints(int n, const THomography& h)
 {
     std::mt19937 Generator(static_cast<unsigned int>(n));
@@ -65,19 +58,17 @@ inline std::shared_ptr<const TPoints> MakePoints(int n, const THomography& h)
     const auto pPoints = std::make_shared<TPoints>();
     for (int i = 0; i < n; ++i)
     {
-        const bool bCorner = i < 4; // the first four in the corners: no three of few points on a line
+        const bool bCorner = i < 4; // the first four near the corners, so that no three of them are on a line
         const double x = Round(bCorner ? (i % 2 + 0.03 * i) * 0.9 * EXTENT : Inside(Generator));
         const double y = Round(bCorner ? (i / 2 + 0.02 * i) * 0.9 * EXTENT : Inside(Generator));
         const auto [X, Y] = Map(h, x, y);
-        pPoints->vdX.push_back(x);
-        pPoints->vdY.push_back(y);
-        pPoints->vdXa.push_back(Round(X + Noise(Generator)));
-        pPoints->vdYa.push_back(Round(Y + Noise(Generator)));
+        const double dXa = Round(X + Noise(Generator));
+        pPoints->Add(x, y, dXa, Round(Y + Noise(Generator)));
     }
     return pPoints;
 }
 
-// The same points as two lists of another library's points, and what its fit gives.
+// The same points as two lists of another library's points, and the result of its fit.
 template <class TPoint, class TFit> struct TPointLists
 {
     std::vector<TPoint> vSource, vTarget;
@@ -85,7 +76,7 @@ template <class TPoint, class TFit> struct TPointLists
 
     template <class TMake> TPointLists(const TPoints& a_Points, TMake a_Make)
     {
-        for (int i = 0; i < a_Points.Size(); ++i)
+        for (int i = 0; i < a_Points.Count(); ++i)
         {
             vSource.push_back(a_Make(a_Points.vdX[i], a_Points.vdY[i]));
             vTarget.push_back(a_Make(a_Points.vdXa[i], a_Points.vdYa[i]));

@@ -1,4 +1,4 @@
-// random.cpp: Rand and Randn beside other generators, and the chain of the three that Rand is made of.
+// random.cpp: Rand and Randn beside other generators.
 // Copyright (c) 2026 the nuv1math authors
 // SPDX-License-Identifier: MIT
 
@@ -24,13 +24,13 @@
 namespace bench {
 
 constexpr int DRAWS = 4096; // of one run
-// Of the mean, the mean square and the fraction in the middle, relative to 1: some six times their standard deviation.
+// Tolerances of the mean, the mean square and the fraction in the middle: about six times their standard deviation.
 constexpr double TOLERANCE_UNIFORM = 0.05;
 constexpr double TOLERANCE_NORMAL = 0.15;
 
 namespace {
 
-// A generator and the values of its last run. Sequences differ, so what is compared is their distribution.
+// A generator and the values of its last run. Sequences differ between generators, so distributions are compared.
 template <class TGenerator> struct TDraws
 {
     TGenerator Generator;
@@ -39,7 +39,7 @@ template <class TGenerator> struct TDraws
 
 } // namespace
 
-// Greatest difference that is looked for: of mean and mean square, and how many lie between the bounds.
+// The mean, the mean square, and the fraction of values between the bounds.
 static auto TellDistribution(double a_dLow, double a_dHigh)
 {
     return [=](const auto& a_Draws)
@@ -55,7 +55,7 @@ static auto TellDistribution(double a_dLow, double a_dHigh)
     };
 }
 
-// The generator is a function that draws one value.
+// A run. The generator is a function that draws one value.
 template <class TGenerator> static auto DrawAll()
 {
     return [](TDraws<TGenerator>& a_Draws)
@@ -94,7 +94,7 @@ template <class TDraw> static auto Gsl(const gsl_rng_type* a_pType, TDraw a_Draw
 }
 #endif
 
-// The three generators of Rand alone, each value waiting for the one before: multiplication, addition, remainder.
+// A step of the three congruential generators of Rand, without the rest of Rand. Each step waits for the one before.
 static void StepGenerators(std::array<unsigned int, 3>& a_vix)
 {
     unsigned int ix1 = a_vix[0], ix2 = a_vix[1], ix3 = a_vix[2];
@@ -103,7 +103,7 @@ static void StepGenerators(std::array<unsigned int, 3>& a_vix)
         ix1 = (7141U * ix1 + 54773U) % 259200U;
         ix2 = (8121U * ix2 + 28411U) % 134456U;
         ix3 = (4561U * ix3 + 51349U) % 243000U;
-        asm volatile("" : "+r"(ix1), "+r"(ix2), "+r"(ix3)); // every step is made, in registers
+        asm volatile("" : "+r"(ix1), "+r"(ix2), "+r"(ix3)); // forces every step, in registers
     }
     a_vix = {ix1, ix2, ix3};
 }

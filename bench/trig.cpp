@@ -1,4 +1,4 @@
-// trig.cpp: the angles of trigonometric equations beside what a user would solve them with.
+// trig.cpp: SolveLinTrig and SolveQuadTrig beside the C library and finders of polynomial roots.
 // Copyright (c) 2026 the nuv1math authors
 // SPDX-License-Identifier: MIT
 
@@ -9,7 +9,7 @@
 namespace bench {
 
 constexpr int EQUATIONS = 64; // of one run
-constexpr int ANGLES = 4;     // the most of one equation
+constexpr int ANGLES = 4;     // at most of one equation
 constexpr double TOLERANCE = 1e-8;
 constexpr double ANGLE_2PI = 6.283185307179586;
 
@@ -32,7 +32,7 @@ template <int K> using TEquations = std::vector<std::array<double, K> >;
 
 } // namespace
 
-// Random coefficients. Equations with nearly tangent solutions do not come up among them.
+// Random coefficients. None of these equations has a nearly tangent solution.
 template <int K> static TEquations<K> MakeEquations()
 {
     std::mt19937 Generator(K);
@@ -45,7 +45,7 @@ template <int K> static TEquations<K> MakeEquations()
     return vEquations;
 }
 
-// All angles, ascending within each equation; how many there are of each tells a wrong one apart.
+// The number of angles of each equation and the angles in ascending order.
 static TValues Tell(const TAllAngles& a_vAll)
 {
     TValues vdAll;
@@ -68,7 +68,7 @@ static void SolveEach(const TEquations& a_vEquations, TSolve a_Solve, TAllAngles
     }
 }
 
-// A run over all equations by a function of one equation and its angles.
+// A run that solves all equations. a_Solve takes one equation and writes its angles.
 template <int K, class TSolve> static auto SolveAll(const TEquations<K>& a_vEquations, TSolve a_Solve)
 {
     return [=](TAllAngles& a_vAll) { SolveEach(a_vEquations, a_Solve, a_vAll); };
