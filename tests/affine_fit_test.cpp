@@ -5,6 +5,10 @@
 #include "support/expect.h"
 #include "support/fits.h"
 
+#include <algorithm>
+#include <cmath>
+#include <random>
+
 namespace {
 
 using namespace nuv_tests;
@@ -215,6 +219,55 @@ void ExpectOnOneLine(const TControlPoints& a_Points)
     {
         EXPECT_EQ((a_Points.vdX[i] - a_Points.vdX[0]) * (a_Points.vdY[iLast] - a_Points.vdY[0]),
                   (a_Points.vdY[i] - a_Points.vdY[0]) * (a_Points.vdX[iLast] - a_Points.vdX[0]));
+    }
+}
+
+struct TNearLine
+{
+    TControlPoints Points;
+    double dRatio2; // square of the spread across the line, by that along it
+};
+
+// Ten points along the direction (4, 3), 2^-k times as far across it, and their image. All coordinates are exact.
+TNearLine PointsNearALine(std::mt19937& a_Engine, int k)
+{
+    const auto Number = [&a_Engine] { return static_cast<double>(static_cast<int>(a_Engine() % 256) - 128) / 128.0; };
+    constexpr int Count = 10;
+    TNearLine Near;
+    double dAlongs = 0.0, dAcrosses = 0.0, dAlongs2 = 0.0, dAcrosses2 = 0.0;
+    for (int i = 0; i < Count; ++i)
+    {
+        const double dAlong = Number(), dAcross = std::ldexp(Number(), -k);
+        const double dX = 4.0 * dAlong - 3.0 * dAcross, dY = 3.0 * dAlong + 4.0 * dAcross;
+        Near.Points.Add(dX, dY, 2.0 * dX - dY, dX + 1.5 * dY);
+        dAlongs += dAlong;
+        dAcrosses += dAcross;
+        dAlongs2 += dAlong * dAlong;
+        dAcrosses2 += dAcross * dAcross;
+    }
+    Near.dRatio2 = (dAcrosses2 - dAcrosses * dAcrosses / Count) / (dAlongs2 - dAlongs * dAlongs / Count);
+    return Near;
+}
+
+// The header states the errors relative to the largest coefficient: at most 3e-15/r^2, typically 3e-17/r^2 or more.
+TEST(CalcAffineCoefs, PointsNearALineLoseDigitsByTheSquareOfTheirSpread)
+{
+    std::mt19937 Engine(1);
+    for (int k = 4; k <= 20; k += 4)
+    {
+        double dGreatest = 0.0;
+        for (int iSet = 0; iSet < 200; ++iSet)
+        {
+            const TNearLine Near = PointsNearALine(Engine, k);
+            TAffineCoefs Coefs;
+            ASSERT_EQ(1, Fit(Near.Points, Coefs));
+            for (double dError : {Coefs.dA - 2.0, Coefs.dB + 1.0, Coefs.dD - 1.0, Coefs.dE - 1.5})
+            {
+                dGreatest = std::max(dGreatest, std::fabs(dError) / 2.0 * Near.dRatio2);
+            }
+        }
+        EXPECT_GT(3e-15, dGreatest) << k;
+        EXPECT_LT(3e-17, dGreatest) << k;
     }
 }
 

@@ -289,6 +289,23 @@ TEST(CalcConformalCoefs, SquaresThatOverflowSucceedWithNaN)
     EXPECT_TRUE(std::isnan(Coefs.dA));
 }
 
+// The square of the scale is subnormal, then 0, and at last infinite.
+TEST(CalcConformalCoefs, TheInverseOfATinyOrHugeScaleIsLost)
+{
+    const auto InverseOf = [](double a_dScale)
+    {
+        TConformalCoefs Coefs;
+        EXPECT_EQ(1, Fit(WithImage(SquareAround(0.0, 0.0), Forward(a_dScale, 0.0, 0.0, 0.0)), false, Coefs));
+        return Coefs;
+    };
+    EXPECT_EQ(0.0, InverseOf(7.5e-155).dInvB);
+    EXPECT_TRUE(std::isnan(InverseOf(7.4e-155).dInvB));
+    EXPECT_TRUE(std::isfinite(InverseOf(1.6e-162).dInvA));
+    EXPECT_EQ(Inf, InverseOf(1.5e-162).dInvA);
+    EXPECT_LT(0.0, InverseOf(1.3e154).dInvA);
+    EXPECT_EQ(0.0, InverseOf(1.4e154).dInvA);
+}
+
 // Neither the sign of a zero coordinate nor a subnormal survives the sums: the result has the same bits.
 TEST(CalcConformalCoefs, ZerosOfBothSignsAndSubnormalsAreTheSameCoordinates)
 {

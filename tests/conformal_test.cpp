@@ -101,6 +101,14 @@ TEST(ConformalParamsToCoefs, TakesSpecialScalesThroughTheArithmetic)
     ExpectCoefs({NaN, 0.0, 3.0, -4.0}, {NaN, NaN, 3.0, -4.0, NaN, NaN});
 }
 
+// The reciprocal of the scale overflows below 2^-1024.
+TEST(ConformalParamsToCoefs, AScaleWithoutReciprocalHasNoInverse)
+{
+    const double dLeast = 0x1.0000000000004p-1024; // the least scale whose reciprocal is finite
+    ExpectCoefs({0x1p-1024, 0.0, 0.0, 0.0}, {0x1p-1024, -0.0, 0.0, 0.0, Inf, NaN});
+    ExpectCoefs({dLeast, 0.0, 0.0, 0.0}, {dLeast, -0.0, 0.0, 0.0, 1.0 / dLeast, 0.0});
+}
+
 TEST(ConformalParamsToCoefs, AnAngleThatIsNoNumberLeavesOnlyTheTranslations)
 {
     for (double dAngle : {Inf, -Inf, NaN})
