@@ -10,7 +10,7 @@ set(NUV_EXPORTED_SUITES
   affine_test.cpp affine_fit_test.cpp conformal_test.cpp conformal_fit_test.cpp contraction_test.cpp
   dense_cholesky_test.cpp linear_system_test.cpp linear_trig_test.cpp normal_equations_test.cpp omographic_test.cpp
   packed_cholesky_test.cpp quadratic_trig_test.cpp random_test.cpp roots_test.cpp selection_test.cpp ulp_test.cpp
-  vectors_test.cpp cholesky_order_test.cpp plain_form_test.cpp)
+  vectors_test.cpp)
 
 # nuv_add_test(<name> <label> <command>...)
 function(nuv_add_test name label)

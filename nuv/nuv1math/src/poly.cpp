@@ -1,12 +1,12 @@
-// poly.cpp: real roots of a polynomial, as eigenvalues of its companion matrix; the two-unknown linear system.
+// poly.cpp: real roots of a polynomial, as eigenvalues of its companion matrix; linear systems of two unknowns.
 // Copyright (c) 2026 the nuv1math authors
 // SPDX-License-Identifier: MIT
 
 #include "poly.h"
 
+#include "fast/polyfast.h"
 #include "functionsimp.h"
 #include "nuv1math.h"
-#include "vectors.h"
 
 #include <float.h>
 #include <limits.h>
@@ -22,16 +22,17 @@ namespace nuv {
 // Eigenvalues of a real square matrix
 //
 // Model      det(A - lambda I) = 0, A real n x n. Rows and columns are counted from 1, as in the papers.
-// Method     1. Balancing by powers of 2 until no row and column gain 5 % by it.
+// Method     1. Balancing by powers of 2, until no row and column gain 5 % by it.
 //            2. Reduction to upper Hessenberg form by elementary similarity transformations with row pivoting.
-//            3. QR iteration with Francis' implicit double shift and exceptional shifts at iterations 10 and 20;
-//               eigenvalues split off at the bottom, one or a pair at a time.
-// Special    An eigenvalue that needs more than 30 iterations ends the iteration. An infinite column norm is not
-//            balanced: no halving would ever bring it into range. Beside that, NaN and infinity are not looked for.
-// Order      Convergence is exact equality of sums (a term does not change the sum), so it depends on the order of
-//            every operation. A value that several divide by is inverted once.
-// Deviation  from the papers: balancing skips a row or column whose norm is exactly 0; multipliers of step 2 stay
-//            below the subdiagonal, and step 3 clears only what its sweep reads.
+//            3. QR iteration with the implicit double shift of Francis. The shifts of iterations 10 and 20 are
+//               exceptional. Eigenvalues split off at the bottom, one or a pair at a time.
+// Special    An eigenvalue that needs more than 30 iterations ends the iteration. A column whose norm is infinite is not
+//            balanced, because no halving brings the norm into range. NaN and infinity are not looked for elsewhere.
+// Order      Convergence means that a term does not change a sum. So it depends on the order of every operation. A value
+//            that several others are divided by is inverted once.
+// Deviation  from the papers: balancing skips a row or column whose norm is exactly 0. The multipliers of step 2 stay
+//            below the subdiagonal, and step 3 clears only the elements that its sweep reads.
+// Faster     fast/polyfast.h.
 // Source     B. N. Parlett, C. Reinsch, Balancing a matrix for calculation of eigenvalues and eigenvectors, Numer.
 //            Math. 13 (1969) 293-304; R. S. Martin, J. H. Wilkinson, Similarity reduction of a general matrix to
 //            Hessenberg form, Numer. Math. 12 (1968) 349-368; J. G. F. Francis, The QR transformation, Comput. J. 4
@@ -39,19 +40,19 @@ namespace nuv {
 //            Hessenberg matrices, Numer. Math. 14 (1970) 219-231.
 // ---------------------------------------------------------------------------------------------------------------------
 
-static const double BALANCE_GAIN = 0.95; // a scaling must bring the norms below this part of what they were
-// The exceptional shift is that of a 2 x 2 block with these multiples of s and s^2, s being the sum of the magnitudes
-// of the two lowest subdiagonal elements.
-static const double EXCEPTIONAL_SHIFT = 0.75;      // both diagonal elements
-static const double EXCEPTIONAL_PRODUCT = -0.4375; // product of the off-diagonal ones
+static const double BALANCE_GAIN = 0.95; // a scaling must bring the sum of both norms below this part of what it was
+// The shifts of an exceptional iteration are the eigenvalues of a 2 x 2 block that is made of s, the sum of the
+// magnitudes of the two lowest subdiagonal elements.
+static const double EXCEPTIONAL_SHIFT = 0.75;      // times s: both diagonal elements
+static const double EXCEPTIONAL_PRODUCT = -0.4375; // times s^2: the product of the off-diagonal elements
 enum
 {
-    QR_ITERATIONS = 30,         // at most, for one eigenvalue
+    QR_ITERATIONS = 30,         // the most for one eigenvalue
     EXCEPTIONAL_ITERATION = 10, // the two iterations with exceptional shifts
     EXCEPTIONAL_ITERATION_2 = 20
 };
 
-// The table of column addresses; null where it cannot be had. Released by free.
+// The table of the column addresses. Null if there is no memory for it. The caller releases it by free.
 static double** AllocateColumns(int a_iN, double* a_vdMatrix, int a_iStride)
 {
     double** const vvdColumns = static_cast<double**>(AllocateArray(static_cast<size_t>(a_iN), 1, sizeof(double*)));
@@ -71,7 +72,7 @@ static double& At(double* const* a_vvdColumns, int i, int j)
     return a_vvdColumns[j - 1][i - 1];
 }
 
-// Sums of the magnitudes of column i and row i without their diagonal element.
+// The sums of the magnitudes of column i and of row i, without the diagonal element.
 static void CalcOffDiagonalNorms(double* const* A, int a_iN, int i, double& a_dColumn, double& a_dRow)
 {
     a_dColumn = 0.0;
@@ -86,13 +87,14 @@ static void CalcOffDiagonalNorms(double* const* A, int a_iN, int i, double& a_dC
     }
 }
 
-// Balances row and column i by a power of 2, row divided, column multiplied. False if that would gain too little.
+// Divides row i and multiplies column i by a power of 2, so that their norms become comparable. False if that would gain
+// too little; nothing is changed then.
 static bool BalanceRowAndColumn(double* const* A, int a_iN, int i)
 {
     double dColumn;
     double dRow;
     CalcOffDiagonalNorms(A, a_iN, i, dColumn, dRow);
-    if (IsZero(dColumn) || IsZero(dRow) || dColumn > DBL_MAX) // an infinite norm would be halved for ever
+    if (IsZero(dColumn) || IsZero(dRow) || dColumn > DBL_MAX) // halving would never end for infinity
     {
         return false;
     }
@@ -115,7 +117,7 @@ static bool BalanceRowAndColumn(double* const* A, int a_iN, int i)
     {
         return false;
     }
-    for (int j = 1; j <= a_iN; ++j) // the diagonal element by both, in this order
+    for (int j = 1; j <= a_iN; ++j) // the diagonal element takes both factors, in this order
     {
         At(A, i, j) *= dReciprocal;
         At(A, j, i) *= dFactor;
@@ -149,8 +151,8 @@ void BalanceMatrix(int a_iN, double* a_vdMatrix, int a_iStride)
     free(A);
 }
 
-// Brings the element of greatest magnitude in column m-1, from row m down, into row m, and the matching columns along.
-// The first of equal ones wins. Returns that element, 0 if there is none but zeros (or NaN).
+// Finds the element of greatest magnitude in column m-1 from row m down, the first of equal ones. Swaps its row with row
+// m, and the columns of the same numbers. Returns the element; 0 if all are zero or NaN.
 static double PivotHessenbergColumn(double* const* A, int a_iN, int m)
 {
     double dPivot = 0.0;
@@ -177,8 +179,8 @@ static double PivotHessenbergColumn(double* const* A, int a_iN, int m)
     return dPivot;
 }
 
-// Clears column m-1 below row m by row operations, each followed by the column operation that keeps the eigenvalues.
-// The multipliers stay in the places cleared.
+// Eliminates column m-1 below row m by row operations. The column operation that follows each of them keeps the
+// eigenvalues. The multipliers stay in the eliminated places.
 static void EliminateHessenbergColumn(double* const* A, int a_iN, int m, double a_dPivot)
 {
     for (int i = m + 1; i <= a_iN; ++i)
@@ -225,8 +227,8 @@ void ReduceToHessenberg(int a_iN, double* a_vdMatrix, int a_iStride)
 
 namespace {
 
-// The shift of one QR iteration: diagonal elements x, y and product w of the off-diagonal ones of the 2 x 2 block at
-// the bottom, whose eigenvalues are the two shifts.
+// The shift of one QR iteration. The two shifts are the eigenvalues of a 2 x 2 block: x and y are its diagonal elements, w
+// is the product of its off-diagonal elements. Usually it is the block at the bottom of the matrix.
 struct TShift
 {
     double dX;
@@ -234,7 +236,7 @@ struct TShift
     double dW;
 };
 
-// First column of the double step, or the vector that one reflection clears: scaled, its length does not matter.
+// A vector of which a reflection leaves only the first element. Its length does not matter, so it is scaled.
 struct TReflectedVector
 {
     double dP;
@@ -244,7 +246,7 @@ struct TReflectedVector
 
 } // namespace
 
-// Sum of the magnitudes of the Hessenberg part.
+// Sum of the magnitudes of the upper triangle and the subdiagonal.
 static double CalcHessenbergNorm(double* const* A, int a_iN)
 {
     double dNorm = 0.0;
@@ -258,8 +260,8 @@ static double CalcHessenbergNorm(double* const* A, int a_iN)
     return dNorm;
 }
 
-// Row of the lowest subdiagonal element that is negligible beside its diagonal neighbours (adding it changes nothing),
-// from row nn upwards; 1 if there is none. The element is left in place.
+// Row of the lowest subdiagonal element, in row nn or above, that is negligible beside its diagonal neighbours: adding it
+// to them changes nothing. 1 if there is none. The element is left in place.
 static int FindNegligibleSubdiagonal(double* const* A, int nn, double a_dNorm)
 {
     for (int l = nn; l >= 2; --l)
@@ -277,7 +279,7 @@ static int FindNegligibleSubdiagonal(double* const* A, int nn, double a_dNorm)
     return 1;
 }
 
-// The two eigenvalues of the 2 x 2 block in rows nn-1 and nn, stored at these positions.
+// Stores the two eigenvalues of the 2 x 2 block in rows nn-1 and nn at these positions.
 static void StorePair(const TShift& a_Block, double a_dShifted, int nn, double* a_vdReal, double* a_vdImaginary)
 {
     const double dP = 0.5 * (a_Block.dY - a_Block.dX);
@@ -294,7 +296,7 @@ static void StorePair(const TShift& a_Block, double a_dShifted, int nn, double* 
         }
         a_vdImaginary[nn - 2] = a_vdImaginary[nn - 1] = 0.0;
     }
-    else // a complex pair; also for a NaN, whose imaginary parts are then NaN too
+    else // a complex pair. A NaN gets here too, and makes the imaginary parts NaN.
     {
         a_vdReal[nn - 2] = a_vdReal[nn - 1] = dX + dP;
         a_vdImaginary[nn - 2] = -dZ;
@@ -302,7 +304,8 @@ static void StorePair(const TShift& a_Block, double a_dShifted, int nn, double* 
     }
 }
 
-// Shifts the diagonal by its last element and replaces the block by one with other eigenvalues, which breaks cycles.
+// Subtracts the last element of the diagonal from the whole diagonal, and takes the shifts from another block. That breaks
+// cycles of the iteration.
 static void ApplyExceptionalShift(double* const* A, int nn, double& a_dShifted, TShift& a_Shift)
 {
     a_dShifted += a_Shift.dX;
@@ -315,8 +318,8 @@ static void ApplyExceptionalShift(double* const* A, int nn, double& a_dShifted, 
     a_Shift.dW = dS * dS * EXCEPTIONAL_PRODUCT;
 }
 
-// Row where the double step starts, from nn-2 up to l: the lowest one above which two consecutive subdiagonal elements
-// are negligible together. a_First receives the first column of the double step there.
+// Row where the double step starts. From row nn-2 upwards it is the first one above which two consecutive subdiagonal
+// elements are negligible together, or row l. a_First receives the first column of the double step there.
 static int FindSweepStart(double* const* A, int l, int nn, const TShift& a_Shift, TReflectedVector& a_First)
 {
     for (int m = nn - 2;; --m)
@@ -344,7 +347,8 @@ static int FindSweepStart(double* const* A, int l, int nn, const TShift& a_Shift
     }
 }
 
-// Clears what the sweep reads below the subdiagonal: left-overs of the reduction or of an earlier sweep.
+// Clears the elements below the subdiagonal that the sweep reads. They hold multipliers of the reduction or rests of an
+// earlier sweep.
 static void ClearBelowSubdiagonal(double* const* A, int m, int nn)
 {
     for (int i = m + 2; i <= nn; ++i)
@@ -357,21 +361,7 @@ static void ClearBelowSubdiagonal(double* const* A, int m, int nn)
     }
 }
 
-namespace {
-
-// The reflection I - (x, y, z)(1, q, r)^T in rows k, k+1, k+2 (without the third in the last step of a sweep).
-struct TReflection
-{
-    double dX;
-    double dY;
-    double dZ;
-    double dQ;
-    double dR;
-};
-
-} // namespace
-
-// Rows k ... of the columns k to nn.
+// Reflects rows k, k+1 and k+2 in the columns k to nn.
 static void ReflectRows(double* const* A, int k, int nn, const TReflection& a_H)
 {
     const bool bThree = k != nn - 1;
@@ -389,16 +379,7 @@ static void ReflectRows(double* const* A, int k, int nn, const TReflection& a_H)
     }
 }
 
-#ifdef NUV_VECTORS
-static TPair LoadPair(const double* a_vdFrom)
-{
-    TPair Pair;
-    memcpy(&Pair, a_vdFrom, sizeof Pair);
-    return Pair;
-}
-#endif
-
-// Columns k ... of the rows l to k+3, below which they are zero.
+// Reflects columns k, k+1 and k+2 in the rows l to k+3. Below these the columns are zero.
 static void ReflectColumns(double* const* A, int k, int l, int nn, const TReflection& a_H)
 {
     const bool bThree = k != nn - 1;
@@ -407,17 +388,10 @@ static void ReflectColumns(double* const* A, int k, int l, int nn, const TReflec
     double* const vdSecond = &At(A, 1, k + 1);
     double* const vdThird = bThree ? &At(A, 1, k + 2) : vdSecond;
     int i = l - 1;
-#ifdef NUV_VECTORS
-    for (; bThree && i + 2 < k; i += 2) // above row k: a pair of elements just stored one by one would have to wait
+    if (HAS_VECTORS && bThree)
     {
-        const TPair Second = LoadPair(vdSecond + i);
-        const TPair P = a_H.dX * LoadPair(vdFirst + i) + a_H.dY * Second + a_H.dZ * LoadPair(vdThird + i);
-        const TPair vAfter[] = {LoadPair(vdFirst + i) - P, Second - P * a_H.dQ, LoadPair(vdThird + i) - P * a_H.dR};
-        memcpy(vdFirst + i, &vAfter[0], sizeof P);
-        memcpy(vdSecond + i, &vAfter[1], sizeof P);
-        memcpy(vdThird + i, &vAfter[2], sizeof P);
+        i = ReflectColumnsByPairs(i, k - 1, a_H, vdFirst, vdSecond, vdThird);
     }
-#endif
     for (; i < iLast; ++i)
     {
         double dP = a_H.dX * vdFirst[i] + a_H.dY * vdSecond[i];
@@ -431,24 +405,29 @@ static void ReflectColumns(double* const* A, int k, int l, int nn, const TReflec
     }
 }
 
-// One step k of the sweep that starts in row m: the reflection that clears column k-1 below row k, from both sides.
+// Step k > m of the sweep reflects the vector that stands in column k-1, from row k down. Returns the factor by which it
+// was scaled down.
+static double LoadReflectedVector(double* const* A, int k, int nn, TReflectedVector& a_V)
+{
+    a_V.dP = At(A, k, k - 1);
+    a_V.dQ = At(A, k + 1, k - 1);
+    a_V.dR = k != nn - 1 ? At(A, k + 2, k - 1) : 0.0;
+    const double dScale = fabs(a_V.dP) + fabs(a_V.dQ) + fabs(a_V.dR);
+    if (!IsZero(dScale))
+    {
+        const double dReciprocal = 1.0 / dScale;
+        a_V.dP *= dReciprocal;
+        a_V.dQ *= dReciprocal;
+        a_V.dR *= dReciprocal;
+    }
+    return dScale;
+}
+
+// Step k of the sweep that starts in row m: the reflection that clears column k-1 below row k, from both sides. The first
+// step, k = m, reflects the vector that is passed.
 static void SweepStep(double* const* A, int k, int m, int l, int nn, TReflectedVector a_V)
 {
-    double dX = 0.0;
-    if (k != m)
-    {
-        a_V.dP = At(A, k, k - 1);
-        a_V.dQ = At(A, k + 1, k - 1);
-        a_V.dR = k != nn - 1 ? At(A, k + 2, k - 1) : 0.0;
-        dX = fabs(a_V.dP) + fabs(a_V.dQ) + fabs(a_V.dR);
-        if (!IsZero(dX))
-        {
-            const double dScale = 1.0 / dX;
-            a_V.dP *= dScale;
-            a_V.dQ *= dScale;
-            a_V.dR *= dScale;
-        }
-    }
+    const double dScale = k != m ? LoadReflectedVector(A, k, nn, a_V) : 0.0;
     const double dLength = sqrt(a_V.dP * a_V.dP + a_V.dQ * a_V.dQ + a_V.dR * a_V.dR);
     const double dS = a_V.dP < 0.0 ? -dLength : dLength; // by value: -0.0 is not negative
     if (IsZero(dS))
@@ -457,7 +436,7 @@ static void SweepStep(double* const* A, int k, int m, int l, int nn, TReflectedV
     }
     if (k != m)
     {
-        At(A, k, k - 1) = -dS * dX;
+        At(A, k, k - 1) = -dS * dScale;
     }
     else if (l != m)
     {
@@ -471,7 +450,7 @@ static void SweepStep(double* const* A, int k, int m, int l, int nn, TReflectedV
     ReflectColumns(A, k, l, nn, H);
 }
 
-// One double QR step on rows and columns l to nn.
+// One double QR step in the rows and columns l to nn.
 static void DoubleStep(double* const* A, int l, int nn, const TShift& a_Shift)
 {
     TReflectedVector First;
@@ -483,8 +462,8 @@ static void DoubleStep(double* const* A, int l, int nn, const TShift& a_Shift)
     }
 }
 
-// Iterates until one eigenvalue or a pair splits off at the bottom row nn, and stores it. Returns how many rows have
-// split off, 0 if the iterations have run out. a_dShifted is what exceptional shifts have taken off the diagonal.
+// Iterates until one eigenvalue or a pair splits off at the bottom row nn, and stores it. Returns how many rows have split
+// off; 0 if the iterations have run out. a_dShifted is the sum of what exceptional shifts have subtracted.
 static int SplitOff(double* const* A, int nn, double a_dNorm, double& a_dShifted, double* a_vdReal,
                     double* a_vdImaginary)
 {
@@ -544,17 +523,18 @@ int HessenbergEigenvalues(int a_iN, double* a_vdMatrix, int a_iStride, double* a
 // Real roots of a polynomial
 //
 // Model      a(0) x^n + a(1) x^(n-1) + ... + a(n) = 0, real coefficients, any degree.
-// Method     Leading zeros lower the degree, trailing zeros are roots 0. The rest, made monic, is the characteristic
-//            polynomial of its companion matrix: coefficients -a(j)/a(0) in the first row, ones on the subdiagonal.
-//            Its eigenvalues with an imaginary part below the caller's tolerance are the real roots.
-// Special    All coefficients zero: every x solves. A constant: none does. An eigenvalue that the iteration did not
-//            find keeps the NaN that its imaginary part was filled with, and is never reported.
-// Order      Zero roots first, then in the order of the eigenvalue positions; not sorted, not merged, not polished.
+// Method     Leading zeros lower the degree. Trailing zeros are roots 0. The rest, divided by its first coefficient, is
+//            the characteristic polynomial of its companion matrix: the first row is -a(j)/a(0), the subdiagonal is 1.
+//            The eigenvalues with an imaginary part below the caller's tolerance are the real roots.
+// Special    If all coefficients are zero, every x is a root. A constant has no root. The imaginary parts are filled with
+//            NaN first: an eigenvalue that the iteration does not find keeps it and is never reported.
+// Order      The roots 0 come first, then the others in the order of the positions of their eigenvalues. They are not
+//            sorted, merged or polished.
 // Source     A. Edelman, H. Murakami, Polynomial roots from companion matrix eigenvalues, Math. Comp. 64 (1995)
 //            763-776.
 // ---------------------------------------------------------------------------------------------------------------------
 
-// The companion matrix, column by column, of a polynomial of degree a_iDegree with a_vdA[0] and a_vdA[a_iDegree] not 0.
+// Fills in the companion matrix, column by column, of a polynomial whose first and last coefficients are not 0.
 static void FillCompanionMatrix(size_t a_iDegree, const double* a_vdA, double* a_vdMatrix)
 {
     memset(a_vdMatrix, 0, a_iDegree * a_iDegree * sizeof(double));
@@ -562,7 +542,7 @@ static void FillCompanionMatrix(size_t a_iDegree, const double* a_vdA, double* a
     {
         a_vdMatrix[k * a_iDegree + k + 1] = 1.0;
     }
-    const double dFactor = -1.0 / a_vdA[0]; // multiplied, not divided by: the bits of the first row depend on it
+    const double dFactor = -1.0 / a_vdA[0]; // a quotient for each coefficient would round differently
     for (size_t j = 0; j < a_iDegree; ++j)
     {
         a_vdMatrix[j * a_iDegree] = a_vdA[j + 1] * dFactor;
@@ -571,7 +551,7 @@ static void FillCompanionMatrix(size_t a_iDegree, const double* a_vdA, double* a
 
 namespace {
 
-// Scratch of the roots of degree m: three allocations, of which any may have failed.
+// The scratch for degree m: three arrays.
 struct TCompanionScratch
 {
     double* vdMatrix;    // m * m
@@ -581,7 +561,7 @@ struct TCompanionScratch
 
 } // namespace
 
-// Writes the real eigenvalues of the companion matrix to the roots; returns how many.
+// Writes the real eigenvalues of the companion matrix to the roots. Returns how many there are.
 static int WriteRealEigenvalues(size_t a_iDegree, const double* a_vdA, double a_dTolerance,
                                 const TCompanionScratch& a_Scratch, double* a_vdRoots)
 {
@@ -607,7 +587,8 @@ static int WriteRealEigenvalues(size_t a_iDegree, const double* a_vdA, double a_
     return iCount;
 }
 
-// Writes the real roots of a polynomial with a_vdA[0] and a_vdA[a_iDegree] not 0; false if there is no memory for that.
+// Writes the real roots of a polynomial whose first and last coefficients are not 0. False if there is no memory for the
+// scratch.
 static bool WriteNonZeroRoots(size_t a_iDegree, const double* a_vdA, double a_dTolerance, double* a_vdRoots,
                               int& a_iCount)
 {
@@ -637,7 +618,7 @@ int Roots(unsigned int iDegree, const double* vdA, double* a_vdRoots, double a_d
     }
     if (iFirst == iDegree)
     {
-        // The text of the condition is part of the report.
+        // The report shows the text of the condition, also its spaces.
         // clang-format off
         // unreachable: it is the last coefficient that is not 0
         NUV_ASSERT_AT("nuv\\nuv1math\\src\\poly.cpp", 38, vdA[ iDegree] != 0);
@@ -671,9 +652,9 @@ int Roots(unsigned int iDegree, const double* vdA, double* a_vdRoots, double a_d
 //
 // Model      a11 x + a12 y = b1, a21 x + a22 y = b2.
 // Method     Cramer's rule with one division.
-// Special    A determinant within the degeneracy tolerance: only the numerator of x decides whether the system counts
-//            as indeterminate or impossible. That of y is left out, and is kept so: all coefficients 0 are
-//            indeterminate whatever the right-hand side. A NaN determinant is no zero and gives NaN.
+// Special    If the determinant is negligible, the numerator of x alone decides between indeterminate and impossible. The
+//            numerator of y is not looked at. So a system whose coefficients are all 0 is indeterminate whatever its
+//            right-hand side is. A NaN determinant is not negligible, and gives NaN.
 // ---------------------------------------------------------------------------------------------------------------------
 
 int Roots(double a_dA11, double a_dA12, double a_dA21, double a_dA22, double a_dB1, double a_dB2, double& a_dX,

@@ -1,12 +1,12 @@
-// floatingpoint.h: the arithmetic that every source of the library relies on, checked when it is compiled.
+// floatingpoint.h: what every source requires of the floating-point arithmetic, checked when it is compiled.
 // Copyright (c) 2026 the nuv1math authors
 // SPDX-License-Identifier: MIT
 //
-// Results are the same bits on every platform because every operation is the IEC 559 (IEEE 754) double operation
-// that is written, rounded once and in the written order. The compiler must therefore not contract a*b + c into one
-// rounding, evaluate in a wider format or reorder sums. cmake/FloatingPointPolicy.cmake holds the flags; this header
-// refuses the builds that it can recognise, and the tests contain a canary for contraction, which most compilers do not
-// tell.
+// Results have the same bits on every platform because every operation is an IEC 559 (IEEE 754) double operation. It is
+// rounded once, and it is done in the order in which it is written. A compiler must not contract a*b + c into one
+// rounding, compute in a wider format or reorder sums. cmake/FloatingPointPolicy.cmake sets the options for that. This
+// header refuses the builds that it can recognise as wrong. Most compilers do not tell whether they contract: the tests
+// look for that.
 
 #ifndef NUV_FLOATINGPOINT_H
 #define NUV_FLOATINGPOINT_H
@@ -29,7 +29,7 @@
 #endif
 #endif
 
-// The helpers that look at the bits of a double take its low word first.
+// The helpers that look at the bits of a double expect its low word first.
 #if defined(__FLOAT_WORD_ORDER__)
 #if __FLOAT_WORD_ORDER__ != __ORDER_LITTLE_ENDIAN__
 #error "nuv1math needs doubles with the low word first"
@@ -42,12 +42,12 @@
 
 namespace nuv {
 
-// Whether a floating-point operation is a call, hundreds of times as long as a look at the bits of its operands. With
-// floating-point hardware it is shorter than a branch.
+// True where a floating-point operation is a call of tens of instructions. There it pays to look at the bits of an
+// operand first, or to leave an operation out. With floating-point hardware an operation is cheaper than a branch.
 #if defined(__SOFTFP__) || defined(_WIN32_WCE)
-const bool OPERATIONS_ARE_CALLS = true;
+const bool SOFTWARE_FLOATING_POINT = true;
 #else
-const bool OPERATIONS_ARE_CALLS = false;
+const bool SOFTWARE_FLOATING_POINT = false;
 #endif
 
 // C++98 has no static_assert: an array of negative size does not compile.

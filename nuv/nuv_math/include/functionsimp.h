@@ -1,4 +1,4 @@
-// functionsimp.h: small inline helpers and the constants that the families share. Internal: not installed.
+// functionsimp.h: the small inline helpers and the constants that the families share. Internal, not installed.
 // Copyright (c) 2026 the nuv1math authors
 // SPDX-License-Identifier: MIT
 
@@ -15,23 +15,23 @@
 
 namespace nuv {
 
-// The result code of a function that computed all its outputs. The failure codes are in nuv1math.h.
+// The result code of success: all outputs are computed. nuv1math.h has the codes of failure.
 const int RET_SUCCESS = 1;
 
-// A quantity within this band counts as zero. Absolute: it is not scaled by the size of the data.
+// A quantity of at most this magnitude counts as zero. The bound is absolute: it does not follow the size of the data.
 const double TOLERANCE_DEGENERATE = 1e-12;
 
 const double ANGLE_2PI = 6.283185307179586; // the double nearest to 2 pi
 
-// True for -1e-12 <= a_dValue <= 1e-12, both ends included; never for a NaN. One comparison does for both bounds
-// because the band is symmetric, and fabs costs a single bit operation without floating-point hardware.
+// True for -1e-12 <= a_dValue <= 1e-12, false for a NaN. The band is symmetric, so one comparison tests both bounds.
+// fabs is a single bit operation, also without floating-point hardware.
 inline bool IsNegligible(double a_dValue)
 {
     return fabs(a_dValue) <= TOLERANCE_DEGENERATE;
 }
 
-// The bits of a double. A floating-point comparison is a call where there is no floating-point hardware; a look at the
-// bits is a few instructions, and is never inexact.
+// The bits of a double. A test of the bits takes a few instructions. A comparison of doubles is a call on a processor
+// without floating-point hardware.
 struct TDoubleBits
 {
     unsigned int iLow; // floatingpoint.h refuses another order
@@ -45,10 +45,10 @@ inline TDoubleBits BitsOf(double a_dValue)
     return Bits;
 }
 
-// a_dValue == 0.0: zero of either sign. A comparison is the shorter one where it is no call.
+// a_dValue == 0.0, that is, a zero of either sign.
 inline bool IsZero(double a_dValue)
 {
-    if (!OPERATIONS_ARE_CALLS)
+    if (!SOFTWARE_FLOATING_POINT)
     {
         return a_dValue == 0.0;
     }
@@ -69,7 +69,7 @@ inline bool IsOne(double a_dValue)
     return Bits.iHigh == 0x3FF00000U && Bits.iLow == 0;
 }
 
-// a_dValue < 0.0; but a NaN is what its sign says: for uses where it takes either way to the same end.
+// a_dValue < 0.0, except that the sign bit of a NaN decides for it. Callers get a NaN from either branch.
 inline bool IsBelowZero(double a_dValue)
 {
     const TDoubleBits Bits = BitsOf(a_dValue);
@@ -89,8 +89,8 @@ inline void Swap(double& a_dFirst, double& a_dSecond)
     a_dSecond = dHeld;
 }
 
-// Allocates a_iRows * a_iColumns elements of a_iSize bytes, not initialised; null if they cannot be had or if their
-// size does not fit size_t. The caller releases them by free.
+// Allocates a_iRows * a_iColumns elements of a_iSize bytes, not initialised. Returns null if there is no memory for them
+// or if their size does not fit size_t. The caller releases them by free.
 inline void* AllocateArray(size_t a_iRows, size_t a_iColumns, size_t a_iSize)
 {
     const size_t iMost = static_cast<size_t>(-1) / a_iSize;
@@ -106,10 +106,10 @@ inline double* AllocateDoubles(size_t a_iRows, size_t a_iColumns)
     return static_cast<double*>(AllocateArray(a_iRows, a_iColumns, sizeof(double)));
 }
 
-// sqrt(a^2 + b^2) without overflow of the squares: the greater magnitude g is factored out, g*sqrt((s/g)^2 + 1), so
-// that only a ratio of at most 1 is squared, and is multiplied last.
+// sqrt(a^2 + b^2) without overflow of the squares. With the greater magnitude g and the smaller s it is
+// g * sqrt((s/g)^2 + 1): only a ratio of at most 1 is squared, and g is multiplied last.
 //
-// Special cases, which follow from the comparisons and are kept: (0, 0) gives 0; (NaN, 0) gives 0, because neither
+// Special cases that follow from the two comparisons, and are kept: (0, 0) gives 0; (NaN, 0) gives 0, because neither
 // comparison holds; (0, NaN) gives NaN; (inf, inf) gives NaN, because the ratio is inf/inf.
 inline double CalcHypot(double a_dA, double a_dB)
 {
@@ -128,17 +128,17 @@ inline double CalcHypot(double a_dA, double a_dB)
     return 0.0;
 }
 
-// x reduced into [0, y], closed at both ends: a negative multiple of the period gives y itself, a non-negative one
-// gives 0, and a tiny negative x gives y by rounding. -0.0 stays -0.0. The period must be positive: anything else,
-// NaN included, is reported and ends the process.
+// x reduced into the closed interval [0, y]. A negative multiple of y gives y, a non-negative one gives 0. A tiny
+// negative x gives y by rounding. -0.0 stays -0.0. The period y must be positive. For any other period, NaN included, the
+// assertion reports and ends the process.
 inline double ReduceToPeriod(double x, double y)
 {
-    // The text of the condition is part of the report, hence the plain names.
+    // The report shows the text of the condition. It fixes the names of the arguments and the missing spaces.
     // clang-format off
     // unreachable: the library always passes 2 pi
     NUV_ASSERT_AT("nuv\\nuv_math\\include\\functionsimp.h", 254, y>0);
     // clang-format on
-    const double dRemainder = fabs(x) < y ? x : fmod(x, y); // an angle of atan2 needs no division
+    const double dRemainder = fabs(x) < y ? x : fmod(x, y); // fmod is not needed for an angle of atan2
     return IsBelowZero(x) ? y + dRemainder : dRemainder;
 }
 

@@ -1,0 +1,53 @@
+// forms.h: which of the faster forms a build has. Internal, not installed.
+// Copyright (c) 2026 the nuv1math authors
+// SPDX-License-Identifier: MIT
+//
+// The source of a family has the plain form of each of its functions. The plain form defines the result: its bits and
+// the order of its operations. The files of this directory have forms that give the same bits faster. The plain function
+// hands its work over in one line, where a faster form exists and pays:
+//   software floating point   leaves out operations whose result is known (the device);
+//   vectors                   computes two doubles at once, or four on a processor that has such vectors.
+//
+// The tests compile the library once more in each of these forms, in namespaces of their own, and compare them all with
+// the plain one:
+//   NUV_PLAIN_FORMS           no faster form at all
+//   NUV_NO_WIDE_VECTORS       vectors of two only, on a processor that has wider ones
+//   __SOFTFP__                the forms for software floating point; a compiler for such a processor defines it
+
+#ifndef NUV_FAST_FORMS_H
+#define NUV_FAST_FORMS_H
+
+#include "floatingpoint.h"
+
+// The compilers of GNU's kind have types for vectors. An operation on a vector rounds each element like the operation on
+// a double.
+#if !defined(NUV_PLAIN_FORMS) && defined(__GNUC__) && (defined(__SSE2__) || defined(__aarch64__)) &&                   \
+    !defined(__SOFTFP__)
+#define NUV_VECTORS
+#endif
+
+// A short function that a host compiles into each caller: the call and the way through memory would cost a small fit a
+// tenth of its time. The device saves the code instead.
+#if defined(__GNUC__) && !defined(__SOFTFP__)
+#define NUV_HOST_INLINE inline __attribute__((always_inline))
+#else
+#define NUV_HOST_INLINE
+#endif
+
+namespace nuv {
+
+#ifdef NUV_PLAIN_FORMS
+const bool FASTER_FORMS = false;
+#else
+const bool FASTER_FORMS = true;
+#endif
+
+#ifdef NUV_VECTORS
+const bool HAS_VECTORS = true;
+#else
+const bool HAS_VECTORS = false;
+#endif
+
+} // namespace nuv
+
+#endif // NUV_FAST_FORMS_H
