@@ -6,7 +6,7 @@
 tools='cmake ninja-build ccache'
 native="$tools g++"
 native_tests="$native python3 llvm libgtest-dev libgmock-dev librapidcheck-dev libeigen3-dev"
-cross_tests="$tools python3 llvm googletest libeigen3-dev"
+cross_tests="$tools python3 llvm binutils googletest libeigen3-dev"
 armel='g++ g++-arm-linux-gnueabi libc6-dev-armel-cross qemu-user' # g++ for the emulator's plugin
 fitpoints='libcli11-dev libcsv-dev nlohmann-json3-dev gnuplot-nox'
 declare -A packages=(
