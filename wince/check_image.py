@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""check_image.py: the image as llvm-readobj, which had no part in making it, reads it.
+"""check_image.py: headers, imports, exports, relocations and code of the image, read by LLVM's tools.
 
 Copyright (c) 2026 the nuv1math authors
 SPDX-License-Identifier: MIT
@@ -22,7 +22,7 @@ OBJDUMP = os.environ["NUV_OBJDUMP"]
 COMPILER = os.environ["NUV_COMPILER"]
 TOOLS = ROOT / "wince/tools"
 PREFERRED_BASE = 0x10000000
-# What the documentation of the platform lets a library ask of the core library.
+# The functions that the platform's documentation names in the core library.
 SYSTEM = {"MessageBoxW", "TerminateProcess", "wsprintfW"}
 LIBRARY = {"acos", "asin", "atan", "atan2", "cos", "fmod", "free", "log", "malloc", "memcpy", "memset", "sin", "sqrt",
            "tan"}
@@ -86,7 +86,7 @@ class Imports(unittest.TestCase):
 
 
 class Exports(unittest.TestCase):
-    """Each function under this compiler's name and under Microsoft's, both for the same address."""
+    """Each function has GCC's name and Microsoft's name for the same address."""
 
     def setUp(self):
         exports = re.findall(r"Ordinal: \d+\s+Name: (\S+)\s+RVA: (\S+)", read("--coff-exports"))
@@ -101,7 +101,7 @@ class Exports(unittest.TestCase):
         self.assertEqual(len(self.by_name), 2 * len(own))
 
     def test_pair_the_names_of_the_same_function(self):
-        # Written by hand from the published rules of both manglings: N is double, H int, X void, Z the end.
+        # Written by hand from the published rules of both manglings. In Microsoft's: N double, H int, X void, Z end.
         for own, microsoft in (("_ZN3nuv4RandEv", "?Rand@nuv@@YANXZ"), ("_ZN3nuv4RandEdd", "?Rand@nuv@@YANNN@Z"),
                                ("_ZN3nuv13SetRandomSeedEi", "?SetRandomSeed@nuv@@YAXH@Z"),
                                ("_ZN3nuv8CholeskyEiPd", "?Cholesky@nuv@@YA_NHPAN@Z")):
@@ -112,7 +112,7 @@ class Relocations(unittest.TestCase):
     def test_are_of_the_one_kind_that_the_device_knows(self):
         entries = re.findall(r"Type: (\S+)\s+Address: (\S+)", read("--coff-basereloc"))
         self.assertIn("HIGHLOW", {kind for kind, _ in entries})
-        # Beside it, what fills up a block of an odd number: kind 0 at offset 0 of its page.
+        # The only other entry pads a block: kind 0, offset 0.
         others = [(kind, int(address, 16) % 0x1000) for kind, address in entries if kind != "HIGHLOW"]
         self.assertEqual(set(others) - {("ABSOLUTE", 0)}, set())
 
@@ -127,7 +127,7 @@ class Code(unittest.TestCase):
             self.assertNotRegex(self.TEXT, rf"\t({instructions})")
 
     def test_uses_bx_only_where_it_goes_to_thumb_code(self):
-        # An ARMv4 processor without Thumb has no bx: each stands behind a test of the address and a plain jump.
+        # An ARMv4 processor without Thumb has no bx. Each bx follows a test of the address and a plain jump.
         lines = self.TEXT.splitlines()
         found = [i for i, line in enumerate(lines) if re.search(r"\tbx(eq|ne)?\t", line)]
         self.assertGreater(len(found), 0)

@@ -1,4 +1,4 @@
-// compiler.h: what Microsoft's compilers for the device bring with them, for GCC; included before every source.
+// compiler.h: predefined macros of Microsoft's compilers for the device. GCC includes it before every source.
 // Copyright (c) 2026 the nuv1math authors
 // SPDX-License-Identifier: MIT
 
@@ -9,7 +9,7 @@
 #define _WIN32_WCE 0x420 // Windows CE .NET 4.2
 #define UNDER_CE 0x420
 
-// The library uses it to export. What is visible in the link becomes an export of the image.
+// The library uses it to export. A symbol that is visible in the ELF file becomes an export of the image.
 #define __declspec(a_Attribute) __attribute__((visibility("default")))
 
 #endif // NUV_WINCE_COMPILER_H

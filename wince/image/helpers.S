@@ -1,8 +1,8 @@
-// helpers.S: the arithmetic helpers that GCC calls, by those of the device's core library.
+// helpers.S: the arithmetic helpers that GCC calls, implemented by functions of the device's core library.
 // Copyright (c) 2026 the nuv1math authors
 // SPDX-License-Identifier: MIT
 //
-// Each stands in a section of its own, so that an image holds, and imports, only what it needs.
+// Each helper has a section of its own, so that an image contains and imports only what it uses.
 
     .section .note.GNU-stack, "", %progbits
     .syntax unified
@@ -17,13 +17,13 @@
 \name:
 .endm
 
-// The same meaning under another name.
+// A helper with the same meaning and another name.
 .macro same name, core
     begin \name
     b \core
 .endm
 
-// The core library's answer, 1 or 0, turned into one whose comparison with 0 tells the same.
+// Converts the result of the core library (1 or 0) to one that GCC can compare with 0.
 .macro comparison name, core, turn:vararg
     begin \name
     str lr, [sp, #-4]!
@@ -63,7 +63,7 @@
     same __fixdfsi, __dtoi
     same __fixunsdfsi, __dtou
 
-    // GCC asks __gtdf2 for > 0 and __nedf2 for != 0: 1 and 0 as they are. With a NaN every comparison but != is false.
+    // GCC tests __gtdf2 for > 0 and __nedf2 for != 0, so 1 and 0 need no conversion. With a NaN only != is true.
     same __gtdf2, __gtd
     same __nedf2, __ned
     comparison __eqdf2, __eqd, eor r0, r0, #1 // == 0 where equal

@@ -1,8 +1,8 @@
-// windows.h: the few declarations of the Windows CE core library that the library uses.
+// windows.h: declarations of the functions of the Windows CE core library that the library uses.
 // Copyright (c) 2026 the nuv1math authors
 // SPDX-License-Identifier: MIT
 //
-// For a build without the platform's own development kit. Declared from the public documentation of the functions.
+// It replaces the header of the platform's development kit. Its source is the public documentation of the functions.
 
 #ifndef NUV_WINCE_WINDOWS_H
 #define NUV_WINCE_WINDOWS_H
@@ -21,7 +21,7 @@ typedef HANDLE HWND;
 typedef wchar_t* LPWSTR;
 typedef const wchar_t* LPCWSTR;
 
-// Texts are UTF-16: the sources are compiled with a short wchar_t.
+// Texts are UTF-16, so the sources are compiled with -fshort-wchar.
 typedef char TCheckWideCharacter[sizeof(wchar_t) == 2 ? 1 : -1];
 
 enum
@@ -37,7 +37,7 @@ INT WINAPI MessageBoxW(HWND, LPCWSTR, LPCWSTR, UINT);
 BOOL WINAPI TerminateProcess(HANDLE, DWORD);
 }
 
-// No function of the core library but a constant: system handles begin at 64, the current process is the third.
+// The core library has no such function: system handles begin at 64, and the current process is number 2.
 inline HANDLE GetCurrentProcess()
 {
     return reinterpret_cast<HANDLE>(64 + 2);

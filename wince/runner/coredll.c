@@ -1,8 +1,8 @@
-// coredll.c: what stands in for the device's core library where an image is run on Linux.
+// coredll.c: replaces the core library of the device when an image runs on Linux.
 // Copyright (c) 2026 the nuv1math authors
 // SPDX-License-Identifier: MIT
 //
-// The message box and the end of the process tell on standard error what they were asked for.
+// MessageBoxW and TerminateProcess write their arguments to standard error.
 
 #include "coredll.h"
 
@@ -41,7 +41,7 @@ static uint16_t* AppendNumber(uint16_t* a_szTo, int a_iNumber)
     return a_szTo;
 }
 
-// Knows %s and %d; anything else ends the run by a signal.
+// Supports %s and %d. Any other conversion aborts.
 static int FormatWide(uint16_t* a_szText, const uint16_t* a_szFormat, ...)
 {
     uint16_t* pEnd = a_szText;
@@ -81,7 +81,7 @@ static void Tell(const char* a_szText)
     }
 }
 
-// Says the text as it is where it is ASCII, and '?' for the rest.
+// Writes '?' for each character that is not ASCII. Answers Cancel.
 static int ShowMessage(const void* a_pOwner, const uint16_t* a_szText, const uint16_t* a_szCaption, unsigned a_iStyle)
 {
     enum
@@ -122,10 +122,10 @@ static void Release(void* a_pMemory)
 }
 
 // ---------------------------------------------------------------------------------------------------------------------
-// Arithmetic, by the compiler's own helpers: this program has no floating-point hardware either
+// Arithmetic: this program has no floating-point hardware either, so the compiler calls its own helpers
 // ---------------------------------------------------------------------------------------------------------------------
 
-// Quotient in r0, remainder in r1: the two halves of a 64-bit result.
+// The image expects the quotient in r0 and the remainder in r1: the two halves of a 64-bit result.
 static uint64_t Pair(uint32_t a_iQuotient, uint32_t a_iRemainder)
 {
     return (uint64_t)a_iRemainder << 32 | a_iQuotient;

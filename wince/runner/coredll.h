@@ -1,4 +1,4 @@
-// coredll.h: what stands in for the device's core library where an image is run on Linux.
+// coredll.h: replaces the core library of the device when an image runs on Linux.
 // Copyright (c) 2026 the nuv1math authors
 // SPDX-License-Identifier: MIT
 
@@ -11,10 +11,10 @@
 extern "C" {
 #endif
 
-// The function of that name, or null where there is none.
+// Returns the function with this name, or null.
 void* FindCoreFunction(const char* a_szName);
 
-// The allocator that images get: malloc and free, unless a test puts its own here.
+// The allocator of the images: malloc and free, unless a test assigns its own functions.
 extern void* (*g_pAllocate)(size_t a_iBytes);
 extern void (*g_pRelease)(void* a_pMemory);
 

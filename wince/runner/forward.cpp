@@ -1,4 +1,4 @@
-// forward.cpp: the image that the tests of a process run against.
+// forward.cpp: loads the image that the tests call.
 // Copyright (c) 2026 the nuv1math authors
 // SPDX-License-Identifier: MIT
 

@@ -2,8 +2,9 @@
 // Copyright (c) 2026 the nuv1math authors
 // SPDX-License-Identifier: MIT
 //
-// The image follows the older convention of ARM: a double is two words in the next two places, be they registers or
-// stack. Here it would begin at an even place. Two unsigned words in place of each double are the same in both.
+// The image uses the older convention of ARM: a double takes the next two places, registers or stack. The convention of
+// this program would begin it at an even place. So each double is passed as two unsigned words, which both conventions
+// pass in the same way.
 
 #ifndef NUV_WINCE_FORWARD_H
 #define NUV_WINCE_FORWARD_H
@@ -17,14 +18,14 @@
 
 namespace nuv_tests {
 
-// The file of the image.
+// The contents of the image file.
 const std::string& ImageFile();
 
-// The image that the tests of this process run against, loaded by its first use: at its preferred base, or at the one
-// that NUV_IMAGE_BASE names. An image that cannot be loaded ends the process with an exception.
+// The image that the tests of this process call. The first use loads it, at its preferred base or at the one that the
+// variable NUV_IMAGE_BASE names. Throws if it cannot be loaded.
 const TImage& LoadedImage();
 
-// The exported function of that name; an exception if there is none.
+// Returns the exported function with this name. Throws if there is none.
 void* FindInImage(const char* a_szName);
 
 template <class T> std::tuple<T> Words(T a_Value)

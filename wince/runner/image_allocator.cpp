@@ -1,4 +1,4 @@
-// image_allocator.cpp: gives images the watched allocator in place of their core library's.
+// image_allocator.cpp: makes the images allocate with the watched allocator.
 // Copyright (c) 2026 the nuv1math authors
 // SPDX-License-Identifier: MIT
 

@@ -1,4 +1,4 @@
-// image_test.cpp: the image as its loader sees it: where it lies, its entry, its report, and what is no image.
+// image_test.cpp: address, entry and assertion report of the image, and the files that the loader refuses.
 // Copyright (c) 2026 the nuv1math authors
 // SPDX-License-Identifier: MIT
 
@@ -19,7 +19,7 @@ namespace {
 
 constexpr const char* RandName = "_ZN3nuv4RandEv";
 constexpr const char* MicrosoftRandName = "?Rand@nuv@@YANXZ";
-constexpr std::uint32_t SecondBase = 0x58000000; // where no other image of these tests is
+constexpr std::uint32_t SecondBase = 0x58000000; // addresses that these tests do not use otherwise
 constexpr std::uint32_t RefusedBase = 0x5a000000;
 constexpr int Draws = 100;
 
@@ -28,7 +28,7 @@ const char* Load(const std::string& a_szFile, std::uint32_t a_iBase, TImage& a_I
     return LoadImage(reinterpret_cast<const unsigned char*>(a_szFile.data()), a_szFile.size(), a_iBase, &a_Image);
 }
 
-// A second copy of the image, with a state of its own; its addresses are not given back.
+// A second copy of the image with a state of its own. It is never unmapped.
 const TImage& SecondImage()
 {
     static const TImage Second = []
@@ -60,7 +60,7 @@ bool IsInside(const TImage& a_Image, const void* a_pAddress)
     return pAddress >= a_Image.pBase && pAddress < a_Image.pBase + a_Image.iSize;
 }
 
-// The file with a text replaced by another of the same length, everywhere.
+// The file with every occurrence of a text replaced by another text of the same length.
 std::string Altered(const std::string& a_szFrom, const std::string& a_szTo)
 {
     std::string szFile = ImageFile();
@@ -73,7 +73,7 @@ std::string Altered(const std::string& a_szFrom, const std::string& a_szTo)
     return szFile;
 }
 
-// The file with one byte of its headers changed, counted from the signature of the format.
+// The file with one byte of its headers changed. The offset counts from the signature of the format.
 std::string WithHeaderByte(std::size_t a_iOffset, unsigned char a_iByte)
 {
     std::string szFile = ImageFile();
@@ -97,7 +97,7 @@ std::string ReportOf(const std::string& a_szText)
 } // namespace
 
 // ---------------------------------------------------------------------------------------------------------------------
-// Where it lies
+// Address
 // ---------------------------------------------------------------------------------------------------------------------
 
 TEST(Image, PrefersItsBase)
@@ -117,7 +117,7 @@ TEST(Image, HasAddressesThatMoveWithIt)
     EXPECT_GT(LoadedImage().iMoved, 0u);
 }
 
-// The functions that the other tests call are those of the image, and not ones linked into this program.
+// The other tests call functions of the image, not functions that are linked into this program.
 TEST(Image, HoldsTheFunctionsThatAreCalled)
 {
     EXPECT_TRUE(IsInside(LoadedImage(), FindExport(&LoadedImage(), RandName)));
@@ -152,7 +152,7 @@ TEST(Image, SeedsWithMinusOneWhenItIsLoadedAndAtNoOtherReason)
 // Report
 // ---------------------------------------------------------------------------------------------------------------------
 
-// A singular transformation (all of the plane onto the line X = Y) and a point off that line.
+// The transformation is singular: it maps the plane to the line X = Y. The point is not on that line.
 TEST(ImageReport, UntransformOfAnImpossiblePointShowsItsSiteAndEndsTheProcess)
 {
     const TChildEnd End = RunInChild(
@@ -200,7 +200,7 @@ TEST(ImageReport, AnAllocatorThatHandsOutTheCallersArrayIsReported)
     EXPECT_EQ(0, End.iExitCode);
 }
 
-// Its constants and code are on pages that it may not write.
+// The pages of the code are protected.
 TEST(Image, CannotWriteItsCode)
 {
     const TChildEnd End =
@@ -209,7 +209,7 @@ TEST(Image, CannotWriteItsCode)
 }
 
 // ---------------------------------------------------------------------------------------------------------------------
-// What the loader refuses
+// Refusals of the loader
 // ---------------------------------------------------------------------------------------------------------------------
 
 TEST(Loader, RefusesWhatIsNoImageForTheDevice)

@@ -2,8 +2,8 @@
 // Copyright (c) 2026 the nuv1math authors
 // SPDX-License-Identifier: MIT
 //
-// The layout is that of Microsoft's document "PE Format". The loader is for images that were built here: it checks
-// what it relies on and refuses what it does not know, but it does not defend itself against a hostile file.
+// The layout is that of Microsoft's document "PE Format". The loader checks what it relies on and refuses what it does
+// not know. It loads images of this build only and is no defence against a hostile file.
 
 #define _GNU_SOURCE
 
@@ -23,10 +23,10 @@ enum
     PE32 = 0x10B,
     WINDOWS_CE = 9,
     HIGHLOW = 3,
-    EXPORTS = 0, // directories
+    EXPORTS = 0, // numbers of the directories
     IMPORTS = 1,
     RELOCATIONS = 5,
-    MAY_EXECUTE = 0x20000000, // section flags
+    MAY_EXECUTE = 0x20000000, // flags of a section
     MAY_READ = 0x40000000
 };
 static const uint32_t MAY_WRITE = 0x80000000u;
@@ -64,7 +64,7 @@ static const char* Text(const TImage* a_pImage, uint32_t a_iOffset)
     return (const char*)a_pImage->pBase + a_iOffset;
 }
 
-// The place of a directory in the image, null if there is none.
+// Returns the address of a directory, or null if the image has none.
 static unsigned char* Directory(const TImage* a_pImage, int a_iIndex, uint32_t* a_pSize)
 {
     const unsigned char* pField = a_pImage->pBase + a_pImage->iHeaders + 96 + 8 * a_iIndex;
@@ -125,7 +125,7 @@ static const char* CopySection(const TImage* a_pImage, const unsigned char* a_pH
     return NULL;
 }
 
-// From here on the image cannot write where its sections do not allow it.
+// Gives the pages of a section the access that its flags allow.
 static const char* ProtectSection(const TImage* a_pImage, const unsigned char* a_pHeader, const unsigned char* a_pFile,
                                   size_t a_iLength)
 {
@@ -142,7 +142,7 @@ static const char* ProtectSection(const TImage* a_pImage, const unsigned char* a
 static const char* ForEachSection(const TImage* a_pImage, const unsigned char* a_pFile, size_t a_iLength,
                                   TSectionAction* a_pAction)
 {
-    const unsigned char* pHeader = a_pFile + a_pImage->iHeaders - 20; // the file header, before the optional one
+    const unsigned char* pHeader = a_pFile + a_pImage->iHeaders - 20; // the file header precedes the optional one
     const unsigned char* pSection = a_pFile + a_pImage->iHeaders + Half(pHeader + 16);
     for (int i = 0; i < Half(pHeader + 2); ++i)
     {
@@ -159,7 +159,7 @@ static const char* ForEachSection(const TImage* a_pImage, const unsigned char* a
 // Relocations and imports
 // ---------------------------------------------------------------------------------------------------------------------
 
-// An entry holds a kind and an offset in its page. Kind 0 fills a block up.
+// An entry holds a kind (4 bits) and an offset in its page. Entries of kind 0 pad a block.
 static const char* MoveAddress(TImage* a_pImage, uint32_t a_iPage, unsigned a_iEntry)
 {
     if (a_iEntry >> 12 == HIGHLOW)

@@ -22,21 +22,21 @@ enum
 
 typedef struct TImage
 {
-    unsigned char* pBase; // where it is
+    unsigned char* pBase; // address of its first byte
     uint32_t iSize;
     uint32_t iPreferredBase;
     uint32_t iHeaders; // offset of the optional header
-    uint32_t iMoved;   // addresses that were adjusted
+    uint32_t iMoved;   // number of adjusted addresses
 } TImage;
 
-// Maps the file that a_pFile holds, at a_iBase or, if that is 0, at its preferred base, binds its imports to the
-// functions of coredll.h and calls its entry for process attach. Returns null, or what it refuses in the file.
+// Maps the file in a_pFile at a_iBase, or at its preferred base if a_iBase is 0. Binds its imports to the functions of
+// coredll.h and calls its entry for process attach. Returns null, or a text that says why it refuses the file.
 const char* LoadImage(const unsigned char* a_pFile, size_t a_iLength, uint32_t a_iBase, TImage* a_pImage);
 
-// The exported function of that name, or null.
+// Returns the exported function with this name, or null.
 void* FindExport(const TImage* a_pImage, const char* a_szName);
 
-// Calls the entry as a loader does; returns its answer.
+// Calls the entry as the system does. Returns the result of the entry.
 int CallEntry(const TImage* a_pImage, uint32_t a_iReason);
 
 #if defined(__cplusplus)

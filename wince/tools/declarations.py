@@ -1,13 +1,13 @@
 #!/usr/bin/env python3
-"""declarations.py: what the public header declares, under the names of two compilers, and what is made of it.
+"""declarations.py: makes the export list, linker options and test shim from the declarations of the public header.
 
 Copyright (c) 2026 the nuv1math authors
 SPDX-License-Identifier: MIT
 
-Clang reads the header once as GCC for ARM would and once as Microsoft's compiler for ARM would.
-  --exports FILE   a line for each function: GCC's name, Microsoft's name
+Clang reads the header twice: with the name mangling of GCC and with that of Microsoft's compiler, both for ARM.
+  --exports FILE   one line per function: GCC's name and Microsoft's name
   --roots FILE     the linker options that keep these functions
-  --shim FILE      C++ source that defines each function as a call of the image's export
+  --shim FILE      C++ source that defines each function as a call of the function that the image exports
 """
 
 import argparse
@@ -36,7 +36,7 @@ def shim_definition(function):
     result = function["type"]["qualType"].split(" (", 1)[0]
     types = [node["type"]["qualType"] for node in function.get("inner", []) if node["kind"] == "ParmVarDecl"]
     parameters = ", ".join(f"{kind} a_{i}" for i, kind in enumerate(types))
-    # A reference is passed as the address that it is.
+    # A reference is passed as an address.
     arguments = "".join(f", {'&' if kind.endswith('&') else ''}a_{i}" for i, kind in enumerate(types))
     return (f"{result} {function['name']}({parameters})\n{{\n"
             f"    static void* const pExport = nuv_tests::FindInImage(\"{function['mangledName']}\");\n"

@@ -38,7 +38,7 @@ class ElfFile:
         return self.data[section.offset:section.offset + section.size]
 
     def relocations(self):
-        """Those of allocated sections, with the section that each is in."""
+        """The relocations of allocated sections, each with its section."""
         for table in self.sections:
             if table.type == RELOCATIONS and self.sections[table.info].flags & ALLOCATED:
                 for address, info in struct.iter_unpack("<II", self.contents(table)):

@@ -1,11 +1,11 @@
 #!/usr/bin/env python3
-"""make_imports.py: the import directory of an image, and a stub for each imported function, as assembly.
+"""make_imports.py: writes the import directory of an image and a stub for each imported function, as assembly.
 
 Copyright (c) 2026 the nuv1math authors
 SPDX-License-Identifier: MIT
 
 usage: make_imports.py OBJECT DEF OUTPUT
-OBJECT is the image's code as one relocatable object, DEF lists what may be imported.
+OBJECT is the code of the image as one relocatable object. DEF lists what may be imported.
 """
 
 import pathlib
@@ -13,7 +13,7 @@ import sys
 
 import elf32
 
-IDATA_RVA = 0x1000  # where image.ld puts it
+IDATA_RVA = 0x1000  # as in image.ld
 
 STUB = """
     .section .text.{name}, "ax", %progbits
@@ -41,7 +41,7 @@ def read_definition(path):
 
 
 def used_names(path):
-    """Names that something refers to; what was dropped as unused leaves undefined symbols behind."""
+    """Undefined names that a relocation uses. Dropped sections leave undefined symbols that nothing uses."""
     return sorted({relocation.symbol.name for _, relocation in elf32.ElfFile(path).relocations()
                    if relocation.symbol.section == elf32.UNDEFINED and relocation.symbol.name})
 
@@ -53,7 +53,7 @@ def rva(label):
 def import_directory(library, names):
     lines = ['    .section .idata, "aw", %progbits', "    .align 2", "idata:",
              rva("lookup"), "    .word 0, 0", rva("library"), rva("slots"), "    .word 0, 0, 0, 0, 0"]
-    # Until they are bound, the slots say the same as the lookup table.
+    # The loader replaces the contents of the slots, which are equal to the lookup table before.
     for table, prefix in (("lookup", "entry"), ("slots", "slot")):
         lines.append(f"{table}:")
         lines += [f"{prefix}_{name}:\n{rva('hint_' + name)}" for name in names]

@@ -5,9 +5,9 @@ Copyright (c) 2026 the nuv1math authors
 SPDX-License-Identifier: MIT
 
 usage: make_pe.py ELF EXPORTS OUTPUT
-ELF is linked by image.ld with its relocations kept; EXPORTS has a line for each function: its name in the link, which
-is exported, and a second exported name. The same input makes the same bytes. The layout is that of Microsoft's
-document "PE Format".
+ELF is linked with image.ld and keeps its relocations. EXPORTS has one line per function: its name in ELF and a second
+name. Both names are exported. The same input gives the same bytes. The layout is that of Microsoft's document "PE
+Format".
 """
 
 import collections
@@ -33,8 +33,8 @@ ELF_SECTIONS = {".idata": INITIALISED | READ | WRITE, ".text": CODE | EXECUTE | 
                 ".rdata": INITIALISED | READ, ".data": INITIALISED | READ | WRITE}
 HIGHLOW = 3
 
-# Relocations of the link: an absolute address moves with the image, the others are relative to their own place or,
-# for V4BX, mark an instruction.
+# Kinds of relocations in the ELF file. Only absolute addresses change when the image moves. The others are relative to
+# their own place, except V4BX, which marks an instruction.
 R_PC24, R_ABS32, R_REL32, R_CALL, R_JUMP24, R_V4BX = 1, 2, 3, 28, 29, 40
 RELATIVE = {R_PC24, R_REL32, R_CALL, R_JUMP24, R_V4BX}
 
@@ -50,7 +50,7 @@ def elf_sections(elf):
     unknown = [section.name for section in found if section.name not in ELF_SECTIONS]
     if unknown:
         raise SystemExit(f"sections that an image does not have: {' '.join(unknown)}")
-    # Zeros at the end need no room in the file: the loader clears what lies beyond it.
+    # The file does not store zeros at the end of a section: the loader clears the rest of its pages.
     return [PeSection(section.name, section.address - IMAGE_BASE, section.size,
                       elf.contents(section).rstrip(b"\0"), ELF_SECTIONS[section.name]) for section in found]
 
@@ -71,13 +71,13 @@ def relocation_data(places):
         pages[place // PAGE * PAGE].append(HIGHLOW << 12 | place % PAGE)
     data = b""
     for page, entries in sorted(pages.items()):
-        entries += [0] * (len(entries) % 2)  # blocks begin at multiples of 4
+        entries += [0] * (len(entries) % 2)  # pads the block to a multiple of 4 bytes
         data += struct.pack(f"<II{len(entries)}H", page, 8 + 2 * len(entries), *entries)
     return data
 
 
 def exported_functions(elf, path):
-    """Names with their addresses, sorted as a loader searches them: as listed, and exactly what the link shows."""
+    """Sorted names with their addresses. The listed functions must be exactly those that ELF exports."""
     visible = {symbol.name: symbol.value - IMAGE_BASE for symbol in elf.symbols
                if symbol.binding == elf32.GLOBAL and symbol.visibility == elf32.DEFAULT_VISIBILITY
                and symbol.type == elf32.FUNCTION and symbol.section != elf32.UNDEFINED}
@@ -88,7 +88,7 @@ def exported_functions(elf, path):
 
 
 def export_data(functions, rva):
-    """Each name has an ordinal and an address entry of its own: some readers show only one name of an ordinal."""
+    """Each name gets an ordinal of its own, because some readers show only one name per ordinal."""
     count = len(functions)
     addresses_at = 40
     names_at = addresses_at + 4 * count
@@ -106,7 +106,7 @@ def export_data(functions, rva):
 
 
 def append(sections, name, make_data, flags):
-    """Puts a section behind the others; make_data gets its address."""
+    """Appends a section. make_data gets its address and returns its contents."""
     rva = align(sections[-1].rva + sections[-1].size, PAGE)
     data = make_data(rva)
     sections.append(PeSection(name, rva, len(data), data, flags))
