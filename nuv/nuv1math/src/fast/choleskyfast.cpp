@@ -66,11 +66,11 @@ static NUV_INLINE void AddRowsBy(int a_iUnknowns, double* __restrict a_vdMatrix,
 {
     const int LANES = sizeof(TVector) / sizeof(double);
     int i = 0;
-    for (; i <= a_iUnknowns - LANES; i += LANES)
+    for (; a_iUnknowns - i >= LANES; i += LANES)
     {
         a_vdMatrix = AddRowsTogetherBy<TVector>(i, a_vdMatrix, a_vdRow);
     }
-    for (; i <= a_iUnknowns - 2; i += 2) // vectors of four can leave a pair
+    for (; a_iUnknowns - i >= 2; i += 2) // vectors of four can leave a pair
     {
         a_vdMatrix = AddRowsTogetherBy<TPair>(i, a_vdMatrix, a_vdRow);
     }
