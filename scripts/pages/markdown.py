@@ -46,11 +46,15 @@ def listed(words):
     return ", ".join(words[:-1]) + " and " + words[-1] if len(words) > 1 else "".join(words)
 
 
-def read_json(path, command):
-    """A result in the build directory, and the command that makes it if it is not there."""
+def read_text(path, command):
+    """A file in the build directory. If it is not there, the message names the command that makes it."""
     if not (ROOT / path).exists():
         fail(f"{path} is missing; {command} makes it")
-    return json.loads((ROOT / path).read_text())
+    return (ROOT / path).read_text()
+
+
+def read_json(path, command):
+    return json.loads(read_text(path, command))
 
 
 def write(path, text):

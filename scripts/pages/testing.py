@@ -5,11 +5,10 @@ Copyright (c) 2026 the nuv1math authors
 SPDX-License-Identifier: MIT
 """
 
+import re
+
 import platforms
-from markdown import NUMBER, WORD, read_json, table, write_regions
-
-CHECKS = ["coverage", "mutants", "fuzz", "memcheck"]
-
+from markdown import NUMBER, WORD, fail, read_text, table, write_regions
 
 def presets():
     rows = []
@@ -21,12 +20,44 @@ def presets():
                  [WORD, WORD, WORD, NUMBER, NUMBER, WORD])
 
 
+def coverage(text):
+    reached, lines, taken, branches, marked = found(r"^total +lines +(\d+) of +(\d+) +branches +(\d+) of +(\d+) +(\d+)",
+                                                    text)
+    return f"{reached} of {lines} lines and {taken} of {branches} branches are reached; {marked} lines have a marker"
+
+
+def mutants(text):
+    count, verdicts = found(r"^(\d+) mutants: (.*)$", text)
+    return f"{count} mutants: {verdicts}"
+
+
+def fuzz(text):
+    runs = re.findall(r"^(\w+) +(\d+) executions  no finding$", text, re.MULTILINE)
+    return f"no finding in {sum(int(count) for _, count in runs):,} executions of {len(runs)} targets".replace(",", " ")
+
+
+def memcheck(text):
+    tests = dict(re.findall(r"^(\w+): clean, (\d+) tests", text, re.MULTILINE))
+    of_fitpoints = int(tests.pop("fitpoints_tests"))
+    return f"no error and no leak in {sum(map(int, tests.values()))} tests of the library and {of_fitpoints} of `fitpoints`"
+
+
+CHECKS = [coverage, mutants, fuzz, memcheck]
+
+
+def found(pattern, text):
+    match = re.search(pattern, text, re.MULTILINE)
+    if not match:
+        fail(f"no line like {pattern} in the record of a check")
+    return match.groups()
+
+
 def checks():
-    """What each check left in build/results: one sentence."""
+    """A sentence for each check, from what its last run printed."""
     rows = []
     for check in CHECKS:
-        command = f"scripts/check {check}"
-        rows.append([f"`{command}`", read_json(f"build/results/{check}.json", command)["found"]])
+        command = f"scripts/check {check.__name__}"
+        rows.append([f"`{command}`", check(read_text(f"build/results/{check.__name__}.txt", command))])
     return table(["Check", "What its last run found"], rows, [WORD, WORD])
 
 
