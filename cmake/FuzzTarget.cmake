@@ -2,10 +2,10 @@
 #
 # libFuzzer programs with the library's sources built in, under the address and undefined-behaviour sanitizers.
 #
-# A fuzz target fuzz_NAME is linked from its own objects, then from the archive nuv1math_fuzz with all of the library.
-# Each target defines ReportAssertion, so the linker does not draw the library's own assertion report from the archive.
-# In the same way a changed source replaces the original one: compile it by the command that compile_commands.json gives
-# for nuv1math_fuzz_objects and link its object before the archive:
+# A fuzz target fuzz_NAME is linked from its own objects, from fuzzing.cpp, and from the archive nuv1math_fuzz with all
+# of the library. fuzzing.cpp defines ReportAssertion, so the linker does not take the library's own assertion report
+# from the archive. In the same way a changed source replaces the original one: compile it by the command that
+# compile_commands.json gives for nuv1math_fuzz_objects, and link its object before the archive:
 #   clang++ -fsanitize=fuzzer,address,undefined fuzz_NAME.dir/*.o changed.o libnuv1math_fuzz.a -o changed_target
 
 if(NOT CMAKE_CXX_COMPILER_ID MATCHES "Clang")
@@ -28,10 +28,11 @@ endif()
 # nuv_add_fuzz_target(NAME SOURCE...): the program fuzz_NAME, its kept inputs unpacked to fuzz/corpus/NAME of the build,
 # and a test that runs each of them once. -runs=0 reads the corpus and stops.
 function(nuv_add_fuzz_target name)
-  add_executable(fuzz_${name} ${ARGN})
+  add_executable(fuzz_${name} ${ARGN} ${PROJECT_SOURCE_DIR}/fuzz/fuzzing.cpp)
   set_target_properties(fuzz_${name} PROPERTIES
     CXX_STANDARD 17 CXX_STANDARD_REQUIRED ON CXX_EXTENSIONS OFF RUNTIME_OUTPUT_DIRECTORY ${PROJECT_BINARY_DIR}/fuzz)
   target_compile_options(fuzz_${name} PRIVATE -Wall -Wextra -Wshadow ${nuv_fuzz_options})
+  target_include_directories(fuzz_${name} PRIVATE ${PROJECT_SOURCE_DIR}/fuzz ${PROJECT_SOURCE_DIR}/tests)
   target_link_options(fuzz_${name} PRIVATE -fsanitize=fuzzer,address,undefined)
   target_link_libraries(fuzz_${name} PRIVATE nuv1math_fuzz nuv_floating_point)
 

@@ -2,10 +2,10 @@
 // Copyright (c) 2026 the nuv1math authors
 // SPDX-License-Identifier: MIT
 
-#include "support/child_process.h"
 #include "coredll.h"
 #include "forward.h"
 #include "nuv1math.h"
+#include "support/child_process.h"
 #include "support/random_sequences.h"
 #include "testing.h"
 
