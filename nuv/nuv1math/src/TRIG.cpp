@@ -9,7 +9,7 @@
 
 namespace nuv {
 
-static const double ANGLE_PI = 3.141592653589793;       // the doubles nearest to pi,
+static const double ANGLE_PI = 3.141592653589793;       // the doubles nearest to pi
 static const double ANGLE_HALF_PI = 1.5707963267948966; // pi/2
 static const double ANGLE_3_HALF_PI = 4.71238898038469; // and 3 pi/2
 
@@ -17,23 +17,23 @@ static const double ANGLE_3_HALF_PI = 4.71238898038469; // and 3 pi/2
 // Linear trigonometric equation
 //
 // Model      a cos(t) + b sin(t) + c = 0.
-// Method     One coefficient missing: asin, acos or atan2. Otherwise u = tan(t/2) turns the equation into
+// Method     If a coefficient is 0: asin, acos or atan2. Otherwise u = tan(t/2) turns the equation into
 //            (c - a) u^2 + 2 b u + (a + c) = 0.
-// Special    a = c: t = pi solves the equation and is the u = infinity that the substitution loses; it is put first.
-//            a = b = 0: no angle, or every angle. Tangent solutions s = +-1 count twice where b alone is there, once
-//            where a alone is. Comparisons are exact.
-// Order      Angles below 0 get 2 pi added; where two angles differ by pi, the second is formed from the first.
+// Special    If a = c, t = pi is a solution. It is u = infinity, which the quadratic does not have, so it is put first.
+//            If a = b = 0, no angle or every angle is a solution. A tangent solution, with sin(t) = +-1 or cos(t) =
+//            +-1, is found twice if only b is not 0, and once if only a is not 0. Comparisons are exact.
+// Order      2 pi is added to an angle below 0. If two angles differ by pi, the second is computed from the first.
 // ---------------------------------------------------------------------------------------------------------------------
 
 enum
 {
-    LINEAR_ANGLES = 2,   // the most that SolveLinTrig writes
-    QUADRATIC_ANGLES = 4 // and SolveQuadTrig
+    LINEAR_ANGLES = 2,   // the most angles that SolveLinTrig writes
+    QUADRATIC_ANGLES = 4 // the most angles that SolveQuadTrig writes
 };
 
-// Real roots of A u^2 + B u + C = 0, not ordered: 0, 1 or 2; if A = 0 also RET_IMPOSSIBLE (C != 0) or RET_INDETERMINATE
-// for a constant. With D = B^2 - 4AC one root is (-B -+ sqrt(D))/(2A), the sign being that which does not cancel, and
-// the other is C/A over it: W. Kahan's form of the formula.
+// The real roots of A u^2 + B u + C = 0, in no order. Returns their number, 0 to 2. If A = B = 0 it returns
+// RET_IMPOSSIBLE (C is not 0) or RET_INDETERMINATE. With D = B^2 - 4AC one root is (-B -+ sqrt(D))/(2A) with the sign
+// that does not cancel. The other root is C/A divided by the first, which is W. Kahan's form of the formula.
 static int SolveQuadratic(double a_dA, double a_dB, double a_dC, double* a_pRoot1, double* a_pRoot2)
 {
     if (IsZero(a_dA))
@@ -56,7 +56,7 @@ static int SolveQuadratic(double a_dA, double a_dB, double a_dC, double* a_pRoot
         return 1;
     }
     const double dRoot = sqrt(dDiscriminant);
-    if (IsBelowZero(a_dB)) // a NaN makes both roots NaN, here and there
+    if (IsBelowZero(a_dB)) // a NaN makes both roots NaN in either branch
     {
         const double dSum = dRoot - a_dB;
         *a_pRoot1 = dSum / (a_dA * 2.0);
@@ -71,15 +71,15 @@ static int SolveQuadratic(double a_dA, double a_dB, double a_dC, double* a_pRoot
     return 2;
 }
 
-// The angle t in [0, 2 pi] with tan(t/2) = a_dTangent.
+// The angle t in [0, 2 pi] for which tan(t/2) = a_dTangent.
 static double AngleOfHalfTangent(double a_dTangent)
 {
     const double dAngle = 2.0 * atan(a_dTangent);
     return IsBelowZero(dAngle) ? dAngle + ANGLE_2PI : dAngle;
 }
 
-// Stores an angle of [-pi, pi] and its opposite, both in [0, 2 pi]. From a negative angle the first is the greater one,
-// and the second is formed from it, not from the angle: that is how it rounds.
+// Stores an angle of [-pi, pi] and the one opposite to it, both in [0, 2 pi]. If the angle is negative, the greater one
+// comes first, and the second is computed from it and not from the angle, which would round differently.
 static void StoreOpposites(double a_dAngle, double* a_vdAngles)
 {
     if (IsBelowZero(a_dAngle))
@@ -94,7 +94,7 @@ static void StoreOpposites(double a_dAngle, double* a_vdAngles)
     }
 }
 
-// b sin(t) + c = 0, b not 0. Double angles at sin(t) = +-1 are not merged.
+// b sin(t) + c = 0, b not 0. The two equal angles of sin(t) = +-1 are not merged.
 static int SolveSine(double a_dB, double a_dC, double* a_vdAngles)
 {
     const double dSine = -(a_dC / a_dB);
@@ -139,7 +139,7 @@ static int SolveCosine(double a_dA, double a_dC, double* a_vdAngles)
     return 2;
 }
 
-// All three coefficients not 0: by the half-angle tangent.
+// None of the coefficients is 0: by the tangent of half the angle.
 static int SolveByHalfTangent(double a_dA, double a_dB, double a_dC, double* a_vdAngles)
 {
     int iCount = 0;
@@ -150,7 +150,7 @@ static int SolveByHalfTangent(double a_dA, double a_dB, double a_dC, double* a_v
     }
     double vdTangents[2];
     const int iRoots = SolveQuadratic(a_dC - a_dA, 2.0 * a_dB, a_dA + a_dC, &vdTangents[0], &vdTangents[1]);
-    // Infinite a = c leave two roots beside pi: no more angles than the caller has room for.
+    // An infinite a = c gives two roots beside pi. The caller has room for two angles.
     for (int i = 0; i < iRoots && iCount < LINEAR_ANGLES; ++i)
     {
         a_vdAngles[iCount] = AngleOfHalfTangent(vdTangents[i]);
@@ -189,19 +189,19 @@ int SolveLinTrig(double a_dA, double a_dB, double a_dC, double* const a_vdAngles
 // Quadratic trigonometric equation
 //
 // Model      a cos^2(t) + b sin^2(t) + c sin(t) cos(t) + d cos(t) + e sin(t) + f = 0.
-// Method     1. d = e = 0: with p = a + f, q = b + f it is p cos^2 + c sin cos + q sin^2 = 0, a product when p or q
-//               is 0, else a quadratic in tan(t).
-//            2. c = 0, a = b: the quadratic terms are a constant, a linear equation is left.
+// Method     1. d = e = 0: with p = a + f and q = b + f it is p cos^2 + c sin cos + q sin^2 = 0. That is a product if p
+//               or q is 0, and otherwise a quadratic in tan(t).
+//            2. c = 0 and a = b: the quadratic terms are a constant, and a linear equation is left.
 //            3. Otherwise u = tan(t/2) gives a quartic.
-//            The angles are then sorted, and those closer than 1e-12 to the first of their group are dropped.
-// Special    d = a + f: t = pi solves the equation and is the u = infinity that the quartic loses; it is put first.
-//            A quartic of zeros only is reported as the count so far, not as RET_INDETERMINATE.
+//            The angles are then sorted. Those closer than 1e-12 to the first one of their group are dropped.
+// Special    If d = a + f, t = pi is a solution. It is u = infinity, which the quartic does not have, so it is put
+//            first. If all coefficients of the quartic are 0, the result is the count so far and not RET_INDETERMINATE.
 // ---------------------------------------------------------------------------------------------------------------------
 
-static const double QUARTIC_TOLERANCE = 1e-6;    // on the imaginary parts of the quartic's roots
+static const double QUARTIC_TOLERANCE = 1e-6;    // for the imaginary parts of the roots of the quartic
 static const double DUPLICATE_TOLERANCE = 1e-12; // radians
 
-// c sin(t) cos(t) + q sin^2(t) = 0: sin(t) = 0 beside c cos(t) + q sin(t) = 0.
+// c sin(t) cos(t) + q sin^2(t) = 0: sin(t) = 0 or c cos(t) + q sin(t) = 0.
 static int SolveSineFactor(double a_dC, double a_dQ, double* a_vdAngles)
 {
     const int iRet = SolveLinTrig(a_dC, a_dQ, 0.0, a_vdAngles);
@@ -215,7 +215,7 @@ static int SolveSineFactor(double a_dC, double a_dQ, double* a_vdAngles)
     return 4;
 }
 
-// p cos^2(t) + c sin(t) cos(t) = 0, p not 0: cos(t) = 0 beside p cos(t) + c sin(t) = 0.
+// p cos^2(t) + c sin(t) cos(t) = 0, p not 0: cos(t) = 0 or p cos(t) + c sin(t) = 0.
 static int SolveCosineFactor(double a_dP, double a_dC, double* a_vdAngles)
 {
     const int iRet = SolveLinTrig(a_dP, a_dC, 0.0, a_vdAngles);
@@ -230,7 +230,7 @@ static int SolveByTangent(double a_dP, double a_dC, double a_dQ, double* a_vdAng
 {
     double vdTangents[2];
     const int iRet = SolveQuadratic(a_dQ, a_dC, a_dP, &vdTangents[0], &vdTangents[1]);
-    // The text of the condition is part of the report.
+    // The report shows the text of the condition, also its spaces.
     // clang-format off
     NUV_ASSERT_AT("NUV\\NUV1MATH\\Src\\TRIG.cpp", 165, iRet>=0); // unreachable: the first coefficient is not 0
     // clang-format on
@@ -255,7 +255,8 @@ static int SolveByQuartic(double a_dA, double a_dB, double a_dC, double a_dD, do
     }
     double vdTangents[4];
     const int iRoots = Roots(4, vdQuartic, vdTangents, QUARTIC_TOLERANCE);
-    // A guard: with d = a + f the quartic has lost its first term, so there are three roots at most beside pi.
+    // The test of the room is a guard: if d = a + f, the first coefficient is 0, and there are at most three roots
+    // beside pi.
     for (int i = 0; i < iRoots && iCount < QUADRATIC_ANGLES; ++i) // unreachable: beside pi there are at most three
     {
         a_vdAngles[iCount] = AngleOfHalfTangent(vdTangents[i]);
@@ -264,7 +265,7 @@ static int SolveByQuartic(double a_dA, double a_dB, double a_dC, double a_dD, do
     return iCount;
 }
 
-// The angles unsorted and with repeats.
+// The angles, not sorted and with repetitions.
 static int SolveQuadTrigRaw(double a_dA, double a_dB, double a_dC, double a_dD, double a_dE, double a_dF,
                             double* const a_vdAngles)
 {
@@ -289,7 +290,7 @@ static int SolveQuadTrigRaw(double a_dA, double a_dB, double a_dC, double a_dD, 
     return SolveByQuartic(a_dA, a_dB, a_dC, a_dD, a_dE, a_dF, a_vdAngles);
 }
 
-// Ascending, by selection of the first smallest.
+// Sorts in ascending order: the first of the smallest angles left comes next.
 static void SortAngles(int a_iCount, double* a_vdAngles)
 {
     for (int i = 0; i < a_iCount - 1; ++i)
@@ -309,8 +310,8 @@ static void SortAngles(int a_iCount, double* a_vdAngles)
     }
 }
 
-// Copies the first of each group of sorted angles; returns how many groups there are. The distance counts from the
-// first of a group, not from the neighbour.
+// Copies the first angle of each group of sorted angles. Returns the number of groups. An angle belongs to the group if
+// it is close to the first angle of the group; its distance to its neighbour does not count.
 static int CopyDistinctAngles(int a_iCount, const double* a_vdSorted, double* a_vdAngles)
 {
     int iDistinct = 0;

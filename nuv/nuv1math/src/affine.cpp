@@ -180,8 +180,9 @@ void ConformalCoefsToAffineCoefs(const TConformalCoefs& a_Coefs, TAffineCoefs& a
 // Method     Elimination with row pivoting. Every pivot row is divided by its pivot. So the factor is unit upper
 //            triangular, and the back substitution divides by 1.
 // Special    A pivot of exactly 0 becomes 1e-14, and the elimination goes on. A tiny pivot is used as it is.
-// Order      An update multiplies first and then adds: (pivot row element) g + element. Scaling by exactly 1 and updates
-//            with a factor of exactly 0 are skipped. The second skip also keeps 0 * inf out of rows that need no update.
+// Order      An update multiplies first and then adds: (pivot row element) g + element. Scaling by exactly 1 and
+//            updates with a factor of exactly 0 are skipped. The second skip also keeps 0 * inf out of rows that need
+//            no update.
 // Source     G. H. Golub, C. F. Van Loan, Matrix Computations, 4th ed., sections 3.1 and 3.4.
 // ---------------------------------------------------------------------------------------------------------------------
 

@@ -20,8 +20,8 @@ int FitAffine(const TControlPoints& a_Points, TAffineCoefs& a_Coefs);
 int FitConformal(const TControlPoints& a_Points, bool a_bRigidInverse, TConformalCoefs& a_Coefs);
 
 // Dense systems A x = b with several right-hand sides. Matrices stand column by column: element (i, j), counted from 0,
-// is at j*ld + i. The names are those of the literature: A is n x n, B and X are n x nrhs, and the leading dimensions are
-// lda, ldb and ldx.
+// is at j*ld + i. The names are those of the literature: A is n x n, B and X are n x nrhs, and the leading dimensions
+// are lda, ldb and ldx.
 
 // Gaussian elimination with row pivoting. A becomes its unit upper triangular factor, B is transformed with it, and X
 // receives the solutions. A pivot of exactly 0 is replaced by 1e-14, so a singular system gives very large values and
@@ -33,8 +33,8 @@ int SolveGauss(int a_iN, int a_iNrhs, double* a_vdA, int a_iLda, double* a_vdB, 
 // Only a strictly greater magnitude replaces an earlier one, so a NaN in the first place stays.
 int MaxAbsIndex(int a_iN, const double* a_vdX, int a_iIncX);
 
-// Back substitution U x = b for an upper triangular U. A zero diagonal element gives x = 0 if the rest of its equation is
-// negligible. Otherwise the result is 0, and +infinity is written n times from the last element of x *forward*. So x
+// Back substitution U x = b for an upper triangular U. A zero diagonal element gives x = 0 if the rest of its equation
+// is negligible. Otherwise the result is 0, and +infinity is written n times from the last element of x *forward*. So x
 // needs room for 2n-1 elements with the stride; those before the last keep what the substitution left. Returns 1 on
 // success, and for n < 1 with nothing touched.
 int SolveUpperTri(int a_iN, const double* a_vdU, int a_iLdu, const double* a_vdB, int a_iIncB, double* a_vdX,

@@ -149,8 +149,8 @@ int CalcAffineCoefs(unsigned int a_iPoints, const double* a_vdX, const double* a
 // Method     With dx, dy, dX and dY centred on the means: S = sum(dx^2 + dy^2), A = sum(dX dx + dY dy)/S and
 //            B = sum(dX dy - dY dx)/S. The translations map the mean onto the mean.
 // Special    Equal source points (S = 0) are a failure. Equal target points give A = B = 0 except for rounding. The
-//            inverse fields are then NaN, with the result 1, unless the rigid inverse is asked for. The rigid inverse is
-//            stored whatever the scale is.
+//            inverse fields are then NaN, with the result 1, unless the rigid inverse is asked for. The rigid inverse
+//            is stored whatever the scale is.
 // Order      The term of a point is formed first and then added to the sum, in the order of the points.
 // Source     C. D. Ghilani, Adjustment Computations, two-dimensional conformal coordinate transformation;
 //            S. Umeyama, IEEE Trans. Pattern Anal. Mach. Intell. 13 (1991) 376-380.
@@ -177,10 +177,10 @@ static void CalcConformalSums(const TControlPoints& a_Points, const TMeans& a_Me
     double dSb = 0.0;
     for (unsigned int i = 0; i < a_Points.iCount; ++i)
     {
-        const double dx = a_Points.vdX[i] - a_Means.dX;
         const double dy = a_Points.vdY[i] - a_Means.dY;
-        const double dX = a_Points.vdXa[i] - a_Means.dXa;
+        const double dx = a_Points.vdX[i] - a_Means.dX;
         const double dY = a_Points.vdYa[i] - a_Means.dYa;
+        const double dX = a_Points.vdXa[i] - a_Means.dXa;
         dS = (dy * dy + dx * dx) + dS;
         dSa = (dY * dy + dX * dx) + dSa;
         dSb = (dX * dy - dY * dx) + dSb;

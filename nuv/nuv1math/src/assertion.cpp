@@ -11,7 +11,7 @@ void ReportAssertion(const TReportChar* a_szPath, int a_iLine, const TReportChar
     TReportChar szText[REPORT_LENGTH];
     FormatReport(szText, a_szPath, a_iLine, a_szCondition);
     ShowTextAndWait(szText);
-    EndProcess(); // Retry retries nothing: the invariant is broken for either answer
+    EndProcess(); // for either answer: Retry cannot mend a broken invariant
 }
 
 } // namespace nuv

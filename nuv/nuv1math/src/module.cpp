@@ -1,4 +1,4 @@
-// module.cpp: the module entry: what happens when the library is loaded into a process.
+// module.cpp: what the library does when it is loaded into a process.
 // Copyright (c) 2026 the nuv1math authors
 // SPDX-License-Identifier: MIT
 
@@ -10,13 +10,13 @@
 
 namespace nuv {
 
-static const int SEED_AT_LOAD = -1; // every process starts with the same sequence
+static const int SEED_AT_LOAD = -1; // so every process starts with the same sequence
 
 } // namespace nuv
 
 #if defined(_WIN32)
 
-// Windows CE passes the module as HANDLE, which is void*; HINSTANCE is what the desktop's headers declare.
+// The headers of Windows CE declare the module as HANDLE, those of desktop Windows as HINSTANCE.
 #if defined(_WIN32_WCE)
 extern "C" BOOL WINAPI DllMain(HANDLE, DWORD a_iReason, LPVOID)
 #else
@@ -39,6 +39,6 @@ __attribute__((constructor)) static void SeedAtLoad()
 
 #else
 
-#error "module.cpp knows no way to run code at load with this compiler"
+#error "module.cpp does not know how to run code at load with this compiler"
 
 #endif

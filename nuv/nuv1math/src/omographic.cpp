@@ -26,13 +26,13 @@ namespace nuv {
 //            Each step sums up and solves 8 x 8 normal equations, with one X row and one Y row per point.
 // Special    If the linear equations cannot be factorised, the result is RET_INDETERMINATE, and the record holds their
 //            right-hand side. If a refinement cannot be factorised, the coefficients before it are the result, as a
-//            success: a point on the vanishing line (W = 0) makes its matrix infinite or NaN. A radicand of exactly 0 in
-//            the last row passes and the solution divides by zero: no comparison with a NaN correction holds, so the
+//            success: a point on the vanishing line (W = 0) makes its matrix infinite or NaN. A radicand of exactly 0
+//            in the last row passes and the solution divides by zero: no comparison with a NaN correction holds, so the
 //            iteration ends as converged, and the NaN stands in the coefficients for the caller to find.
 // Order      The order of the points, the X row before the Y row. The entries of a row as they are written below, with
 //            reciprocals multiplied.
-// Deviation  from Hartley and Zisserman: the coordinates are not normalised. So the conditioning depends on the caller's
-//            units and origin, and the constant of the denominator is fixed at 1.
+// Deviation  from Hartley and Zisserman: the coordinates are not normalised. So the conditioning depends on the
+//            caller's units and origin, and the constant of the denominator is fixed at 1.
 // Faster     fast/omographicfast.h.
 // Source     R. Hartley, A. Zisserman, Multiple View Geometry, 2nd ed., sections 4.1 and 4.5; A. Bjorck, Numerical
 //            Methods for Least Squares Problems, section 9.2.

@@ -59,8 +59,8 @@ enum
     ROW_VALUES
 };
 
-// Forms the values of the rows of point i: those of the linear equations if a_vdCoefs is null, and otherwise those of the
-// refinement at these eight coefficients.
+// Forms the values of the rows of point i: those of the linear equations if a_vdCoefs is null, and otherwise those of
+// the refinement at these eight coefficients.
 void FormRows(const TControlPoints& a_Points, unsigned int i, const double* a_vdCoefs, double* a_vdRow);
 
 } // namespace nuv

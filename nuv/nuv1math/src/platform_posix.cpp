@@ -14,7 +14,7 @@ namespace nuv {
 
 namespace {
 
-// Writes the whole text to standard error; nothing is left to do where that cannot be written.
+// Writes the whole text to standard error. If that fails, there is no other way to show it.
 void WriteToStandardError(const char* a_szText)
 {
     size_t iLeft = strlen(a_szText);
@@ -34,7 +34,7 @@ void WriteToStandardError(const char* a_szText)
     }
 }
 
-// Takes one line, or the end of the input, from standard input.
+// Reads standard input to the end of the line or of the input.
 void SkipAnswer()
 {
     char cAnswer = 0;
@@ -54,7 +54,7 @@ void FormatReport(TReportChar* a_szText, const TReportChar* a_szPath, int a_iLin
 
 void ShowTextAndWait(const TReportChar* a_szText)
 {
-    signal(SIGPIPE, SIG_IGN); // a closed pipe must not end the process by a signal, with another exit status
+    signal(SIGPIPE, SIG_IGN); // a closed pipe must not end the process with another exit status
     WriteToStandardError(a_szText);
     if (isatty(STDIN_FILENO))
     {
@@ -65,7 +65,7 @@ void ShowTextAndWait(const TReportChar* a_szText)
 
 void EndProcess()
 {
-    _exit(0); // no destructors and no exit handlers, as TerminateProcess does
+    _exit(0); // like TerminateProcess, without destructors and exit handlers
 }
 
 } // namespace nuv

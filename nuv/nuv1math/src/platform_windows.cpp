@@ -10,13 +10,14 @@ namespace nuv {
 
 void FormatReport(TReportChar* a_szText, const TReportChar* a_szPath, int a_iLine, const TReportChar* a_szCondition)
 {
-    // wsprintfW does not know the room of its buffer: every site checks its message when it is compiled.
+    // wsprintfW does not know the size of its buffer. NUV_ASSERT_AT checks the length of each message when it is
+    // compiled.
     wsprintfW(a_szText, L"%s:%d assertion failure:\n%s", a_szPath, a_iLine, a_szCondition);
 }
 
 void ShowTextAndWait(const TReportChar* a_szText)
 {
-    MessageBoxW(NULL, a_szText, NULL, MB_RETRYCANCEL); // no owner; the system's own caption
+    MessageBoxW(NULL, a_szText, NULL, MB_RETRYCANCEL); // without an owner, with the caption of the system
 }
 
 void EndProcess()

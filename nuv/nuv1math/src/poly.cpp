@@ -26,10 +26,11 @@ namespace nuv {
 //            2. Reduction to upper Hessenberg form by elementary similarity transformations with row pivoting.
 //            3. QR iteration with the implicit double shift of Francis. The shifts of iterations 10 and 20 are
 //               exceptional. Eigenvalues split off at the bottom, one or a pair at a time.
-// Special    An eigenvalue that needs more than 30 iterations ends the iteration. A column whose norm is infinite is not
-//            balanced, because no halving brings the norm into range. NaN and infinity are not looked for elsewhere.
-// Order      Convergence means that a term does not change a sum. So it depends on the order of every operation. A value
-//            that several others are divided by is inverted once.
+// Special    An eigenvalue that needs more than 30 iterations ends the iteration. A column whose norm is infinite is
+//            not balanced, because no halving brings the norm into range. NaN and infinity are not looked for
+//            elsewhere.
+// Order      Convergence means that a term does not change a sum. So it depends on the order of every operation. A
+//            value that several others are divided by is inverted once.
 // Deviation  from the papers: balancing skips a row or column whose norm is exactly 0. The multipliers of step 2 stay
 //            below the subdiagonal, and step 3 clears only the elements that its sweep reads.
 // Faster     fast/polyfast.h.
@@ -87,8 +88,8 @@ static void CalcOffDiagonalNorms(double* const* A, int a_iN, int i, double& a_dC
     }
 }
 
-// Divides row i and multiplies column i by a power of 2, so that their norms become comparable. False if that would gain
-// too little; nothing is changed then.
+// Divides row i and multiplies column i by a power of 2, so that their norms become comparable. False if that would
+// gain too little; nothing is changed then.
 static bool BalanceRowAndColumn(double* const* A, int a_iN, int i)
 {
     double dColumn;
@@ -151,8 +152,8 @@ void BalanceMatrix(int a_iN, double* a_vdMatrix, int a_iStride)
     free(A);
 }
 
-// Finds the element of greatest magnitude in column m-1 from row m down, the first of equal ones. Swaps its row with row
-// m, and the columns of the same numbers. Returns the element; 0 if all are zero or NaN.
+// Finds the element of greatest magnitude in column m-1 from row m down, the first of equal ones. Swaps its row with
+// row m, and the columns of the same numbers. Returns the element; 0 if all are zero or NaN.
 static double PivotHessenbergColumn(double* const* A, int a_iN, int m)
 {
     double dPivot = 0.0;
@@ -227,8 +228,8 @@ void ReduceToHessenberg(int a_iN, double* a_vdMatrix, int a_iStride)
 
 namespace {
 
-// The shift of one QR iteration. The two shifts are the eigenvalues of a 2 x 2 block: x and y are its diagonal elements, w
-// is the product of its off-diagonal elements. Usually it is the block at the bottom of the matrix.
+// The shift of one QR iteration. The two shifts are the eigenvalues of a 2 x 2 block: x and y are its diagonal
+// elements, w is the product of its off-diagonal elements. Usually it is the block at the bottom of the matrix.
 struct TShift
 {
     double dX;
@@ -260,8 +261,8 @@ static double CalcHessenbergNorm(double* const* A, int a_iN)
     return dNorm;
 }
 
-// Row of the lowest subdiagonal element, in row nn or above, that is negligible beside its diagonal neighbours: adding it
-// to them changes nothing. 1 if there is none. The element is left in place.
+// Row of the lowest subdiagonal element, in row nn or above, that is negligible beside its diagonal neighbours: adding
+// it to them changes nothing. 1 if there is none. The element is left in place.
 static int FindNegligibleSubdiagonal(double* const* A, int nn, double a_dNorm)
 {
     for (int l = nn; l >= 2; --l)
@@ -304,8 +305,8 @@ static void StorePair(const TShift& a_Block, double a_dShifted, int nn, double* 
     }
 }
 
-// Subtracts the last element of the diagonal from the whole diagonal, and takes the shifts from another block. That breaks
-// cycles of the iteration.
+// Subtracts the last element of the diagonal from the whole diagonal, and takes the shifts from another block. That
+// breaks cycles of the iteration.
 static void ApplyExceptionalShift(double* const* A, int nn, double& a_dShifted, TShift& a_Shift)
 {
     a_dShifted += a_Shift.dX;
@@ -405,8 +406,8 @@ static void ReflectColumns(double* const* A, int k, int l, int nn, const TReflec
     }
 }
 
-// Step k > m of the sweep reflects the vector that stands in column k-1, from row k down. Returns the factor by which it
-// was scaled down.
+// Step k > m of the sweep reflects the vector that stands in column k-1, from row k down. Returns the factor by which
+// it was scaled down.
 static double LoadReflectedVector(double* const* A, int k, int nn, TReflectedVector& a_V)
 {
     a_V.dP = At(A, k, k - 1);
@@ -423,8 +424,8 @@ static double LoadReflectedVector(double* const* A, int k, int nn, TReflectedVec
     return dScale;
 }
 
-// Step k of the sweep that starts in row m: the reflection that clears column k-1 below row k, from both sides. The first
-// step, k = m, reflects the vector that is passed.
+// Step k of the sweep that starts in row m: the reflection that clears column k-1 below row k, from both sides. The
+// first step, k = m, reflects the vector that is passed.
 static void SweepStep(double* const* A, int k, int m, int l, int nn, TReflectedVector a_V)
 {
     const double dScale = k != m ? LoadReflectedVector(A, k, nn, a_V) : 0.0;
@@ -462,8 +463,8 @@ static void DoubleStep(double* const* A, int l, int nn, const TShift& a_Shift)
     }
 }
 
-// Iterates until one eigenvalue or a pair splits off at the bottom row nn, and stores it. Returns how many rows have split
-// off; 0 if the iterations have run out. a_dShifted is the sum of what exceptional shifts have subtracted.
+// Iterates until one eigenvalue or a pair splits off at the bottom row nn, and stores it. Returns how many rows have
+// split off; 0 if the iterations have run out. a_dShifted is the sum of what exceptional shifts have subtracted.
 static int SplitOff(double* const* A, int nn, double a_dNorm, double& a_dShifted, double* a_vdReal,
                     double* a_vdImaginary)
 {
@@ -526,8 +527,8 @@ int HessenbergEigenvalues(int a_iN, double* a_vdMatrix, int a_iStride, double* a
 // Method     Leading zeros lower the degree. Trailing zeros are roots 0. The rest, divided by its first coefficient, is
 //            the characteristic polynomial of its companion matrix: the first row is -a(j)/a(0), the subdiagonal is 1.
 //            The eigenvalues with an imaginary part below the caller's tolerance are the real roots.
-// Special    If all coefficients are zero, every x is a root. A constant has no root. The imaginary parts are filled with
-//            NaN first: an eigenvalue that the iteration does not find keeps it and is never reported.
+// Special    If all coefficients are zero, every x is a root. A constant has no root. The imaginary parts are filled
+//            with NaN first: an eigenvalue that the iteration does not find keeps it and is never reported.
 // Order      The roots 0 come first, then the others in the order of the positions of their eigenvalues. They are not
 //            sorted, merged or polished.
 // Source     A. Edelman, H. Murakami, Polynomial roots from companion matrix eigenvalues, Math. Comp. 64 (1995)
@@ -587,8 +588,8 @@ static int WriteRealEigenvalues(size_t a_iDegree, const double* a_vdA, double a_
     return iCount;
 }
 
-// Writes the real roots of a polynomial whose first and last coefficients are not 0. False if there is no memory for the
-// scratch.
+// Writes the real roots of a polynomial whose first and last coefficients are not 0. False if there is no memory for
+// the scratch.
 static bool WriteNonZeroRoots(size_t a_iDegree, const double* a_vdA, double a_dTolerance, double* a_vdRoots,
                               int& a_iCount)
 {
@@ -652,9 +653,9 @@ int Roots(unsigned int iDegree, const double* vdA, double* a_vdRoots, double a_d
 //
 // Model      a11 x + a12 y = b1, a21 x + a22 y = b2.
 // Method     Cramer's rule with one division.
-// Special    If the determinant is negligible, the numerator of x alone decides between indeterminate and impossible. The
-//            numerator of y is not looked at. So a system whose coefficients are all 0 is indeterminate whatever its
-//            right-hand side is. A NaN determinant is not negligible, and gives NaN.
+// Special    If the determinant is negligible, the numerator of x alone decides between indeterminate and impossible.
+//            The numerator of y is not looked at. So a system whose coefficients are all 0 is indeterminate whatever
+//            its right-hand side is. A NaN determinant is not negligible, and gives NaN.
 // ---------------------------------------------------------------------------------------------------------------------
 
 int Roots(double a_dA11, double a_dA12, double a_dA21, double a_dA22, double a_dB1, double a_dB2, double& a_dX,

@@ -10,9 +10,9 @@ namespace nuv {
 // All three routines work in place on a real n x n matrix that stands column by column: element (i, j), counted from 1,
 // is at (j-1)*stride + (i-1). Each allocates a table of n column addresses and frees it before it returns.
 
-// Replaces the matrix by a diagonally similar one whose rows and columns have comparable norms. All factors are powers of
-// 2, so the eigenvalues stay exact unless an element overflows or underflows. Does nothing for n < 1, or if there is no
-// memory for the table.
+// Replaces the matrix by a diagonally similar one whose rows and columns have comparable norms. All factors are powers
+// of 2, so the eigenvalues stay exact unless an element overflows or underflows. Does nothing for n < 1, or if there is
+// no memory for the table.
 void BalanceMatrix(int a_iN, double* a_vdMatrix, int a_iStride);
 
 // Replaces the matrix by a similar upper Hessenberg one. The multipliers stay below the subdiagonal. Does nothing for
@@ -25,8 +25,8 @@ void ReduceToHessenberg(int a_iN, double* a_vdMatrix, int a_iStride);
 // positions that were not found by then are not written. For n < 1 nothing is touched and the result is 1.
 int HessenbergEigenvalues(int a_iN, double* a_vdMatrix, int a_iStride, double* a_vdReal, double* a_vdImaginary);
 
-// The reflection I - (x, y, z)(1, q, r)^T of three neighbouring rows or columns. The last step of a sweep has only two of
-// them and does not use z and r.
+// The reflection I - (x, y, z)(1, q, r)^T of three neighbouring rows or columns. The last step of a sweep has only two
+// of them and does not use z and r.
 struct TReflection
 {
     double dX;

@@ -13,13 +13,14 @@ namespace nuv {
 // Random numbers
 //
 // Model      Three linear congruential generators ix <- (a ix + c) mod m.
-// Method     Uniform: the first generator gives the coarse part of a value and the second what lies between its steps;
-//            the third draws a value from a table of 97, which is then replaced (Bays-Durham shuffle).
-//            Normal: polar method, two deviates at a time; the second waits for the next call.
-// Special    Seeds whose distance from the first increment is negative or overflows run through the unsigned
-//            arithmetic and end below the moduli too.
-// Order      All integer arithmetic is unsigned, 32 bits; once below its modulus no product overflows (7141 * 259199 is
-//            below 2^31).
+// Method     Uniform: the first generator gives the coarse part of a value, and the second gives the part between its
+//            steps. The third generator chooses an entry of a table of 97 values, which is drawn and then replaced
+//            (Bays-Durham shuffle). Normal: polar method, which makes two numbers at a time. The second one waits for
+//            the next call.
+// Special    The distance of a seed from the first increment can be negative, or overflow. The unsigned arithmetic that
+//            follows brings every state below its modulus.
+// Order      All integer arithmetic is unsigned, with 32 bits. Once the states are below their moduli, no product
+//            overflows (7141 * 259199 is below 2^31).
 // Source     C. Bays, S. D. Durham, Improving a poor random number generator, ACM Trans. Math. Softw. 2 (1976) 59-64;
 //            G. Marsaglia, T. A. Bray, A convenient method for generating normal variables, SIAM Rev. 6 (1964) 260-264.
 // ---------------------------------------------------------------------------------------------------------------------
@@ -38,13 +39,13 @@ static const double SCALE_2 = 7.437377283274826e-06; // the double nearest to 1/
 
 enum
 {
-    SHUFFLED = 97 // table entries that are drawn from, 1 to 97; entry 0 is filled and never read
+    SHUFFLED = 97 // entries 1 to 97 of the table are drawn from; entry 0 is filled and never read
 };
 
 namespace {
 
-// The state: one for the process, not locked, the library's only writable data. Zero until the library's entry seeds
-// it at load.
+// The state of the generator. There is one for the process, without a lock. It is the only data that the library itself
+// writes between calls. It is zero until the library's entry seeds it at load.
 struct TRandomState
 {
     unsigned int ix1;
@@ -52,7 +53,7 @@ struct TRandomState
     unsigned int ix3;
     double shuffleTable[SHUFFLED + 1];
     bool hasSpareNormal;
-    double spareNormal; // the second normal deviate of a pair; survives a new seed
+    double spareNormal; // the second normal number of a pair; a new seed does not drop it
 };
 
 } // namespace
@@ -64,7 +65,7 @@ static void Advance(unsigned int a_iMultiplier, unsigned int a_iIncrement, unsig
     ix = (a_iMultiplier * ix + a_iIncrement) % a_iModulus;
 }
 
-// Advances the first two generators and combines them into a value of [0, 1).
+// Advances the first two generators and combines them into a value in [0, 1).
 static double NextEntry()
 {
     Advance(MULTIPLIER_1, INCREMENT_1, MODULUS_1, g_State.ix1);
@@ -74,8 +75,8 @@ static double NextEntry()
 
 void SetRandomSeed(int a_iSeed)
 {
-    // Subtracted as unsigned, because the difference can overflow; the remainder is that of the signed
-    // difference, truncating, as every supported compiler has it.
+    // The subtraction is unsigned because the difference can overflow. The remainder is that of the signed difference;
+    // every supported compiler truncates it towards zero.
     const int iDistance = static_cast<int>(INCREMENT_1 - static_cast<unsigned int>(a_iSeed));
     g_State.ix1 = static_cast<unsigned int>(iDistance % static_cast<int>(MODULUS_1));
     Advance(MULTIPLIER_1, INCREMENT_1, MODULUS_1, g_State.ix1);
@@ -114,7 +115,7 @@ double Randn()
     double dX;
     double dY;
     double dS;
-    do // a point of the unit disc without its centre
+    do // draws until the point lies in the unit disc and is not its centre
     {
         dX = 2.0 * Rand() - 1.0;
         dY = 2.0 * Rand() - 1.0;

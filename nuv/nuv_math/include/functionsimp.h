@@ -89,8 +89,8 @@ inline void Swap(double& a_dFirst, double& a_dSecond)
     a_dSecond = dHeld;
 }
 
-// Allocates a_iRows * a_iColumns elements of a_iSize bytes, not initialised. Returns null if there is no memory for them
-// or if their size does not fit size_t. The caller releases them by free.
+// Allocates a_iRows * a_iColumns elements of a_iSize bytes, not initialised. Returns null if there is no memory for
+// them or if their size does not fit size_t. The caller releases them by free.
 inline void* AllocateArray(size_t a_iRows, size_t a_iColumns, size_t a_iSize)
 {
     const size_t iMost = static_cast<size_t>(-1) / a_iSize;
@@ -129,8 +129,8 @@ inline double CalcHypot(double a_dA, double a_dB)
 }
 
 // x reduced into the closed interval [0, y]. A negative multiple of y gives y, a non-negative one gives 0. A tiny
-// negative x gives y by rounding. -0.0 stays -0.0. The period y must be positive. For any other period, NaN included, the
-// assertion reports and ends the process.
+// negative x gives y by rounding. -0.0 stays -0.0. The period y must be positive. For any other period, NaN included,
+// the assertion reports and ends the process.
 inline double ReduceToPeriod(double x, double y)
 {
     // The report shows the text of the condition. It fixes the names of the arguments and the missing spaces.

@@ -18,8 +18,8 @@ namespace nuv {
 // An observation by vectors
 //
 // Equals     the dense UpdateNormMatrixLowTri.
-// Method     As many rows of the matrix as a vector has elements take their products together, a vector of each row at a
-//            time. What is left of these rows is a triangle of known size.
+// Method     As many rows of the matrix as a vector has elements take their products together, a vector of each row at
+//            a time. What is left of these rows is a triangle of known size.
 // Order      Every element takes one product. The order of the elements does not matter.
 // Pays       always.
 // ---------------------------------------------------------------------------------------------------------------------
@@ -146,7 +146,8 @@ struct TPanel
     double vvdFactors[PANEL_TILES][(PANEL_DEPTH + PANEL_COLUMNS) * TILE_COLUMNS]; // by tile; element k of its columns
 };
 
-// The products that a tile subtracts: factors iFrom to iFrom + iCount - 1 of some rows with those of the tile's columns.
+// The products that a tile subtracts: factors iFrom to iFrom + iCount - 1 of some rows with those of the tile's
+// columns.
 struct TProducts
 {
     ptrdiff_t iFrom;
@@ -328,8 +329,8 @@ static inline void StoreRow(const double* a_vdFrom, ptrdiff_t a_iColumns, double
     }
 }
 
-// Finishes rows a_iFirst to a_iRows - 1 of the tile whose columns begin at c: subtracts the products with the tile's own
-// columns, scales and stores. a_vvdDiagonal has the rows of the tile on the diagonal.
+// Finishes rows a_iFirst to a_iRows - 1 of the tile whose columns begin at c: subtracts the products with the tile's
+// own columns, scales and stores. a_vvdDiagonal has the rows of the tile on the diagonal.
 static void FinishTile(const TPanel& a_Panel, ptrdiff_t c, ptrdiff_t a_iColumns, double* const* a_vvdDiagonal,
                        const TTile& a_Tile, ptrdiff_t a_iFirst, ptrdiff_t a_iRows, double* const* a_vvdRows)
 {
@@ -384,8 +385,8 @@ static void FinishRowsPass(TPanel& a_Panel, double* const* a_vvdDiagonal, ptrdif
     }
 }
 
-// Finishes the panel's columns up to a_iColumnEnd in the rows from a_iRow on. All diagonals of these columns have passed,
-// so incomplete sums may stand in the matrix.
+// Finishes the panel's columns up to a_iColumnEnd in the rows from a_iRow on. All diagonals of these columns have
+// passed, so incomplete sums may stand in the matrix.
 static void FinishRows(TPanel& a_Panel, ptrdiff_t a_iRow, ptrdiff_t a_iN, ptrdiff_t a_iColumnEnd)
 {
     if (a_iRow >= a_iN)

@@ -3,8 +3,8 @@
 // SPDX-License-Identifier: MIT
 //
 // The source of a family has the plain form of each of its functions. The plain form defines the result: its bits and
-// the order of its operations. The files of this directory have forms that give the same bits faster. The plain function
-// hands its work over in one line, where a faster form exists and pays:
+// the order of its operations. The files of this directory have forms that give the same bits faster. The plain
+// function hands its work over in one line, where a faster form exists and pays:
 //   software floating point   leaves out operations whose result is known (the device);
 //   vectors                   computes two doubles at once, or four on a processor that has such vectors.
 //
@@ -19,8 +19,8 @@
 
 #include "floatingpoint.h"
 
-// The compilers of GNU's kind have types for vectors. An operation on a vector rounds each element like the operation on
-// a double.
+// The compilers of GNU's kind have types for vectors. An operation on a vector rounds each element like the operation
+// on a double.
 #if !defined(NUV_PLAIN_FORMS) && defined(__GNUC__) && (defined(__SSE2__) || defined(__aarch64__)) &&                   \
     !defined(__SOFTFP__)
 #define NUV_VECTORS

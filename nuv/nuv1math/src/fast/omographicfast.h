@@ -3,8 +3,8 @@
 // SPDX-License-Identifier: MIT
 //
 // Equals     FormEquations of omographic.cpp, if all rows are finite.
-// Method     The products with the constant zeros of the rows are zeros. They do not change a sum that began as +0.0, so
-//            they are left out. The sums over A, B and C are those over D, E and F, so they are formed once. That
+// Method     The products with the constant zeros of the rows are zeros. They do not change a sum that began as +0.0,
+//            so they are left out. The sums over A, B and C are those over D, E and F, so they are formed once. That
 //            leaves 29 sums of 88. With vectors, two sums advance at once.
 // Order      Every sum takes its terms in the order of the points, the X row of a point before its Y row.
 // Special    An infinite or NaN value in a row makes the right-hand side infinite or NaN, and no later term changes

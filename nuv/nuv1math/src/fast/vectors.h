@@ -51,8 +51,8 @@ static NUV_INLINE void Store(const double& a_dValue, double* a_vdTo)
 #define NUV_UNROLL _Pragma("GCC unroll 8")
 #endif
 
-// Vectors of four doubles, where the processor has them. Not on 64-bit Windows: its stack is aligned to two doubles, and
-// GCC stores vectors of four there as if it were aligned to four (GCC bug 54412).
+// Vectors of four doubles, where the processor has them. Not on 64-bit Windows: its stack is aligned to two doubles,
+// and GCC stores vectors of four there as if it were aligned to four (GCC bug 54412).
 #if defined(__x86_64__) && !defined(_WIN32) && !defined(NUV_NO_WIDE_VECTORS)
 #define NUV_WIDE_VECTORS
 #endif
@@ -63,8 +63,8 @@ typedef double TPair __attribute__((vector_size(2 * sizeof(double))));
 
 } // namespace nuv
 
-// NUV_BY_WIDTH(Name, (parameters), (arguments)) defines the function Name. It runs the template NameBy<TVector> with the
-// widest vectors that the processor has. NameBy is NUV_INLINE, so each width is compiled with its own instructions.
+// NUV_BY_WIDTH(Name, (parameters), (arguments)) defines the function Name. It runs the template NameBy<TVector> with
+// the widest vectors that the processor has. NameBy is NUV_INLINE, so each width is compiled with its own instructions.
 // This is the only place that asks the processor what it has.
 #ifdef NUV_WIDE_VECTORS
 
