@@ -36,7 +36,8 @@ void ExpectFitNear(const TControlPoints& a_Points, const TAffineCoefs& a_Expecte
     EXPECT_NEAR(a_Expected.dF, Coefs.dF, a_dConstant);
 }
 
-// The squares of x add up to 1 - 2^-53, whose reciprocal rounds to 1 + 2^-52: beside 1, and not left out as 1 is.
+// The squares of x add up to 1 - 2^-53. Its reciprocal rounds to 1 + 2^-52, the neighbour of 1. The row must be scaled
+// by it; only a reciprocal of exactly 1 may be skipped.
 TEST(CalcAffineCoefs, APivotBesideOneDividesItsRow)
 {
     const double dX = 0.5 - 0x1p-54;
@@ -54,7 +55,7 @@ TEST(CalcAffineCoefs, APivotBesideOneDividesItsRow)
     EXPECT_EQ(0.0, Coefs.dF);
 }
 
-// The means are thirds: some roundings of numbers up to 23 by half a unit of 3.6e-15 each.
+// The means are thirds, so a few roundings of numbers up to 23 occur, each by up to 1.8e-15.
 TEST(CalcAffineCoefs, ThreePointsOfAnExactImageGiveItBackUpToRounding)
 {
     ExpectFitNear({{0.0, 1.0, 0.0}, {0.0, 0.0, 1.0}, {10.0, 12.0, 10.0}, {20.0, 20.0, 23.0}},
@@ -74,7 +75,7 @@ TEST(CalcAffineCoefs, ASquareGivesItsExactImageBackExactly)
 
 TEST(CalcAffineCoefs, FewerThanThreePointsAreImpossibleAndLeaveCoefsUntouched)
 {
-    // The points are not degenerate: only their number is too small.
+    // The points are not degenerate; there are only too few of them.
     const TControlPoints Points = WithImage(SquareAround(0.0, 0.0), Identity);
     for (unsigned int iPoints : {0u, 1u, 2u})
     {
@@ -91,14 +92,15 @@ TEST(CalcAffineCoefs, FewerThanThreePointsAreImpossibleAndLeaveCoefsUntouched)
 TEST(CalcAffineCoefs, IdenticalSourceAndTargetGiveTheIdentity)
 {
     ExpectFit(WithImage(SquareAround(10.0, 20.0), Identity), Identity);
-    // Seven points without any exact mean; extent 10, condition below 10, a few dozen roundings.
+    // Seven points whose means are not exact. The extent is 10, the condition below 10, and there are a few dozen
+    // roundings.
     const std::vector<double> vdX = {0.1, 3.7, 9.3, 5.5, 2.2, 8.1, 4.9};
     const std::vector<double> vdY = {7.3, 0.4, 1.9, 9.6, 3.3, 6.1, 5.0};
     ExpectFitNear({vdX, vdY, vdX, vdY}, Identity, 1e-14, 1e-13);
 }
 
-// One corner of X is 4, one of Y is 4, the others 0. Over the centred square a = sum(X u)/4 and b = sum(X v)/4: the
-// last corner (1, 1) gives a = b = 1, the first (-1, -1) gives d = e = -1; the means are 1.
+// X is 4 at the last corner (1, 1) and Y is 4 at the first one (-1, -1); all other targets are 0. Over the centred
+// square a = sum(X u)/4 and b = sum(X v)/4. So a = b = 1 and d = e = -1, and both means are 1.
 TEST(CalcAffineCoefs, MinimisesTheResidualsOfXAndYByThemselves)
 {
     TControlPoints Points = SquareAround(0.0, 0.0);
@@ -109,10 +111,10 @@ TEST(CalcAffineCoefs, MinimisesTheResidualsOfXAndYByThemselves)
     ExpectFit(Points, {1.0, 1.0, 1.0, 0.0, 0.0, 0.0});
 }
 
-// The points are integers and the image is exact, so nothing but the fit itself rounds; the means are not exact. The
-// sums have the size of the extent (6), not of the offset: the linear part keeps 5e-15. Not centred, the matrix
-// would have elements of 1e12 beside 7 and lose the linear part to about 1e-4. The translation is a difference of
-// numbers of 4e6: some units of 9e-10, beside the error of the linear part times 3e6.
+// The points are whole numbers and the image is exact, so only the fit itself rounds. The means are not exact. The sums
+// have the size of the extent (6), not of the offset, so the linear part keeps 5e-15. Without centring, the matrix
+// would have elements of 1e12 beside 7 and the linear part would be off by about 1e-4. The translation is a difference
+// of numbers of 4e6: it is off by some units of 9e-10 and by 3e6 times the error of the linear part.
 TEST(CalcAffineCoefs, ALargeCommonOffsetDoesNotSpoilTheFit)
 {
     TControlPoints Points = {{0.0, 1.0, 0.0, 3.0, 2.0, 5.0, 6.0}, {0.0, 0.0, 1.0, 2.0, 6.0, 1.0, 3.0}, {}, {}};
@@ -124,14 +126,15 @@ TEST(CalcAffineCoefs, ALargeCommonOffsetDoesNotSpoilTheFit)
     const TAffineCoefs Coefs = {2.0, 1.0, -5.0, -3.0, 0.5, 7.0};
     ExpectFitNear(WithImage(Points, Coefs), Coefs, 5e-15, 2e-8);
 
-    // Only the source, as an offset of 1e6 to every x.
+    // An offset of the source only: 1e6 is added to every x.
     Points = WithImage(SquareAround(1e6, 0.0), TAffineCoefs{2.0, 1.0, -2e6, -4.0, 2.0, 4e6});
     ExpectFit(Points, {2.0, 1.0, -2e6, -4.0, 2.0, 4e6});
 }
 
-// At 2^53 doubles are 2 apart. The sum of 2^53 + (0, 2, 8) rounds twice and the mean comes out as 2^53 + 2 instead of
-// 2^53 + 10/3: the deviations (-2, 0, 6) sum to 4. With them in the system the fit is still right: 40 a - 4 b + 4 t =
-// 104, -4 a + 6 b = -12, 4 a + 3 t = 0 has a = 3, b = 0, t = -4. Without them a would be 18/7.
+// At 2^53 doubles are 2 apart. The sum of 2^53 + (0, 2, 8) rounds twice, and the mean comes out as 2^53 + 2 instead of
+// 2^53 + 10/3. The deviations (-2, 0, 6) therefore sum to 4. The system contains these sums and still gives the right
+// fit: 40 a - 4 b + 4 t = 104, -4 a + 6 b = -12 and 4 a + 3 t = 0 have the solution a = 3, b = 0, t = -4. Without the
+// sums a would be 18/7.
 TEST(CalcAffineCoefs, SumsOfDeviationsCarryWhatTheRoundedMeansLeft)
 {
     const double dFar = 0x1p53;
@@ -157,8 +160,8 @@ TEST(CalcAffineCoefs, SumsOfDeviationsCarryWhatTheRoundedMeansLeft)
     EXPECT_NEAR(1.0 / 3.0, Coefs.dD, 1e-14);
 }
 
-// With N = 2^30, (N + 1)(N - 1) = N^2 - 1 rounds to N^2: SUu is -N^2 + N^2 - N^2 + N^2 = 0. Were the products not
-// rounded it would be -1, or -2.
+// With N = 2^30, (N + 1)(N - 1) = N^2 - 1 rounds to N^2, so SUu = -N^2 + N^2 - N^2 + N^2 = 0. If the products were not
+// rounded it would be -1 or -2.
 TEST(CalcAffineCoefs, RoundsEveryProductBeforeItIsAdded)
 {
     const double dN = 0x1p30;
@@ -169,8 +172,9 @@ TEST(CalcAffineCoefs, RoundsEveryProductBeforeItIsAdded)
     ExpectFit({vdAcross, vdAlong, vdTarget, vdTarget}, {0.0, 0.0, 0.0, 0.0, 0.0, 0.0});
 }
 
-// Centre (2^54, -2^54), a = b = 1. For a target mean of 2, (2 - 2^54) + 2^54 = 2; with y first 2 + 2^54 would round to
-// 2^54 and leave 0. For a mean of 1, 1 - 2^54 rounds to -2^54 and leaves 0; with a x + b y formed first 1 would stay.
+// The centre is (2^54, -2^54), and a = b = 1. For a target mean of 2, (2 - 2^54) + 2^54 = 2; if y came first, 2 + 2^54
+// would round to 2^54 and leave 0. For a mean of 1, 1 - 2^54 rounds to -2^54 and leaves 0; if a x + b y were formed
+// first, 1 would be left.
 TEST(CalcAffineCoefs, MovesTheTranslationBackByXAndThenByY)
 {
     const double dFar = 0x1p54;
@@ -203,7 +207,7 @@ TEST(CalcAffineCoefs, AddsTheTermsInPointOrder)
     ExpectFit({vdAcross, vdAlong, vdTarget, vdTarget}, {0.0, 1.0, 0.0, 0.0, 1.0, 0.0});
 }
 
-// Unlike the determinant of a result, the spread of the points has no tolerance: Suu = 4*2^-60.
+// The spread of the points has no tolerance, unlike the determinant of a result: here Suu = 4*2^-60.
 TEST(CalcAffineCoefs, FitsPointsOfAnySpread)
 {
     const double dH = 0x1p-30;
@@ -211,7 +215,7 @@ TEST(CalcAffineCoefs, FitsPointsOfAnySpread)
     ExpectFit(WithImage({{-dH, dH, -dH, dH}, {-dH, -dH, dH, dH}, {}, {}}, Coefs), Coefs);
 }
 
-// On one line, as the cross products of the differences tell exactly.
+// Checks that the points are exactly on one line: all cross products of the differences vanish.
 void ExpectOnOneLine(const TControlPoints& a_Points)
 {
     const std::size_t iLast = a_Points.vdX.size() - 1;
@@ -271,8 +275,8 @@ TEST(CalcAffineCoefs, PointsNearALineLoseDigitsByTheSquareOfTheirSpread)
     }
 }
 
-// u = v = (-1, 0, 1): the second pivot is exactly 0 and so is its right-hand side. Any (a, b) with a + b = 2 fits
-// equally well; the elimination takes b = 0 and reports success, with a collapsed result.
+// u = v = (-1, 0, 1): the second pivot and its right-hand side are exactly 0. Every (a, b) with a + b = 2 fits equally
+// well. The elimination takes b = 0 and reports success, although the result is collapsed.
 TEST(CalcAffineCoefs, PointsOnOneLineSucceedThoughTheyDetermineNothing)
 {
     const TControlPoints Points = {{0.0, 1.0, 2.0}, {0.0, 1.0, 2.0}, {0.0, 2.0, 4.0}, {5.0, 4.0, 3.0}};
@@ -280,8 +284,9 @@ TEST(CalcAffineCoefs, PointsOnOneLineSucceedThoughTheyDetermineNothing)
     ExpectFit(Points, {2.0, 0.0, 0.0, -1.0, 0.0, 5.0});
 }
 
-// On y = 3x, with a mean of x that rounds: the second pivot is what the rounding left and the coefficients are
-// garbage of great size, with success. Nor does the determinant of the result tell.
+// The points are on y = 3x, and the mean of x is rounded. The second pivot is only the rounding error, so the
+// coefficients are huge and meaningless, and the fit reports success. The determinant of the result does not show it
+// either.
 TEST(CalcAffineCoefs, PointsOnOneLineCanGiveHugeCoefficientsAndADeterminantThatIsNotZero)
 {
     const TControlPoints Points = {{0.0, 1.0, 3.0}, {0.0, 3.0, 9.0}, {0.0, 1.0, 1.0}, {3.0, 0.0, 1.0}};
@@ -293,7 +298,7 @@ TEST(CalcAffineCoefs, PointsOnOneLineCanGiveHugeCoefficientsAndADeterminantThatI
     EXPECT_GT(std::fabs(Coefs.dE * Coefs.dA - Coefs.dD * Coefs.dB), 1.0);
 }
 
-// All deviations are 0, so are the right-hand sides: a = b = 0/1e-14, and the mean of the targets remains.
+// All deviations and right-hand sides are 0: a = b = 0/1e-14, and the mean of the targets remains.
 TEST(CalcAffineCoefs, EqualSourcePointsSucceedWithTheMeanOfTheTargets)
 {
     ExpectFit({{7.0, 7.0, 7.0}, {-2.0, -2.0, -2.0}, {1.0, 2.0, 6.0}, {4.0, 4.0, 1.0}}, {0.0, 0.0, 3.0, 0.0, 0.0, 3.0});
@@ -325,7 +330,7 @@ TEST(CalcAffineCoefs, NonFiniteTargetCoordinatesSpoilOnlyTheirOwnCoordinate)
     }
 }
 
-// The squares of deviations of 1e200 overflow; the reciprocal of the pivot is 0 and the right-hand sides are infinite.
+// The squares of deviations of 1e200 overflow. The reciprocal of the pivot is 0 and the right-hand sides are infinite.
 TEST(CalcAffineCoefs, SquaresThatOverflowSucceedWithNaN)
 {
     const std::vector<double> vdX = {-1e200, 1e200, -1e200, 1e200};
@@ -335,7 +340,7 @@ TEST(CalcAffineCoefs, SquaresThatOverflowSucceedWithNaN)
     EXPECT_TRUE(std::isnan(Coefs.dA));
 }
 
-// Neither the sign of a zero coordinate nor a subnormal survives the sums: the result has the same bits.
+// The sign of a zero coordinate and a subnormal coordinate are lost in the sums, so the result has the same bits.
 TEST(CalcAffineCoefs, ZerosOfBothSignsAndSubnormalsAreTheSameCoordinates)
 {
     const TAffineCoefs Coefs = {2.0, 1.0, 1.0, -4.0, 2.0, 2.0};

@@ -109,9 +109,9 @@ TEST(AffineParamsToCoefs, PassesTranslationsOnAsTheyAre)
     }
 }
 
-// cos, sin and tan are trusted to 5 units in the last place (the worst C library measured), a product and a sum add
-// half a unit each: two functions and three operations stay below 12 units of the greater term. The reference is
-// computed in extended precision where the platform has one.
+// The reference is computed in extended precision where the platform has it. cos, sin and tan of a C library are off by
+// at most 5 units in the last place (the worst one measured), and each product or sum adds half a unit. Two functions
+// and three operations stay below 12 units of the greater term.
 TEST(AffineParamsToCoefs, FollowsItsFormulasForAnyAngles)
 {
     const std::vector<TParams> Cases = {{2.0, 3.0, 0.3, 0.7, 1.0, 2.0},   {0.5, 4.0, -0.6, 2.5, 1.0, 2.0},
@@ -132,7 +132,7 @@ TEST(AffineParamsToCoefs, FollowsItsFormulasForAnyAngles)
     }
 }
 
-// tan of the doubles nearest to +-pi/2 is +-1.633e16.
+// The tangent of the doubles nearest to +-pi/2 is +-1.633e16.
 TEST(AffineParamsToCoefs, ASkewOfARightAngleGivesAHugeCoefficientAndNoFailure)
 {
     for (double dSign : {1.0, -1.0})
@@ -151,7 +151,7 @@ TEST(AffineCoefsToParam, ARotationOfMinusAQuarterTurnComesBackAsThreeQuarters)
 {
     TParams Params;
     EXPECT_EQ(1, ToParams(FromParams({1.0, 1.0, 0.0, static_cast<double>(-LongPi / 2), 5.0, 6.0}), Params));
-    // atan2 within a unit, one rounding in the reduction; the doubles of pi/2 and 2 pi are no further off.
+    // atan2 is off by up to a unit, and the reduction rounds once. The doubles of pi/2 and 2 pi add less than that.
     EXPECT_TRUE(WithinUlps(1.5L * LongPi, Params.dTheta, 2.0));
     EXPECT_TRUE(WithinUlps(1.0L, Params.dSx, 2.0));
     EXPECT_TRUE(WithinUlps(1.0L, Params.dSy, 4.0));
@@ -167,7 +167,7 @@ TEST(AffineCoefsToParam, WithoutAnImageOfTheXAxisIsImpossibleAndWritesOnlyItsSca
     }
 }
 
-// With d = 0 the scale is sqrt(0 + 1)*|a| = |a|, and with a = 0 likewise |d|.
+// With d = 0 the scale is sqrt(0 + 1)*|a| = |a|; with a = 0 it is |d|.
 TEST(AffineCoefsToParam, AScaleAlongXWithinTheToleranceIsImpossible)
 {
     for (double dValue : {Subnormal, BelowTolerance, Tolerance})
@@ -181,7 +181,7 @@ TEST(AffineCoefsToParam, AScaleAlongXWithinTheToleranceIsImpossible)
     }
 }
 
-// The reciprocal of the double above 1e-12, times it, rounds to 1.
+// The double above 1e-12 times its rounded reciprocal rounds to 1.
 TEST(AffineCoefsToParam, AScaleAlongXJustAboveTheToleranceSucceeds)
 {
     ExpectParams({AboveTolerance, 0.0, 2.0, 0.0, 1.0, 4.0}, 1, {AboveTolerance, 1.0, 0.0, 0.0, 2.0, 4.0});
@@ -238,7 +238,7 @@ TEST(AffineCoefsToParam, ATinyNegativeRotationIsTwoPiAndNegativeZeroStays)
     EXPECT_SAME_BITS(-0.0, Params.dTheta);
 }
 
-// 49 times the rounded reciprocal of 49 is the double below 1; 49/49 would be 1.
+// 49 times the rounded reciprocal of 49 is the double below 1, while 49/49 is 1.
 TEST(AffineCoefsToParam, MultipliesByTheReciprocalOfTheScale)
 {
     ExpectParams({49.0, 0.0, 2.0, 0.0, 1.0, 4.0}, 1, {49.0, 0x1.fffffffffffffp-1, 0.0, 0.0, 2.0, 4.0});
@@ -247,8 +247,9 @@ TEST(AffineCoefsToParam, MultipliesByTheReciprocalOfTheScale)
     EXPECT_SAME_BITS(0x1.fffffffffffffp-1, Params.dSy);
 }
 
-// Scale 5 and the unit vector (0.6, 0.8), rounded: sy = 7*0.6 - 3*0.8, computed in exact rational arithmetic with every
-// operation rounded once. A product that is not rounded ends in ...cep+0 or ...d1p+0.
+// The scale is 5 and the unit vector (0.6, 0.8), rounded: sy = 7*0.6 - 3*0.8. The expected bits come from exact
+// rational arithmetic in which every operation is rounded once. With a product that is not rounded they would end in
+// ...cep+0 or ...d1p+0.
 TEST(AffineCoefsToParam, RoundsBothProductsBeforeTheyAreSubtracted)
 {
     TParams Params;
@@ -271,7 +272,7 @@ TEST(AffineCoefsToParam, ASkewIsPositiveTowardsTheImageOfTheXAxis)
 TEST(AffineCoefsToParam, TakesSpecialCoefficientsThroughTheArithmetic)
 {
     const double dNone = Untouched;
-    // The norm of (NaN, 0) is 0, that of (0, NaN) and (1, NaN) is NaN, which is no zero.
+    // The norm of (NaN, 0) is 0. The norms of (0, NaN) and (1, NaN) are NaN, which does not count as zero.
     ExpectParams({NaN, 0.0, 2.0, 0.0, 1.0, 4.0}, RET_IMPOSSIBLE, {0.0, dNone, dNone, dNone, dNone, dNone});
     ExpectParams({0.0, 0.0, 2.0, NaN, 1.0, 4.0}, 1, {NaN, NaN, NaN, NaN, 2.0, 4.0});
     ExpectParams({1.0, 0.0, 2.0, NaN, 1.0, 4.0}, 1, {NaN, NaN, NaN, NaN, 2.0, 4.0});
@@ -290,8 +291,8 @@ TEST(AffineCoefsToParam, TakesSpecialCoefficientsThroughTheArithmetic)
     }
 }
 
-// The closed formulas in extended precision. Norm, reciprocal, products, difference and quotient are some ten
-// roundings, the terms of these cases cancel by less than a factor of 3: 32 units cover it.
+// The closed formulas in extended precision. Norm, reciprocal, products, difference and quotient are about ten
+// roundings, and the terms of these cases cancel by less than a factor of 3. 32 units are enough.
 TEST(AffineCoefsToParam, AgreesWithTheClosedFormulas)
 {
     const std::vector<TAffineCoefs> Cases = {{3.0, 1.0, 0.0, 4.0, 5.0, 0.0},
@@ -369,7 +370,7 @@ TEST(AffineCoefsToInvCoefs, ADeterminantOfTheToleranceAndBelowIsImpossible)
     ExpectNoInverse({1.0, 2.0, 5.0, 2.0, 4.0, 6.0}); // rows in proportion
 }
 
-// The reciprocal of the double above 1e-12 is the double below 1e12; times it, it rounds to 1.
+// The double above 1e-12 has the double below 1e12 as its rounded reciprocal; their product rounds to 1.
 TEST(AffineCoefsToInvCoefs, ADeterminantJustAboveTheToleranceIsInverted)
 {
     const double dReciprocal = 0x1.d1a94a1ffffffp+39;
@@ -379,7 +380,7 @@ TEST(AffineCoefsToInvCoefs, ADeterminantJustAboveTheToleranceIsInverted)
     EXPECT_EQ(1, nuv::AffineCoefsToInvCoefs({2e-12, 0.0, 0.0, 0.0, 1.0, 0.0}, Inverse));
 }
 
-// Determinant 5*1 - 1*2 = 3. 5 times the rounded 1/3 is ...aap+0, 5/3 is ...abp+0.
+// The determinant is 5*1 - 1*2 = 3. 5 times the rounded 1/3 ends in ...aap+0, while 5/3 ends in ...abp+0.
 TEST(AffineCoefsToInvCoefs, MultipliesByTheReciprocalOfTheDeterminant)
 {
     const double dThird = 0x1.5555555555555p-2;
@@ -391,7 +392,8 @@ TEST(AffineCoefsToInvCoefs, MultipliesByTheReciprocalOfTheDeterminant)
     ExpectInverse({3.0, 0.0, 0.0, 5.0, 1.0, 0.0}, {dThird, -0.0, 0.0, -dFiveThirds, 1.0, 0.0});
 }
 
-// (2^30 + 1)(2^30 - 1) = 2^60 - 1 rounds to 2^60: the determinant is 0 and not -1, or 1; in the translations likewise.
+// (2^30 + 1)(2^30 - 1) = 2^60 - 1 rounds to 2^60. So the determinant is 0; with a product that is not rounded it would
+// be -1 or 1. The translations are tested in the same way.
 TEST(AffineCoefsToInvCoefs, RoundsEveryProductBeforeItIsSubtracted)
 {
     const double dN = 0x1p30;
@@ -421,7 +423,7 @@ TEST(AffineCoefsToInvCoefs, ANaNDeterminantIsNoZeroAndGivesNaN)
 
 TEST(AffineCoefsToInvCoefs, TakesOtherSpecialCoefficientsThroughTheArithmetic)
 {
-    // An infinite determinant has the reciprocal 0: c = (0 - c e)*0, f = (0 - f a)*0.
+    // The reciprocal of an infinite determinant is 0: c = (0 - c e)*0, f = (0 - f a)*0.
     ExpectInverse({Inf, 0.0, 1.0, 0.0, 1.0, 1.0}, {0.0, -0.0, -0.0, -0.0, NaN, NaN});
     ExpectInverse({1.0, 0.0, 1.0, 0.0, Inf, 1.0}, {NaN, -0.0, NaN, -0.0, 0.0, -0.0});
     // c = f b - e c, f = d c - f a: an infinity or NaN also meets the zeros b and d.

@@ -2,7 +2,7 @@
 // Copyright (c) 2026 the nuv1math authors
 // SPDX-License-Identifier: MIT
 //
-// The allocator comes from watched_allocator.h: every reference of the library to malloc and free goes there.
+// Every reference of the library to malloc and free goes to support/watched_allocator.h.
 
 #include "nuv1math.h"
 #include "support/expect.h"
@@ -142,7 +142,7 @@ const TControlPoints General = {
     {0.0, 4.0, 5.0, 1.0, 2.0}, {0.0, 1.0, 4.0, 3.0, 1.5}, {1.0, 6.0, 5.0, -1.0, 3.0}, {2.0, 3.5, 9.0, 6.0, 4.0}};
 const TControlPoints OneSource = {{1.0, 1.0, 1.0, 1.0, 1.0}, {1.0, 1.0, 1.0, 1.0, 1.0}, General.vdXa, General.vdYa};
 
-// CalcCoefs under a watch.
+// Calls CalcCoefs under a watch.
 bool ChooseWatched(int a_iFailAt, const TControlPoints& a_Points, bool a_bSameOrientation,
                    nuv::enumMethodUsed a_Requested, nuv::enumMethodUsed& a_Used, nuv::TOmographicParams& a_Params)
 {

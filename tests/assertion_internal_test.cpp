@@ -33,8 +33,8 @@ TEST(AssertionReport, ThePositivePeriodsPass)
     }
 }
 
-// Sites that no argument reaches: the report is called as the site calls it. The list of the sites in the sources is
-// compared with assertion_sites.txt by sources_test.py.
+// No argument reaches these sites, so the test calls the report as the site does. sources_test.py compares the sites in
+// the sources with assertion_sites.txt.
 TEST(AssertionReport, ReadsAsPathLineAndCondition)
 {
     struct TSite

@@ -12,7 +12,7 @@ using namespace nuv_tests;
 
 using TStage = void (*)(int, double*, int);
 
-// One stage on a matrix, with several paddings.
+// Runs one stage on a matrix with several paddings.
 void ExpectStage(TStage a_Stage, const TRows& a_vvdBefore, const TRows& a_vvdAfter)
 {
     for (int iPadding : {0, 1, 5})
@@ -52,14 +52,15 @@ TEST(BalanceMatrix, ScalesByThePowerOf2ThatEvensTheNorms)
     ExpectBalanced({{1, -1024}, {-1, 3}}, {{1, -32}, {-32, 3}});
 }
 
-// Norms 1 and 8: the factor 2 brings the smaller one to exactly half of the greater one, and that is enough.
+// The norms are 1 and 8. The factor 2 makes the smaller one exactly half of the greater one, and no further factor is
+// applied.
 TEST(BalanceMatrix, StopsWhereTheNormsAreExactlyAFactorOf2Apart)
 {
     ExpectBalanced({{1, 8}, {1, 1}}, {{1, 4}, {2, 1}});
     ExpectBalanced({{1, 1}, {8, 1}}, {{1, 2}, {4, 1}});
 }
 
-// Norms 1 and r: the factor 2 turns the sum 1 + r into 2 + r/2, which is below 0.95 (1 + r) for r > 7/3 only.
+// The norms are 1 and r. The factor 2 changes the sum 1 + r to 2 + r/2, which is below 0.95 (1 + r) only for r > 7/3.
 TEST(BalanceMatrix, ScalesOnlyForAGainOfFivePercent)
 {
     ExpectBalanced({{1, 2.3125}, {1, 1}}, {{1, 2.3125}, {1, 1}});
@@ -86,7 +87,8 @@ TEST(BalanceMatrix, SkipsARowOfZerosWhateverItsColumnHolds)
     ExpectBalanced({{0}}, {{0}});
 }
 
-// Column 1 sums to infinity and cannot be halved into range. Rows 2 and 3 have nothing to gain or no column.
+// The norm of column 1 is infinite, and halving it does not make it finite. Rows 2 and 3 gain nothing or have no
+// column.
 TEST(BalanceMatrix, LeavesARowWhoseColumnNormIsInfiniteAndEnds)
 {
     const TRows vvdOverflow = {{5, 1, 0}, {Greatest, 7, 0}, {Greatest, 0, 9}};
@@ -100,7 +102,7 @@ TEST(BalanceMatrix, LeavesARowWhoseColumnNormIsInfiniteAndEnds)
     }
 }
 
-// A great column that is finite is halved down all the way: 2^1022 and 1 become 2^511 each.
+// A great finite column is halved many times: 2^1022 and 1 become 2^511 each.
 TEST(BalanceMatrix, ScalesTheGreatestFiniteNorms)
 {
     const double dGreat = std::ldexp(1.0, 1022);
@@ -128,8 +130,8 @@ TRows MakeBadlyScaled(int a_iN, std::mt19937_64& a_Engine)
     return MakeRows(a_iN, [&](int, int) { return std::ldexp(Normal(a_Engine), Exponent(a_Engine)); });
 }
 
-// Element (i, j) may only change by the power of 2 f(j)/f(i): then the trace, the characteristic polynomial and every
-// eigenvalue are kept exactly.
+// Element (i, j) may only change by the power of 2 f(j)/f(i). Then trace, characteristic polynomial and eigenvalues are
+// kept exactly.
 TEST(BalanceMatrix, IsADiagonalSimilarityByPowersOf2)
 {
     std::mt19937_64 Engine(1);
@@ -155,7 +157,7 @@ TEST(BalanceMatrix, IsADiagonalSimilarityByPowersOf2)
     }
 }
 
-// What would still gain 5 % has norms further apart than 7/3; and one more call finds nothing to do.
+// If a factor still gained 5 %, some norms would be further apart than 7/3. One more call must change nothing.
 TEST(BalanceMatrix, RepeatsItsPassesUntilNothingGains)
 {
     std::mt19937_64 Engine(2);
@@ -182,7 +184,8 @@ TEST(BalanceMatrix, RepeatsItsPassesUntilNothingGains)
 
 // --- ReduceToHessenberg
 
-// Row 3 less half of row 2, column 2 more half of column 3; the half itself stays where it has cleared.
+// Half of row 2 is subtracted from row 3, and half of column 3 is added to column 2. The multiplier 0.5 stays in the
+// element that was eliminated.
 TEST(ReduceToHessenberg, LeavesTheMultipliersBelowTheSubdiagonal)
 {
     ExpectReduced({{1, 2, 3}, {4, 5, 6}, {2, 7, 8}}, {{1, 3.5, 3}, {4, 8, 6}, {0.5, 7, 5}});
@@ -199,14 +202,14 @@ TEST(ReduceToHessenberg, TakesTheFirstOfEqualPivots)
     ExpectReduced({{1, 2, 3}, {4, 5, 6}, {-4, 7, 8}}, {{1, -1, 3}, {4, -1, 6}, {-1, -2, 14}});
 }
 
-// The second step exchanges rows 3 and 4, but not the multipliers of the first.
+// The second step exchanges rows 3 and 4, but not the multipliers of the first step.
 TEST(ReduceToHessenberg, DoesNotExchangeEarlierMultipliers)
 {
     ExpectReduced({{1, 2, 3, 4}, {4, 1, 1, 2}, {2, 1.75, 2, 1}, {-4, 3.5, 8, 3}},
                   {{1, -0.5, 5.5, 3}, {4, -0.5, 2.5, 1}, {0.5, 4, 9.5, 9}, {-1, 0.5, -4, -3}});
 }
 
-// An exact zero is not eliminated: 0 times the infinity in its pivot row would be NaN.
+// An exact zero is not eliminated: 0 times the infinity in the pivot row would be NaN.
 TEST(ReduceToHessenberg, SkipsZerosAndColumnsOfZeros)
 {
     ExpectReduced({{1, 2, 3}, {4, Inf, Inf}, {0, 7, 8}}, {{1, 2, 3}, {4, Inf, Inf}, {0, 7, 8}});

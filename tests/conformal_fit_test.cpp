@@ -42,7 +42,7 @@ void ExpectNoFit(const TControlPoints& a_Points)
 
 TEST(CalcConformalCoefs, FewerThanTwoPointsAreImpossibleAndLeaveCoefsUntouched)
 {
-    // The points are not degenerate: only their number is too small.
+    // The points are not degenerate; there are only too few of them.
     const TControlPoints Points = WithImage(SquareAround(0.0, 0.0), Forward(1.0, 0.0, 0.0, 0.0));
     for (unsigned int iPoints : {0u, 1u})
     {
@@ -52,7 +52,7 @@ TEST(CalcConformalCoefs, FewerThanTwoPointsAreImpossibleAndLeaveCoefsUntouched)
         EXPECT_TRUE(SameRecord(Filled<TConformalCoefs>(), Coefs));
     }
     ExpectNoFit({});
-    // Two points would be no number and succeed; a single one is counted first.
+    // Two such points would succeed with NaN. A single point fails before its coordinates are looked at.
     ExpectNoFit({{NaN}, {0.0}, {0.0}, {0.0}});
     ExpectNoFit({{0.0}, {Inf}, {0.0}, {0.0}});
 }
@@ -91,7 +91,8 @@ TEST(CalcConformalCoefs, ASourceScaledByTwoHasTheInverseOneHalfOrTwoIfRigid)
     ExpectFit(Points, true, {2.0, 0.0, 0.0, 0.0, 2.0, -0.0});
 }
 
-// The ratio of the norm is 0, so the norm is 2 and its square 4: -(1/4)*(-2) and, rigid, -(-2).
+// The ratio in the norm is 0, so the norm is 2 and its square 4. The inverse field is -(1/4)*(-2), or -(-2) for a rigid
+// inverse.
 TEST(CalcConformalCoefs, TheRigidInverseIsMinusBWhateverTheScale)
 {
     const TControlPoints Points = WithImage(SquareAround(3.0, 5.0), Forward(0.0, -2.0, 7.0, 9.0));
@@ -99,8 +100,8 @@ TEST(CalcConformalCoefs, TheRigidInverseIsMinusBWhateverTheScale)
     ExpectFit(Points, true, {0.0, -2.0, 7.0, 9.0, 0.0, 2.0});
 }
 
-// SquareAround(0, 0), S = 8, with X = (4, 0, 0, 0) and Y = (0, 8, 0, 0): means 1 and 2; over centred points
-// Sa = sum(X x + Y y) = -4 - 8 and Sb = sum(X y - Y x) = -4 - 8.
+// The square around the origin has S = 8. X = (4, 0, 0, 0) and Y = (0, 8, 0, 0) have the means 1 and 2. Over the
+// centred points Sa = sum(X x + Y y) = -4 - 8 and Sb = sum(X y - Y x) = -4 - 8.
 TEST(CalcConformalCoefs, MinimisesTheResidualsOfBothCoordinatesTogether)
 {
     TControlPoints Points = SquareAround(0.0, 0.0);
@@ -116,8 +117,8 @@ TEST(CalcConformalCoefs, EqualSourcePointsAreImpossibleEvenIfTheTargetsDiffer)
     ExpectNoFit({{5.0, 5.0}, {5.0, 5.0}, {1.0, 1.0}, {2.0, 2.0}});
 }
 
-// At 1e11 doubles are 2^-16 apart. Three times 1e11 + 0.1 sums to a number whose third is one of them further: each
-// deviation is 2^-16 and S = 6*2^-32, far above the tolerance.
+// At 1e11 doubles are 2^-16 apart. The sum of three times 1e11 + 0.1 is rounded, and its third is the next double. So
+// each deviation is 2^-16 and S = 6*2^-32, far above the tolerance.
 TEST(CalcConformalCoefs, MissesEqualPointsOfSoLargeCoordinatesThatTheirMeanRounds)
 {
     const double dFar = 1e11 + 0.1;
@@ -129,8 +130,8 @@ TEST(CalcConformalCoefs, MissesEqualPointsOfSoLargeCoordinatesThatTheirMeanRound
     EXPECT_EQ(1, Fit({vdFar, vdFar, {0.0, 1.0, 0.0}, {0.0, 0.0, 1.0}}, false, Coefs));
 }
 
-// Two points +-(h, k): S = 2 (k k + h h), each operation rounded. The values were found by exact rational arithmetic so
-// that S is the double below 1e-12, 1e-12 itself and the double above.
+// Two points +-(h, k): S = 2 (k k + h h), with each operation rounded. Exact rational arithmetic found values for which
+// S is the double below 1e-12, 1e-12 itself and the double above.
 TEST(CalcConformalCoefs, ASpreadOfTheToleranceAndBelowIsImpossibleAndTheNextOneSucceeds)
 {
     const double dBelow = 0x1.7ba0041886990p-21;
@@ -157,8 +158,8 @@ TEST(CalcConformalCoefs, EqualTargetPointsGiveTheMeanAndNaNInverseFieldsUnlessRi
     ExpectFit(Points, true, {0.0, 0.0, 6.0, -7.0, 0.0, -0.0});
 }
 
-// x = (-3, 1, 1, 1) has S = 12 and a fourth of the sum of targets is exact: X = (0, 20, 0, 0) gives Sa = 20, Y = -X
-// gives Sb = 20. 20 times the rounded 1/12 is ...aap+0, while 20/12 = 5/3 is ...abp+0.
+// x = (-3, 1, 1, 1) has S = 12, and a fourth of the sum of the targets is exact. X = (0, 20, 0, 0) gives Sa = 20; Y =
+// -X gives Sb = 20. 20 times the rounded 1/12 ends in ...aap+0, while 20/12 = 5/3 ends in ...abp+0.
 TEST(CalcConformalCoefs, MultipliesByTheReciprocalOfTheSpread)
 {
     const double dFiveThirds = 0x1.aaaaaaaaaaaaap+0;
@@ -166,9 +167,9 @@ TEST(CalcConformalCoefs, MultipliesByTheReciprocalOfTheSpread)
               {dFiveThirds, dFiveThirds, 5.0, -5.0, dFiveThirds, -dFiveThirds});
 }
 
-// Exact rational arithmetic with every step rounded: for (5, 5) and (5, 9) norm, square, quotient and product of the
-// negative reciprocal have these bits. The squared norm comes out as 50 and 106 plus a unit; A^2 + B^2, a quotient for
-// B or a product for A give others.
+// The expected bits come from exact rational arithmetic with every step rounded: norm, square, quotient and product of
+// the negative reciprocal. The squared norms come out as 50 and 106 plus a unit. A^2 + B^2, a quotient for B or a
+// product for A would give other bits.
 TEST(CalcConformalCoefs, DividesForTheInverseAAndMultipliesForTheInverseB)
 {
     ExpectFit(WithImage(SquareAround(0.0, 0.0), Forward(5.0, 5.0, 0.0, 0.0)), false,
@@ -187,14 +188,15 @@ TEST(CalcConformalCoefs, FormsTheTranslationsInOrder)
     const std::vector<double> vdX = {dFar - 4.0, dFar + 4.0};
     ExpectFit({vdX, {-dFar, -dFar}, {-2.0, 6.0}, {6.0, -2.0}}, true, {1.0, 1.0, 2.0, 2.0 * dFar, 1.0, -1.0});
     ExpectFit({vdX, {dFar, dFar}, {-2.0, 6.0}, {6.0, -2.0}}, true, {1.0, 1.0, -2.0 * dFar, 0.0, 1.0, -1.0});
-    // With a target mean of 1, (1 - 2^54) + 2^54 = 0 and 2^54 + 1 - 2^54 = 0; with the two products taken together 1.
+    // With a target mean of 1, (1 - 2^54) + 2^54 = 0 and (2^54 + 1) - 2^54 = 0. If the two products were added first,
+    // the result would be 1.
     ExpectFit({vdX, {-dFar, -dFar}, {-3.0, 5.0}, {5.0, -3.0}}, true, {1.0, 1.0, 0.0, 2.0 * dFar, 1.0, -1.0});
     ExpectFit({vdX, {dFar, dFar}, {-3.0, 5.0}, {5.0, -3.0}}, true, {1.0, 1.0, -2.0 * dFar, 0.0, 1.0, -1.0});
 }
 
-// Points +-(2^26, 0) and +-(1, 1): S = 2^52 + 2^52, then twice + (1 + 1): 2^53 + 4. Added one by one, each 1 would be
-// lost beside 2^53, where doubles are 2 apart. Targets at the first two points only have the other sum 2^53, and 2^53
-// times the rounded reciprocal of 2^53 + 4 is 1 - 2^-51.
+// Points +-(2^26, 0) and +-(1, 1): S = 2^52 + 2^52, then twice + (1 + 1), gives 2^53 + 4. If the ones were added one by
+// one, each would be lost beside 2^53, where doubles are 2 apart. Targets at the first two points alone have the other
+// sum, 2^53, and 2^53 times the rounded reciprocal of 2^53 + 4 is 1 - 2^-51.
 TEST(CalcConformalCoefs, FormsAPointsTermBeforeItIsAddedToTheSum)
 {
     const double dH = 0x1p26;
@@ -209,8 +211,8 @@ TEST(CalcConformalCoefs, FormsAPointsTermBeforeItIsAddedToTheSum)
     ExpectFit({vdX, vdY, vdY, vdTurnedY}, true, {0.0, 1.0, 0.0, 0.0, 0.0, -1.0}); // Sb = 2^53 + 4 too
 }
 
-// Points +-(dx, dy), so that the means are 0. (2^30 + 1)(2^30 - 1) = 2^60 - 1 rounds to 2^60, which the other product
-// cancels: dX dx + dY dy = 0 or dX dy - dY dx = 0.
+// Points +-(dx, dy), so that the means are 0. (2^30 + 1)(2^30 - 1) = 2^60 - 1 rounds to 2^60, and the other product
+// cancels it: dX dx + dY dy = 0 or dX dy - dY dx = 0.
 TEST(CalcConformalCoefs, RoundsEveryProductBeforeItIsAdded)
 {
     const auto FitPair = [](double a_dX, double a_dY, double a_dXa, double a_dYa)
@@ -244,10 +246,10 @@ TEST(CalcConformalCoefs, AddsTheTermsInPointOrder)
     EXPECT_SAME_BITS(1.0, Coefs.dA);
 }
 
-// The points are integers and the image is exact, so nothing but the fit itself rounds; the means are not exact. The
-// sums have the size of the extent (6), not of the offset: the linear part keeps 5e-15 where sums about the origin (of
-// 1e13) would lose it to 1e-3. The translations are differences of numbers of 5e6, with the error of the linear part
-// times 3e6.
+// The points are whole numbers and the image is exact, so only the fit itself rounds. The means are not exact. The sums
+// have the size of the extent (6), not of the offset, so the linear part keeps 5e-15. Sums about the origin (of 1e13)
+// would leave an error of 1e-3. The translations are differences of numbers of 5e6, and carry 3e6 times the error of
+// the linear part.
 TEST(CalcConformalCoefs, ALargeCommonOffsetDoesNotSpoilTheFit)
 {
     TControlPoints Points = {{0.0, 1.0, 0.0, 3.0, 2.0, 5.0, 6.0}, {0.0, 0.0, 1.0, 2.0, 6.0, 1.0, 3.0}, {}, {}};
@@ -306,7 +308,7 @@ TEST(CalcConformalCoefs, TheInverseOfATinyOrHugeScaleIsLost)
     EXPECT_EQ(0.0, InverseOf(1.4e154).dInvA);
 }
 
-// Neither the sign of a zero coordinate nor a subnormal survives the sums: the result has the same bits.
+// The sign of a zero coordinate and a subnormal coordinate are lost in the sums, so the result has the same bits.
 TEST(CalcConformalCoefs, ZerosOfBothSignsAndSubnormalsAreTheSameCoordinates)
 {
     for (double dZero : {0.0, -0.0, Subnormal, -Subnormal})

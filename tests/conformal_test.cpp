@@ -35,7 +35,7 @@ int ToParams(const TConformalCoefs& a_Coefs, TParams& a_Params)
     return nuv::ConformalCoefsToParam(a_Coefs, a_Params.dScale, a_Params.dAngle, a_Params.dTx, a_Params.dTy);
 }
 
-// A record whose inverse fields must not be used.
+// A record whose inverse fields are NaN. The functions must not use them.
 TConformalCoefs Forward(double a_dA, double a_dB, double a_dTx, double a_dTy)
 {
     return {a_dA, a_dB, a_dTx, a_dTy, NaN, NaN};
@@ -55,7 +55,8 @@ void ExpectParams(const TConformalCoefs& a_Coefs, int a_iResult, const TParams& 
     EXPECT_TRUE(SameRecord(a_Expected, Params));
 }
 
-// The scale and translations to the bit; the angle within one unit of atan2 and one rounding of its reduction.
+// Expects the bits of the scale and the translations. The angle may differ by one unit of atan2 and one rounding of the
+// reduction.
 void ExpectAngle(const TConformalCoefs& a_Coefs, double a_dScale, long double a_dAngle)
 {
     SCOPED_TRACE(::testing::PrintToString(Fields(a_Coefs)));
@@ -83,7 +84,7 @@ TEST(ConformalParamsToCoefs, AScaleAndAShiftAreExact)
     ExpectCoefs({2.0, -0.0, 3.0, -4.0}, {2.0, 0.0, 3.0, -4.0, 0.5, -0.0}); // sin(-0) = -0
 }
 
-// inf*1 and inf*0; with an angle whose sine is not 0 both are infinite.
+// inf*1 and inf*0. With an angle whose sine is not 0, both products are infinite.
 TEST(ConformalParamsToCoefs, AZeroScaleGivesInfiniteOrNaNInverseFields)
 {
     ExpectCoefs({0.0, 0.0, 3.0, -4.0}, {0.0, -0.0, 3.0, -4.0, Inf, NaN});
@@ -91,7 +92,7 @@ TEST(ConformalParamsToCoefs, AZeroScaleGivesInfiniteOrNaNInverseFields)
     ExpectCoefs({0.0, 1.0, 3.0, -4.0}, {0.0, -0.0, 3.0, -4.0, Inf, Inf});
 }
 
-// No scale is refused: the reciprocal of the least double overflows, that of 1e-12 rounds to 1e12.
+// Every scale is accepted. The reciprocal of the least double overflows; the reciprocal of 1e-12 rounds to 1e12.
 TEST(ConformalParamsToCoefs, TakesSpecialScalesThroughTheArithmetic)
 {
     ExpectCoefs({Subnormal, 0.0, 3.0, -4.0}, {Subnormal, -0.0, 3.0, -4.0, Inf, NaN});
@@ -126,7 +127,8 @@ TEST(ConformalParamsToCoefs, PassesTranslationsOnAsTheyAre)
     }
 }
 
-// cos and sin are trusted to 5 units (the worst C library measured), reciprocal and product add one.
+// cos and sin of a C library are off by at most 5 units in the last place (the worst one measured). The reciprocal and
+// the product add one.
 TEST(ConformalParamsToCoefs, FollowsItsFormulasForAnyAngle)
 {
     for (double dScale : {1.0, 3.0, 0.7, 1e-5, -49.0})
@@ -149,7 +151,7 @@ TEST(ConformalParamsToCoefs, FollowsItsFormulasForAnyAngle)
 // Coefficients to parameters. The inverse fields are NaN throughout: they are not used.
 // ---------------------------------------------------------------------------------------------------------------------
 
-// v = (-1/2)*B: from -0 it is 0, from 0 it is -0, whose angle -0 stays.
+// v = (-1/2)*B is 0 for B = -0. For B = 0 it is -0, and so is the angle.
 TEST(ConformalCoefsToParam, WithoutRotationTheAngleIsAZero)
 {
     ExpectParams(Forward(2.0, -0.0, 3.0, 4.0), 1, {2.0, 0.0, 3.0, 4.0});
@@ -172,8 +174,8 @@ TEST(ConformalCoefsToParam, ATinyNegativeRotationIsTwoPi)
     ExpectParams(Forward(1.0, 1e-20, 3.0, 4.0), 1, {1.0, 0x1.921fb54442d18p+2, 3.0, 4.0});
 }
 
-// B is so small that the scale is 49, u = 1 and the angle, v - v^3/3 + ..., rounds to v = (-1/49)*(-49*2^-70). 49 times
-// the rounded reciprocal of 49 is the double below 1; the quotient B/49 would give 2^-70.
+// B is so small that the scale is 49, u is 1 and the angle, v - v^3/3 + ..., rounds to v = (-1/49)*(-49*2^-70). 49
+// times the rounded reciprocal of 49 is the double below 1. The quotient B/49 would give 2^-70.
 TEST(ConformalCoefsToParam, MultipliesBByTheNegativeReciprocalOfTheScale)
 {
     ExpectParams(Forward(49.0, -49.0 * 0x1p-70, 3.0, 4.0), 1, {49.0, 0x1.fffffffffffffp-71, 3.0, 4.0});
@@ -227,8 +229,8 @@ TEST(ConformalCoefsToParam, TakesSpecialCoefficientsThroughTheArithmetic)
     }
 }
 
-// Two functions trusted to 5 units and some five roundings; near the angle 0 the bound is that of 2 pi, from which
-// negative angles are subtracted.
+// Two functions are off by up to 5 units each, and there are about five roundings. Near the angle 0 the bound is that
+// of 2 pi, from which negative angles are subtracted.
 TEST(ConformalCoefsToParam, GivesTheParametersBackWithTheAngleReduced)
 {
     const double dThreeQuarters = static_cast<double>(1.5L * LongPi);
@@ -274,7 +276,8 @@ TEST(ConformalCoefsToInvCoefs, TheInverseOfTheInverseIsTheFirstRecord)
     ExpectInverse(Inverse, Coefs);
 }
 
-// Two products and a sum, twice, of numbers up to 20, beside inverse fields that are right to 10 units: 64 units of 20.
+// Two products and a sum of numbers up to 20, twice; the inverse fields are right to 10 units. 64 units of 20 are
+// enough.
 TEST(ConformalCoefsToInvCoefs, TwiceGivesTheTranslationsBackUpToRounding)
 {
     const TConformalCoefs Coefs = FromParams({3.0, 1.0, 10.0, -20.0});
@@ -300,7 +303,7 @@ TEST(ConformalCoefsToInvCoefs, TheIdentityWithoutShiftGetsANegativeZeroTranslati
     ExpectInverse({1.0, -0.0, -0.0, -0.0, 1.0, 0.0}, {1.0, 0.0, 0.0, 0.0, 1.0, -0.0}); // 0 - -0; -0 - -0
 }
 
-// (2^30 + 1)(2^30 - 1) = 2^60 - 1 rounds to 2^60, which the other product cancels.
+// (2^30 + 1)(2^30 - 1) = 2^60 - 1 rounds to 2^60, and the other product cancels it.
 TEST(ConformalCoefsToInvCoefs, RoundsEveryProductBeforeItIsSubtracted)
 {
     const double dN = 0x1p30;

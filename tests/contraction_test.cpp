@@ -2,7 +2,8 @@
 // Copyright (c) 2026 the nuv1math authors
 // SPDX-License-Identifier: MIT
 //
-// Built as the library is, and once more for a processor with FMA, where compilers contract unless told otherwise.
+// The tests are built twice: as the library is, and for a processor with FMA, where compilers contract unless an option
+// forbids it.
 
 #include "nuv1math.h"
 #include "support/expect.h"
@@ -10,13 +11,13 @@
 using namespace nuv;
 using namespace nuv_tests;
 
-// 0.1 * 10 is 1 + 2^-54 exactly and 1 rounded: the difference to 1 shows whether the product was rounded.
+// 0.1 * 10 is exactly 1 + 2^-54 and rounds to 1. The difference to 1 shows whether the product was rounded.
 TEST(Contraction, IsOffInCodeUnderTheProjectsFlags)
 {
     EXPECT_SAME_BITS(0.0, Opaque(0.1) * Opaque(10.0) - Opaque(1.0));
 }
 
-// The same difference, scaled by 2^40 out of the tolerance, as a determinant: 2^40 (0.1 * 10) - 2^20 2^20.
+// The same difference as a determinant, scaled by 2^40 so that it exceeds the tolerance: 2^40 (0.1 * 10) - 2^20 2^20.
 TEST(Contraction, IsOffInTheLibrary)
 {
     double dX = Untouched;

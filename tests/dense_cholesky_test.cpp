@@ -147,15 +147,16 @@ TEST(Cholesky, ScalesAColumnByTheReciprocalOfItsDiagonal)
     ExpectFactors({{"3", {{9.0}, {5.0, 100.0}}, true, {{3.0}, {dScaled, std::sqrt(100.0 - dScaled * dScaled)}}}});
 }
 
-// 2^54 and 1.5^2 off 2^54 + 8: next to the diagonal first, 2^54 + 5.75 rounds to 2^54 + 4, and 4 is left. From the
-// row's beginning it would be 8 - 2.25 = 5.75.
+// 2^54 + 8 - 2^54 - 1.5^2. The square next to the diagonal comes first: 2^54 + 8 - 2.25 = 2^54 + 5.75 rounds to 2^54 +
+// 4, and 4 is left. From the beginning of the row it would be 8 - 2.25 = 5.75.
 TEST(Cholesky, SubtractsTheSquaresFromTheDiagonalBackToTheRowsBeginning)
 {
     ExpectFactors(
         {{"3 x 3", {{1.0}, {0.0, 1.0}, {0x1p27, 1.5, 0x1p54 + 8.0}}, true, {{1.0}, {0.0, 1.0}, {0x1p27, 1.5, 2.0}}}});
 }
 
-// -1 and -2 off 2^53: ascending, 2^53 + 1 rounds to 2^53 and 2^53 + 2 is left; descending it would be 2^53 + 4.
+// 2^53 + 1 + 2 in ascending order: 2^53 + 1 rounds to 2^53, and the result is 2^53 + 2. In descending order it would be
+// 2^53 + 4.
 TEST(Cholesky, SubtractsTheProductsOfAnElementFromTheFirstColumnOn)
 {
     ExpectFactors({{"4 x 4",
@@ -166,7 +167,7 @@ TEST(Cholesky, SubtractsTheProductsOfAnElementFromTheFirstColumnOn)
 
 TEST(Cholesky, RoundsEveryProductBeforeItIsSubtracted)
 {
-    // (1 + 2^-27)^2 rounds to 1 + 2^-26: nothing is left. One rounding would leave -2^-54, which fails.
+    // (1 + 2^-27)^2 rounds to 1 + 2^-26, so nothing is left. With one rounding -2^-54 would be left, which fails.
     const double dElement = 1.0 + 0x1p-27;
     ExpectFactors({{"square", {{1.0}, {dElement, 1.0 + 0x1p-26}}, true, {{1.0}, {dElement, 0.0}}}});
     const double dTimes = dElement * (1.0 + 0x1p-26);
@@ -178,7 +179,7 @@ TEST(Cholesky, RoundsEveryProductBeforeItIsSubtracted)
                      {1.0 + 0x1p-26, 0.0, std::sqrt(9.0 - 0.0 - (1.0 + 0x1p-26) * (1.0 + 0x1p-26))}}}});
 }
 
-// The columns before the failing diagonal hold L; this diagonal and the rest hold A.
+// The columns before the failing diagonal hold L. This diagonal and everything behind it still hold A.
 TEST(Cholesky, FailsWithTheColumnsBeforeTheFailingDiagonalDone)
 {
     ExpectFactors({{"first", {{-1.0}, {2.0, 5.0}, {3.0, 4.0, 6.0}}, false, {{-1.0}, {2.0, 5.0}, {3.0, 4.0, 6.0}}},
@@ -226,8 +227,8 @@ TEST(SolveChol, DividesByTheDiagonal)
     ExpectSolution({d49 / 49.0}, {{49.0}}, {1.0});
 }
 
-// Only the last row has elements: each step back has one term, and the last one forward has two. 2^53 + 1 rounds to
-// 2^53, so ascending gives 2^53 + 2, descending 2^53 + 4; divided by 4 in the step back too.
+// Only the last row has elements beside the diagonal. So each backward step has one term, and the last forward step has
+// two. 2^53 + 1 rounds to 2^53, so the ascending order gives 2^53 + 2 and the descending one 2^53 + 4.
 TEST(SolveChol, SubstitutesForwardInAscendingOrder)
 {
     const TRows Factor = {{1.0}, {0.0, 1.0}, {-1.0, -1.0, 1.0}};
@@ -237,8 +238,8 @@ TEST(SolveChol, SubstitutesForwardInAscendingOrder)
     EXPECT_TRUE(SameValues(vdExpected, SolvePacked(Square(Factor), {1.0, 2.0, 0x1p53})));
 }
 
-// Only the first column has elements. y = (2^53, 1, 2); back from row 1 down: 2^53 + 1 is 2^53, + 2. From the last row
-// up: 2^53 + 2, + 1 rounds to 2^53 + 4.
+// Only the first column has elements below the diagonal, and y = (2^53, 1, 2). From row 1 downwards, 2^53 + 1 rounds to
+// 2^53 and the sum is 2^53 + 2. From the last row upwards, 2^53 + 2 + 1 rounds to 2^53 + 4.
 TEST(SolveChol, SubstitutesBackwardInAscendingOrderUnlikeThePackedForm)
 {
     const TRows Factor = {{1.0}, {-1.0, 1.0}, {-1.0, 0.0, 1.0}};
@@ -274,7 +275,8 @@ TEST(SolveChol, NaNReachesWhatDependsOnIt)
 
 // --- the packed twin
 
-// G G^T of random G, well-conditioned by a diagonal added; every third one with a negative diagonal somewhere.
+// G G^T of a random G, with a diagonal added so that it is well conditioned. With a_bFails one diagonal element is
+// negative.
 TRows RandomMatrix(std::mt19937_64& a_Random, std::size_t a_iN, bool a_bFails)
 {
     std::uniform_real_distribution<double> Element(-1.0, 1.0);
@@ -324,8 +326,8 @@ TEST(CholeskyTwins, FactorsAndFailuresHaveTheSameBits)
     }
 }
 
-// The solutions agree to the bit for two unknowns, where the step back has one term; for more they differ now and then
-// in the last bits, and by no more than the condition of the matrix allows.
+// For two unknowns the backward step has one term, and the solutions have the same bits. For more unknowns they
+// sometimes differ in the last bits, by no more than the condition of the matrix allows.
 TEST(CholeskyTwins, SolutionsDifferByTheOrderOfTheStepBackOnly)
 {
     std::mt19937_64 Random(5);
@@ -358,8 +360,8 @@ TEST(CholeskyTwins, SolutionsDifferByTheOrderOfTheStepBackOnly)
 
 #if defined(__unix__)
 
-// A row of two pages: the second page of the rows of the upper half lies in the strict upper triangle alone and is
-// locked, so that even a read without any arithmetic ends the process.
+// A row takes two pages. In the upper half of the rows, the second page holds only elements above the diagonal. Such
+// pages are locked, so that even a read without arithmetic ends the process.
 TEST(CholeskyUpperTriangleSlow, IsNotEvenRead)
 {
     const std::size_t iPage = static_cast<std::size_t>(sysconf(_SC_PAGESIZE)) / sizeof(double);
@@ -399,7 +401,7 @@ TEST(CholeskyUpperTriangleSlow, IsNotEvenRead)
     EXPECT_NEAR(2.0, 4.0 * vdVector[0] + 2.0 * vdVector[1], 1e-12); // the first equation
 }
 
-// 46341 * 46342, where the last row begins, is beyond int. The first column is done, the second diagonal ends it.
+// The last row begins at 46341 * 46342, which is beyond int. The first column is computed; the second diagonal fails.
 TEST(CholeskySizeSlow, RowsBeyondTheRangeOfIntAreReached)
 {
     const std::size_t iN = 46342;

@@ -32,7 +32,7 @@ Eigen::MatrixXd MakeEigen(const TRows& a_vvdRows)
     return Matrix;
 }
 
-// The eigenvalues of a general matrix, the same bits for every padding.
+// The eigenvalues of a general matrix. They must have the same bits for every padding.
 TComplexes Solve(const TRows& a_vvdRows)
 {
     TEigenvalues First = {};
@@ -57,15 +57,16 @@ TComplexes Solve(const TRows& a_vvdRows)
     return Values;
 }
 
-// The computed eigenvalues are exact ones of A + E. Elimination with pivoting keeps its multipliers within 1, a double
-// step is orthogonal, and both round each element a few times for every row: |E| is a small multiple of n eps |A|
-// (J. H. Wilkinson, The Algebraic Eigenvalue Problem, chapters 6 and 8).
+// The computed eigenvalues are exact eigenvalues of A + E. Elimination with pivoting keeps its multipliers within 1,
+// and a double step is orthogonal. Both round each element a few times for every row, so |E| is a small multiple of n
+// eps |A| (J. H. Wilkinson, The Algebraic Eigenvalue Problem, chapters 6 and 8).
 double BackwardError(const Eigen::MatrixXd& a_Matrix)
 {
     return 10.0 * static_cast<double>(a_Matrix.rows()) * Epsilon * a_Matrix.norm();
 }
 
-// A - lambda I is within |E| of a singular matrix: its least singular value is at most |E|. No condition enters.
+// A - lambda I is within |E| of a singular matrix, so its least singular value is at most |E|. This does not depend on
+// the condition of the eigenvalue.
 void ExpectSmallBackwardErrors(const TRows& a_vvdRows, const TComplexes& a_Values)
 {
     const Eigen::MatrixXd Matrix = MakeEigen(a_vvdRows);
@@ -95,8 +96,9 @@ void ExpectTraceAndConjugates(const TRows& a_vvdRows, const TComplexes& a_Values
     EXPECT_EQ(0.0, Sum.imag() + 0.0);
 }
 
-// To first order an eigenvalue moves by at most |E| times its condition |x||y|/|y^H x|, from its right and left
-// eigenvectors; 1 for a normal matrix (Wilkinson, chapter 2). Each expected value takes the nearest that is left.
+// To first order an eigenvalue moves by at most |E| times its condition |x||y|/|y^H x|, where x and y are its right and
+// left eigenvectors. The condition is 1 for a normal matrix (Wilkinson, chapter 2). Each expected value takes the
+// nearest computed one that is left.
 void ExpectNear(const TComplexes& a_Expected, const std::vector<double>& a_vdBounds, TComplexes a_Values)
 {
     ASSERT_EQ(a_Expected.size(), a_Values.size());
@@ -116,7 +118,7 @@ void ExpectNear(const TComplexes& a_Expected, double a_dBound, const TComplexes&
     ExpectNear(a_Expected, std::vector<double>(a_Expected.size(), a_dBound), a_Values);
 }
 
-// Against Eigen, each eigenvalue to its own condition; both sides have a backward error.
+// Compares with Eigen, each eigenvalue to its own condition. Both results have a backward error.
 void ExpectAsEigen(const TRows& a_vvdRows, const TComplexes& a_Values)
 {
     const Eigen::MatrixXd Matrix = MakeEigen(a_vvdRows);
@@ -182,8 +184,9 @@ TEST(Eigenvalues, OfTheRosserMatrix)
                     {dGreat, 1020.0, 510.0 + dRoot, 1000.0, 1000.0, 10.0 / (510.0 + dRoot) * 10.0, 0.0, -dGreat});
 }
 
-// W21+: diagonal 10 ... 0 ... 10, ones beside it; pairs that agree to 14 digits. The values from the characteristic
-// polynomial in rational arithmetic; the two greatest are those of Wilkinson, chapter 5, section 45.
+// W21+: the diagonal is 10 ... 0 ... 10, with ones beside it. Its eigenvalues form pairs that agree to 14 digits. The
+// values are from the characteristic polynomial in rational arithmetic; the two greatest are those of Wilkinson,
+// chapter 5, section 45.
 TEST(Eigenvalues, OfTheWilkinsonMatrix)
 {
     ExpectPublished(MakeTridiagonal(21, 1.0, [](int i) { return std::fabs(10.0 - i); }),
@@ -195,8 +198,8 @@ TEST(Eigenvalues, OfTheWilkinsonMatrix)
                      10.746194182903393});
 }
 
-// Frank's matrix of order 12: the small eigenvalues have conditions up to 1e8 and more. Source: W. L. Frank, J. Soc.
-// Indust. Appl. Math. 6 (1958) 378-392; the values from the characteristic polynomial in rational arithmetic.
+// Frank's matrix of order 12: its small eigenvalues have conditions of 1e8 and more. Source: W. L. Frank, J. Soc.
+// Indust. Appl. Math. 6 (1958) 378-392; the values are from the characteristic polynomial in rational arithmetic.
 TEST(Eigenvalues, OfTheFrankMatrix)
 {
     const TRows vvdFrank = MakeRows(12, [](int i, int j) { return j >= i - 1 ? 12.0 - std::max(i, j) : 0.0; });
@@ -214,9 +217,9 @@ TEST(Eigenvalues, OfTheFrankMatrix)
     ExpectNear(Great, 1e3 * BackwardError(MakeEigen(vvdFrank)), TComplexes(Sorted.begin() + 6, Sorted.end()));
 }
 
-// Zero diagonal, k above and n - k below: n-1, n-3, ... 1-n. Source: P. A. Clement, SIAM Rev. 1 (1959) 50-52. Made
-// symmetric by a diagonal similarity whose squares are binomial coefficients: the condition is the root of the
-// greatest ratio of two.
+// The diagonal is zero, with k above and n - k below it. The eigenvalues are n-1, n-3, ... 1-n. Source: P. A. Clement,
+// SIAM Rev. 1 (1959) 50-52. A diagonal similarity whose squares are binomial coefficients makes the matrix symmetric,
+// so the condition is the root of the greatest ratio of two of them.
 TEST(Eigenvalues, OfTheClementMatrix)
 {
     for (int iN : {2, 5, 10, 16})
@@ -237,7 +240,8 @@ TEST(Eigenvalues, OfTheClementMatrix)
     }
 }
 
-// sum of c_k w^(jk), w = exp(2 pi i/n). Normal, so the condition is 1. Source: P. J. Davis, Circulant Matrices, 1979.
+// The eigenvalues are the sums of c_k w^(jk), w = exp(2 pi i/n). The matrix is normal, so the condition is 1. Source:
+// P. J. Davis, Circulant Matrices, 1979.
 TEST(Eigenvalues, OfCirculants)
 {
     for (const std::vector<double>& vdC :
@@ -286,8 +290,8 @@ TEST(Eigenvalues, OfCompanionMatricesAreTheRoots)
     }
 }
 
-// -1 below, 1 on and three times above the diagonal: sensitive eigenvalues, so only the backward error is bounded.
-// Source: J. Grcar, Sandia National Laboratories SAND89-8691 (1989).
+// -1 below the diagonal, 1 on it and on three diagonals above it. The eigenvalues are sensitive, so only the backward
+// error is bounded. Source: J. Grcar, Sandia National Laboratories SAND89-8691 (1989).
 TEST(Eigenvalues, OfTheGrcarMatrix)
 {
     for (int iN : {5, 10, 15})
@@ -322,7 +326,8 @@ TEST(Eigenvalues, OfRandomMatricesAreThoseOfEigen)
     }
 }
 
-// D A D^-1 with powers of 2 in D has the eigenvalues of A to A's own condition, if it is balanced first; D spans 2^60.
+// D A D^-1 has the eigenvalues of A. D consists of powers of 2 and spans 2^60. Balancing undoes it, so the condition is
+// that of A.
 TEST(Eigenvalues, OfABadlyScaledMatrixAreThoseOfTheWellScaledOne)
 {
     std::mt19937_64 Engine(5);

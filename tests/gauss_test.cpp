@@ -2,7 +2,7 @@
 // Copyright (c) 2026 the nuv1math authors
 // SPDX-License-Identifier: MIT
 //
-// Matrices stand column by column, as the routines take them.
+// Matrices are stored column by column, as the routines take them.
 
 #include "affine.h"
 #include "support/expect.h"
@@ -58,7 +58,7 @@ TEST(MaxAbsIndex, CountsPositionsInStridesAndSkipsWhatLiesBetween)
     EXPECT_EQ(1, nuv::MaxAbsIndex(3, vdValues, 3));
 }
 
-// U x = b with tight storage; x has room for what a failure writes.
+// U x = b without padding. A failure writes into the second half of x.
 struct TBackSubstitution
 {
     TBackSubstitution(const std::vector<double>& a_vdU, const std::vector<double>& a_vdB)
@@ -96,7 +96,7 @@ TEST(SolveUpperTri, ReadsTheUpperTriangleOnlyAndStepsByItsStrides)
     EXPECT_TRUE(SameValues({4.0, Untouched, Untouched, 1.0, Untouched, Untouched, 2.0, Untouched, Untouched}, vdX));
 }
 
-// The neighbours of 1 are not 1: a quotient of equal values is.
+// The neighbours of 1 do not count as 1: the diagonal divides, and the quotient of equal values is 1.
 TEST(SolveUpperTri, DividesByADiagonalBesideOne)
 {
     for (double dDiagonal : {1.0 + 0x1p-52, 1.0 - 0x1p-53})
@@ -128,7 +128,7 @@ TEST(SolveUpperTri, FailsAtAZeroDiagonalBeyondTheTolerance)
     }
 }
 
-// The middle row has no unknown of its own: 0 y + z = 3 agrees with z = 3, so y = 0 and x = 6 - (0 + 3).
+// The middle row has a zero diagonal: 0 y + z = 3 agrees with z = 3, so y = 0 and x = 6 - (0 + 3).
 TEST(SolveUpperTri, GoesOnAfterAConsistentRowWithAZeroDiagonal)
 {
     ExpectSubstitution({1.0, 0.0, 0.0, 1.0, 0.0, 0.0, 1.0, 1.0, 1.0}, {6.0, 3.0, 3.0}, {3.0, 0.0, 3.0});
@@ -163,7 +163,7 @@ TEST(SolveUpperTri, DividesByEveryDiagonalThatIsNotZero)
     ExpectSubstitution({3.0, 0.0, 0.0, 1.0}, {5.0, 0.0}, {0x1.aaaaaaaaaaaabp+0, 0.0});
 }
 
-// Doubles near 1e16 are 2 apart: 1 + 1e16 = 1e16, which -1e16 cancels. From the first unknown on the sum would be 1.
+// Doubles near 1e16 are 2 apart: 1 + 1e16 rounds to 1e16, which -1e16 cancels. In the other order the sum would be 1.
 TEST(SolveUpperTri, SumsProductsFromTheLastUnknownBackwards)
 {
     const std::vector<double> vdU = {1.0, 0.0, 0.0, 0.0, -1e16, 1.0, 0.0, 0.0, 1e16, 0.0, 1.0, 0.0, 1.0, 0.0, 0.0, 1.0};

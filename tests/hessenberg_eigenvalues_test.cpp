@@ -44,7 +44,7 @@ TEST(HessenbergEigenvalues, AComplexPairIsStoredWithTheNegativeImaginaryPartFirs
     ExpectEigenvaluesOfHessenberg({{3, -4}, {4, 3}}, {1, {3.0, 3.0}, {-4.0, 4.0}});
 }
 
-// p = (y - x)/2 leads: the first position takes x + p + sign(p) sqrt(p^2 + w), the second one x - w/(...).
+// With p = (y - x)/2 the first position takes x + p + sign(p) sqrt(p^2 + w), and the second one x - w/(...).
 TEST(HessenbergEigenvalues, ARealPairIsStoredWithTheOneFurtherFromTheLastDiagonalElementFirst)
 {
     ExpectEigenvaluesOfHessenberg({{4, 3}, {1, 2}}, {1, {5.0, 1.0}, {0.0, 0.0}});
@@ -53,15 +53,15 @@ TEST(HessenbergEigenvalues, ARealPairIsStoredWithTheOneFurtherFromTheLastDiagona
     ExpectEigenvaluesOfHessenberg({{5, 0}, {1, 5}}, {1, {5.0, 5.0}, {0.0, 0.0}}); // z = 0 is not divided by
 }
 
-// (y - x)/2 is -0.0 here. It counts as not negative, so that +1 comes first.
+// Here (y - x)/2 is -0.0. It counts as not negative, so that +1 comes first.
 TEST(HessenbergEigenvalues, ANegativeZeroIsNotNegative)
 {
     ExpectEigenvaluesOfHessenberg({{-0.0, 1}, {1, 0.0}}, {1, {1.0, -1.0}, {0.0, 0.0}});
     ExpectEigenvaluesOfHessenberg({{0.0, 1}, {1, 0.0}}, {1, {1.0, -1.0}, {0.0, 0.0}});
 }
 
-// The first component of the vector that the sweep reflects is -0.0 here, and its length takes the sign +. The bits are
-// those of a second program, written from the description of the method; the minus sign would give others.
+// Here the first component of the vector that the sweep reflects is -0.0, and its length takes the sign +. The expected
+// bits are from a second program, written from the description of the method. The minus sign would give others.
 TEST(HessenbergEigenvalues, ANegativeZeroIsNotNegativeInTheSweep)
 {
     ExpectEigenvaluesOfHessenberg(
@@ -76,8 +76,9 @@ TEST(HessenbergEigenvalues, OfATriangularMatrixAreItsDiagonalInItsOrder)
     ExpectEigenvaluesOfHessenberg({{0, 0, 0}, {0, 0, 0}, {0, 0, 0}}, {1, {0, 0, 0}, {0, 0, 0}});
 }
 
-// A subdiagonal element that vanishes beside its diagonal neighbours separates 1 x 1 and 2 x 2 blocks, which are solved
-// in place. Half a unit in the last place of 2 is still lost by the addition (to even), more is not.
+// A subdiagonal element that vanishes beside its diagonal neighbours separates blocks of order 1 and 2, which are
+// solved in place. Half a unit in the last place of 2 is still lost in the sum (a tie goes to even), and a greater
+// element is not.
 TEST(HessenbergEigenvalues, AnElementThatDoesNotChangeTheSumOfItsNeighboursIsNegligible)
 {
     ExpectEigenvaluesOfHessenberg({{1, 4}, {Epsilon, 1}}, {1, {1.0, 1.0}, {0.0, 0.0}});
@@ -88,8 +89,8 @@ TEST(HessenbergEigenvalues, AnElementThatDoesNotChangeTheSumOfItsNeighboursIsNeg
     EXPECT_LT(Result.vdReal[1], 1.0 - 1e-8);
 }
 
-// Zero neighbours measure nothing: then the norm of the whole matrix does. 1e-30 is negligible beside 1, which gives 0
-// twice, where the block itself has the eigenvalues +-1e-15.
+// If both neighbours are zero, the norm of the whole matrix decides. 1e-30 is negligible beside 1, which gives 0 twice;
+// the block by itself has the eigenvalues +-1e-15.
 TEST(HessenbergEigenvalues, BetweenZeroNeighboursTheNormDecidesWhatIsNegligible)
 {
     ExpectEigenvaluesOfHessenberg({{0, 1}, {1e-30, 0}}, {1, {0.0, 0.0}, {0.0, 0.0}});
@@ -97,7 +98,8 @@ TEST(HessenbergEigenvalues, BetweenZeroNeighboursTheNormDecidesWhatIsNegligible)
     ExpectSameEigenvalues({1, {1e-30, -1e-30}, {0.0, 0.0}}, SolveHessenberg(Small));
 }
 
-// 2^-53 is half a unit of the norm 1, a tie that goes to the even 1; 1 - 2^-53 would be a double.
+// 2^-53 is half a unit of the norm 1: the sum is a tie and rounds to the even 1. The difference 1 - 2^-53 is a double
+// itself.
 TEST(HessenbergEigenvalues, TheNormIsAddedToNotSubtractedFrom)
 {
     ExpectEigenvaluesOfHessenberg({{0.0, 1.0}, {0x1p-53, 0.0}}, {1, {0.0, 0.0}, {0.0, 0.0}});
@@ -110,7 +112,7 @@ TEST(HessenbergEigenvalues, BlocksAreSolvedAtTheirOwnPositions)
         {1, {3.0, 3.0, 7.0, 5.0, 1.0}, {-4.0, 4.0, 0.0, 0.0, 0.0}});
 }
 
-// What stands below the subdiagonal, such as the multipliers of the reduction, is neither in the norm nor in a sweep.
+// Elements below the subdiagonal, such as the multipliers of the reduction, belong neither to the norm nor to a sweep.
 TEST(HessenbergEigenvalues, DoNotDependOnWhatStandsBelowTheSubdiagonal)
 {
     std::mt19937_64 Engine(3);
@@ -133,7 +135,7 @@ TEST(HessenbergEigenvalues, DoNotDependOnWhatStandsBelowTheSubdiagonal)
     }
 }
 
-// The companion matrix of x^4 - 2x^2 + 1, balanced: neither the double steps nor the exceptional shifts separate its
+// The balanced companion matrix of x^4 - 2x^2 + 1. Neither the double steps nor the exceptional shifts separate its
 // double eigenvalues 1 and -1.
 const TRows Stubborn = {{0, 1, 0, -0.5}, {2, 0, 0, 0}, {0, 1, 0, 0}, {0, 0, 1, 0}};
 
@@ -146,7 +148,7 @@ TEST(HessenbergEigenvalues, GiveUpAfterThirtyIterationsAndWriteNothingMore)
     ExpectEigenvaluesOfHessenberg(Stubborn, {0, vdNone, vdNone});
 }
 
-// Below the stubborn block the eigenvalues 5 and 3 -+ 4i have been found before.
+// The eigenvalues 5 and 3 -+ 4i below the stubborn block are found before the iteration gives up.
 TEST(HessenbergEigenvalues, KeepWhatWasFoundBeforeGivingUp)
 {
     const TRows vvdTail = {{3, -4, 9}, {4, 3, 9}, {0, 0, 5}};
@@ -178,7 +180,7 @@ TEST(HessenbergEigenvalues, EndOnNaNAndInfinity)
     const auto Full = [](double a_dValue) { return MakeRows(4, [=](int, int) { return a_dValue; }); };
     const std::vector<double> vdNone(4, Untouched);
     ExpectEigenvaluesOfHessenberg(Full(NaN), {0, vdNone, vdNone});
-    // Infinity plus infinity is infinity: every element counts as negligible.
+    // Infinity plus infinity is infinity, so every element counts as negligible.
     for (double dValue : {Inf, -Inf})
     {
         ExpectEigenvaluesOfHessenberg(Full(dValue), {1, std::vector<double>(4, dValue), {0, 0, 0, 0}});

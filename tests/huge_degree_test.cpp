@@ -56,8 +56,8 @@ TEST(RootsOfHugeDegree, MoreRootsThanIntCountsCountAsMemoryThatCannotBeHad)
     ExpectOnlyTheTrailingZeros(static_cast<unsigned int>(INT_MAX) + 1u, 2, 0);
 }
 
-// 0 x^n + ... + x - 3 has the degree 1, also where twice n is more than int counts. All coefficients are read: seconds
-// on a processor, and much more where every read is watched.
+// 0 x^n + ... + x - 3 has the degree 1, also if twice n is more than int counts. All coefficients are read, which takes
+// seconds on a processor and much longer under an emulator or a sanitizer.
 TEST(RootsOfHugeDegreeSlow, LeadingZerosDoNotCount)
 {
     if (Watched)

@@ -1,4 +1,4 @@
-// leak_test.cpp: a leak of the library's memory is seen, or the silence of the other tests would prove nothing.
+// leak_test.cpp: shows that a leak of the library's memory is detected; without it the other tests prove nothing.
 // Copyright (c) 2026 the nuv1math authors
 // SPDX-License-Identifier: MIT
 

@@ -2,8 +2,8 @@
 // Copyright (c) 2026 the nuv1math authors
 // SPDX-License-Identifier: MIT
 //
-// Bits are expected where no function of the platform takes part, or where the same function on the same argument is
-// combined as the solver combines it.
+// A test expects bits if no function of the platform takes part, or if it calls the same function with the same
+// argument as the solver.
 
 #include "nuv1math.h"
 #include "support/angles.h"
@@ -201,7 +201,8 @@ TEST(SolveLinTrig, WithoutConstantAnAngleThatVanishesIsMinusZero)
     ExpectCases({{1e-300, 1e300, 0.0, 2, {-0.0, Pi}}, {Subnormal, Inf, 0.0, 2, {-0.0, Pi}}});
 }
 
-// The second angle comes from the first, which was rounded once already: often not the angle with pi added.
+// The second angle is computed from the first one, which was rounded already. So it is often not the double nearest to
+// the angle plus pi.
 TEST(SolveLinTrig, WithoutConstantTheSecondAngleIsFormedFromTheFirst)
 {
     int iDiffering = 0;
@@ -247,7 +248,8 @@ TEST(SolveLinTrig, NoHalfTangentIsToldByTheCountZero)
                  {3.0, -4.0, 6.0, 0, {}}});
 }
 
-// The half tangent is infinite at pi: for a = c the quadratic is linear, -a/b, and pi is put beside it.
+// The half tangent is infinite at pi. For a = c the quadratic is the linear equation of -a/b, and pi is a solution
+// besides.
 TEST(SolveLinTrig, EqualCosineAndConstantGiveThePiThatTheHalfTangentLoses)
 {
     ExpectCases({{1.0, 1.0, 1.0, 2, {Pi, HalfTangentAngle(-1.0)}},
@@ -266,7 +268,7 @@ TEST(SolveLinTrig, EqualCosineAndConstantGiveThePiThatTheHalfTangentLoses)
     }
 }
 
-// Infinite a = c: pi, and two roots that are no numbers, of which the room holds one.
+// With infinite a = c there are pi and two roots that are NaN. The room holds only one of these.
 TEST(SolveLinTrig, InfiniteEqualCosineAndConstantStopAtTwoAngles)
 {
     for (double dB : {1.0, -1.0, 1e308, Subnormal})
@@ -275,8 +277,8 @@ TEST(SolveLinTrig, InfiniteEqualCosineAndConstantStopAtTwoAngles)
     }
 }
 
-// The sum that cancels is not formed: with 1e8 times as much sine, the textbook formula would lose half the digits of
-// the small root -(a + c)/(2b), and all with 1e16 times.
+// The solver does not form the sum that cancels. With 1e8 times as much sine, the textbook formula would lose half the
+// digits of the small root -(a + c)/(2b); with 1e16 times it would lose all of them.
 TEST(SolveLinTrig, TheSmallRootKeepsItsDigits)
 {
     for (double dRatio : {1e4, 1e8, 1e16, 1e100})
@@ -292,7 +294,7 @@ TEST(SolveLinTrig, TheSmallRootKeepsItsDigits)
 
 // --- residuals and counts
 
-// Coefficients between 2^-60 and 2^60 of either sign, each of its own size.
+// Coefficients of either sign between 2^-60 and 2^60, each of its own size.
 TTrigEquation RandomLinear(std::mt19937_64& a_Random)
 {
     std::uniform_real_distribution<double> Mantissa(-1.0, 1.0);
@@ -301,9 +303,9 @@ TTrigEquation RandomLinear(std::mt19937_64& a_Random)
     return {0.0, 0.0, 0.0, Next(), Next(), Next()};
 }
 
-// The stable quadratic formula gives the exact roots of a quadratic whose coefficients are off by some 4 units each
-// (discriminant, root, sum, quotient), and they are themselves sums that were rounded; the angle adds a unit of 2 pi.
-// In the sum of the magnitudes of the coefficients that is below 16 units. Observed: 5.2.
+// The stable quadratic formula gives the exact roots of a quadratic whose coefficients are off by about 4 units each
+// (discriminant, root, sum, quotient). The coefficients are themselves rounded sums, and the angle adds a unit of 2 pi.
+// The bound is 16 units of the sum of the magnitudes of the coefficients. Observed: 5.2.
 TEST(SolveLinTrig, EveryAngleSolvesItsEquation)
 {
     std::mt19937_64 Random(20261121);
@@ -360,7 +362,8 @@ TEST(SolveLinTrigSlow, FindsAsManyAnglesAsTheFunctionChangesSign)
     EXPECT_GT(viCounts[0] + viCounts[2], CasesHere(590)); // the scan could tell nearly always
 }
 
-// Exactly two for c^2 < a^2 + b^2 and none beyond, one step of c away from tangent solutions that are exact.
+// There are exactly two solutions for c^2 < a^2 + b^2 and none for c^2 > a^2 + b^2. The cases are one step of c away
+// from exact tangent solutions.
 TEST(SolveLinTrig, ThePlaceOfTheTangentIsExactForPythagoreanCoefficients)
 {
     const double vdTriples[][3] = {{3.0, 4.0, 5.0}, {5.0, 12.0, 13.0}, {8.0, 15.0, 17.0}, {20.0, 21.0, 29.0}};

@@ -13,7 +13,7 @@ using TValues = std::vector<double>;
 
 constexpr int Draws = 100;
 
-// The library, loaded as often as there are objects of this class.
+// The loaded library. Each object of this class loads it once more.
 class TLibrary
 {
 public:
@@ -33,7 +33,7 @@ public:
         UnloadSharedLibrary(m_pHandle);
     }
 
-    // What Rand() of the library gives next.
+    // The next number of Rand() of the library.
     TValues Draw(int a_iCount) const
     {
         using TRand = double (*)();
@@ -59,7 +59,7 @@ bool IsLoaded()
     return IsSharedLibraryLoaded(NUV1MATH_LIBRARY);
 }
 
-// Draws a_iFirst and following of the sequence of seed -1.
+// a_iCount draws from number a_iFirst on of the sequence of seed -1.
 TValues Expected(int a_iFirst, int a_iCount)
 {
     const TValues vdAll = ReadRandomSequences().at(-1);

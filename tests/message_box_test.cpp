@@ -1,4 +1,4 @@
-// message_box_test.cpp: the assertion report as a user of Windows sees it: the message box, and the end of the process.
+// message_box_test.cpp: the assertion report as a user of Windows sees it: a message box, then the end of the process.
 // Copyright (c) 2026 the nuv1math authors
 // SPDX-License-Identifier: MIT
 //
@@ -24,7 +24,7 @@ void UntransformImpossiblePoint()
     AffineUntransform(Coefs, 1.0, 0.0, dX, dY);
 }
 
-// The exit code 0 is the report's: a statement that comes back ends the child with CameBack.
+// The exit code 0 comes from the report. A statement that returns ends the child with CameBack instead.
 void ExpectBoxAndEnd(int a_iAnswer)
 {
     const TMessageBoxEnd End = RunAtMessageBox(UntransformImpossiblePoint, a_iAnswer);

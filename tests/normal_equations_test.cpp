@@ -1,4 +1,4 @@
-// normal_equations_test.cpp: packed normal equations: their memory and their updates.
+// normal_equations_test.cpp: the memory and the updates of packed normal equations.
 // Copyright (c) 2026 the nuv1math authors
 // SPDX-License-Identifier: MIT
 
@@ -125,7 +125,7 @@ TEST(DenseUpdate, AddsTheOuterProductOfTheRowAndTheRowTimesTheValue)
 
 TEST(DenseUpdate, RoundsTheProductBeforeItIsAdded)
 {
-    // (1 + 2^-27)^2 = 1 + 2^-26 + 2^-54 rounds to 1 + 2^-26, which the sum cancels; one rounding would leave 2^-54.
+    // (1 + 2^-27)^2 = 1 + 2^-26 + 2^-54 rounds to 1 + 2^-26, which the sum cancels. One rounding would leave 2^-54.
     const double dRoot = 1.0 + 0x1p-27;
     const double dSquare = 1.0 + 0x1p-26;
     TEquations Equations({-dSquare}, {-dSquare});
@@ -268,7 +268,7 @@ TEST(SparseUpdate, CountsBelowOneTouchNothing)
 
 TEST(SparseUpdate, ARepeatedIndexIsNotMerged)
 {
-    // Squares 4 and 9 and the product 6 once; the dense row of the sum 5 would give 25.
+    // The squares 4 and 9 and once the product 6. A dense row with the sum 5 would give 25.
     TEquations Twice(2);
     Twice.Sparse(2, {2.0, 3.0}, {1, 1}, 7.0);
     EXPECT_TRUE(Twice.Hold({0.0, 0.0, 19.0}, {0.0, 35.0}));
@@ -312,7 +312,7 @@ TEST(SparseUpdate, SpecialValuesReachTheirRowAndColumnOnly)
     EXPECT_TRUE(Equations.Hold({0.0, 0.0, 0.0, NaN, 0.0, Inf}, {NaN, 0.0, NaN}));
 }
 
-// Writes observations in columns 0 and a_iColumn into a matrix of which only the touched pages exist.
+// Updates columns 0 and a_iColumn of a matrix of which only the touched pages take memory.
 void ExpectUpdateOfColumn(std::ptrdiff_t a_iColumn)
 {
     const std::size_t iRow = static_cast<std::size_t>(PackedLength(a_iColumn));

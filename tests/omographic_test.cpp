@@ -35,9 +35,9 @@ double GreatestResidual(const TControlPoints& a_Points, const TOmographicParams&
 const std::vector<double> SquareX = {0.0, 1.0, 1.0, 0.0};
 const std::vector<double> SquareY = {0.0, 0.0, 1.0, 1.0};
 
-// Rounding in the fits of a few points with coordinates of order 1. The normal matrix has a condition of 1e3 to 1e5
-// (that of the rows squared), each of its sums carries some 10 roundings: 1e5 * 10 * 1.1e-16 is about 1e-10, and the
-// refinement, whose right-hand side is the small residual, takes most of that off again.
+// The rounding of fits of a few points with coordinates of order 1. The normal matrix has a condition of 1e3 to 1e5
+// (that of the rows, squared), and each of its sums has about 10 roundings: 1e5 * 10 * 1.1e-16 is about 1e-10. The
+// right-hand side of the refinement is the small residual, so the refinement removes most of that error.
 const double WellConditioned = 1e-11;
 
 // --- AffineCoefsToOmographicCoefs
@@ -119,9 +119,9 @@ TEST(CalcOmographicCoefs, PointsOfAnAffineImageGiveItsCoefficientsAndNoDenominat
 
 TEST(CalcOmographicCoefs, RefinementEndsAfterFourIterationsAsASuccess)
 {
-    // Six points that no transformation fits, so that the corrections fall slowly. Reference: the linear step and four
-    // iterations with 50 decimal digits. The results of three, four and five iterations stand 0.03 apart; the bound
-    // allows for denominators close to zero on the way, which magnify the rounding.
+    // No transformation fits these six points, so the corrections fall slowly. Reference: the linear step and four
+    // iterations with 50 decimal digits. The results of three, four and five iterations are 0.03 apart. The bound
+    // allows for denominators close to zero, which magnify the rounding.
     const TControlPoints Points = {{3.0, 1.0, -3.0, 2.0, 3.0, 3.0},
                                    {-2.0, -2.0, -2.0, -3.0, 2.0, -3.0},
                                    {-3.0, 3.0, -1.0, 3.0, -2.0, 0.0},
@@ -144,8 +144,8 @@ TControlPoints ThresholdPoints(double a_dShift)
 
 TEST(CalcOmographicCoefs, RefinementStopsWhenEveryCorrectionIsBelowTheThreshold)
 {
-    // With 50 digits the greatest correction of the third iteration is -0.99595e-8, so there is no fourth, which would
-    // move a coefficient by another 1.09e-10. The bound is between that and the rounding of a fit of order 1.
+    // With 50 digits the greatest correction of the third iteration is -0.99595e-8, so there is no fourth iteration. A
+    // fourth one would move a coefficient by 1.09e-10. The bound is between that and the rounding of a fit of order 1.
     TOmographicParams Params = UntouchedParams();
     EXPECT_EQ(1, Fit(ThresholdPoints(0x1.0ep-5), Params));
     EXPECT_TRUE(NearRecord<TOmographicParams>({0x1.0031496f06d16p+0, 0x1.fe7757b6adeeap-1, -0x1.002bfc6da4135p+0,
@@ -156,7 +156,8 @@ TEST(CalcOmographicCoefs, RefinementStopsWhenEveryCorrectionIsBelowTheThreshold)
 
 TEST(CalcOmographicCoefs, RefinementGoesOnWhileACorrectionIsAboveTheThreshold)
 {
-    // As above with -1.01567e-8, the greatest positive correction of that iteration being 0.65e-8: there is a fourth.
+    // As above, but the greatest correction is -1.01567e-8 and the greatest positive one 0.65e-8. So there is a fourth
+    // iteration.
     TOmographicParams Params = UntouchedParams();
     EXPECT_EQ(1, Fit(ThresholdPoints(0x1.1p-5), Params));
     EXPECT_TRUE(NearRecord<TOmographicParams>({0x1.0032a6f44a499p+0, 0x1.fe754fbe08768p-1, -0x1.002af36e5442dp+0,
@@ -167,9 +168,10 @@ TEST(CalcOmographicCoefs, RefinementGoesOnWhileACorrectionIsAboveTheThreshold)
 
 TEST(CalcOmographicCoefs, AFirstRefinementThatCannotBeFactorisedLeavesTheLinearSolution)
 {
-    // Three source points on the line y = -1 and targets that are not on one: the only solution of the equations
-    // multiplied out is U = 1 + y, V = 2(1 + y), W = 1 + y, all of which vanish on that line. There W is a rounding
-    // error, its reciprocal squares swamp the normal matrix of the refinement, and a radicand falls below zero.
+    // Three source points are on the line y = -1, and their targets are not on one line. The only solution of the
+    // linear equations is U = 1 + y, V = 2(1 + y), W = 1 + y, all of which vanish on that line. W is only a rounding
+    // error there. The squares of its reciprocal dominate the normal matrix of the refinement, and a radicand falls
+    // below zero.
     const TControlPoints Points = {
         {-2.0, -1.0, 0.0, 0.0}, {-1.0, -1.0, -1.0, 0.0}, {-1.0, -1.0, 0.0, 1.0}, {-1.0, 0.0, -1.0, 2.0}};
     const TOmographicParams Linear = {0.0, 1.0, 1.0, 0.0, 2.0, 2.0, 0.0, 1.0};
@@ -180,8 +182,9 @@ TEST(CalcOmographicCoefs, AFirstRefinementThatCannotBeFactorisedLeavesTheLinearS
 
 TEST(CalcOmographicCoefs, ALaterRefinementThatCannotBeFactorisedLeavesTheCoefficientsBeforeIt)
 {
-    // Five points that no transformation fits. Reference: one iteration in the first case, two in the second, with 50
-    // digits; the next one would move a coefficient by more than 1. Its normal matrix is too close to singular.
+    // No transformation fits these five points. Reference: one iteration in the first case and two in the second one,
+    // with 50 digits. The next iteration would move a coefficient by more than 1; its normal matrix is too close to
+    // singular.
     const struct
     {
         TControlPoints Points;
@@ -230,9 +233,9 @@ TControlPoints OffsetGrid(double a_dExtent, double a_dOffset)
 
 TEST(CalcOmographicCoefs, EveryOperationIsRoundedInTheStatedOrder)
 {
-    // Fits that magnify the last bit of every operation: denominators close to zero in the first, lost digits in the
-    // others. Reference: the operations as the header and the source state them, written anew in the double arithmetic
-    // of another language (Python) and not contracted there.
+    // These fits magnify the last bit of every operation: in the first one denominators are close to zero, in the
+    // others digits cancel. Reference: a second program in Python, written from the order of operations that the header
+    // and the source state, without contraction.
     const struct
     {
         TControlPoints Points;
@@ -275,7 +278,7 @@ TEST(CalcOmographicCoefs, FewerThanFourPointsAreIndeterminateAndTouchNothing)
     }
 }
 
-// Sums of the rows times the observed values, as the linear equations have them.
+// The sums of the rows times the observed values, as in the linear equations.
 TOmographicParams RightHandSide(const TControlPoints& a_Points)
 {
     auto Sums = Filled<TOmographicParams>(0.0);
@@ -377,8 +380,8 @@ TEST(CalcOmographicCoefs, CoordinatesWhoseSquaresVanishOrOverflowAreIndeterminat
 
 TEST(CalcOmographicCoefs, ASquareWhoseOriginGoesToInfinityGivesOneWithEightNotANumbers)
 {
-    // A denominator of y cannot be written with the constant 1: the linear equations are singular. In these whole
-    // numbers the last radicand is exactly 0, which passes the factorisation, and the solution divides by it.
+    // A denominator of y cannot be written with the constant 1, so the linear equations are singular. With these whole
+    // numbers the last radicand is exactly 0. The factorisation accepts it, and the solution divides by it.
     const struct
     {
         const char* szName;
@@ -421,8 +424,8 @@ TEST(CalcOmographicCoefs, ASquareWhoseOriginGoesToInfinityCanGiveOneWithFiniteCo
 
 TEST(CalcOmographicCoefs, ANotANumberCorrectionEndsTheRefinementAsASuccess)
 {
-    // One source point with two targets: the linear solution lets it vanish (U = V = W = 0 there, but for rounding). In
-    // the refinement the last radicand comes out as exactly 0 and every correction as 0/0, which is above no threshold.
+    // One source point has two targets. The linear solution maps it to U = V = W = 0, but for rounding. In the
+    // refinement the last radicand is exactly 0 and every correction is 0/0, which is not above the threshold.
     const TControlPoints Points = {
         {0.0, 2.0, 2.0, 0.0}, {2.0, 3.0, 3.0, -1.0}, {1.0, -1.0, 2.0, 2.0}, {3.0, 1.0, 1.0, 2.0}};
     TOmographicParams Params = UntouchedParams();
@@ -438,8 +441,8 @@ TEST(CalcOmographicCoefs, LargeOffsetsCostDigitsUntilTheResultIsUselessOrIndeter
     EXPECT_EQ(1, Fit(OffsetGrid(10.0, 1e3), Params));
     EXPECT_LE(GreatestResidual(OffsetGrid(10.0, 1e3), Params), 1e-9);
 
-    // At 1e4 times the extent the linear equations have lost every digit, and four iterations do not bring them back:
-    // the points are exact, and the result is off by more than a ten-thousandth of the extent.
+    // At an offset of 1e4 times the extent the linear equations have lost every digit, and four iterations do not
+    // recover them. The points are exact, and the result is off by more than a ten-thousandth of the extent.
     EXPECT_EQ(1, Fit(OffsetGrid(10.0, 1e5), Params));
     EXPECT_GE(GreatestResidual(OffsetGrid(10.0, 1e5), Params), 1e-3);
 

@@ -1,4 +1,4 @@
-// platform_test.cpp: the report's platform beside a system whose calls are interrupted, cut short or refused.
+// platform_test.cpp: the report on a system that interrupts, shortens or refuses its calls.
 // Copyright (c) 2026 the nuv1math authors
 // SPDX-License-Identifier: MIT
 
@@ -11,7 +11,7 @@
 
 namespace {
 
-// What each next call gives: so many bytes, or an error.
+// The result of each following call: a number of bytes or an error.
 struct TCall
 {
     ssize_t iBytes;
@@ -38,7 +38,7 @@ ssize_t Next(std::vector<TCall>& a_Calls, ssize_t a_iDefault)
 
 } // namespace
 
-// The system, by the linker's --wrap.
+// The linker option --wrap redirects the system calls to these functions.
 extern "C" ssize_t __real_write(int a_iFile, const void* a_pBytes, std::size_t a_iCount);
 extern "C" ssize_t __real_read(int a_iFile, void* a_pBytes, std::size_t a_iCount);
 
@@ -56,7 +56,7 @@ extern "C" ssize_t __wrap_write(int a_iFile, const void* a_pBytes, std::size_t a
     return iWritten;
 }
 
-// Every byte read is an x, and when the script has run out a line break.
+// Every byte that is read is an x. After the last scripted call it is a line break.
 extern "C" ssize_t __wrap_read(int a_iFile, void* a_pBytes, std::size_t a_iCount)
 {
     if (!g_bScripted)

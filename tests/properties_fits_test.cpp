@@ -13,12 +13,12 @@ using namespace nuv_tests;
 
 // --- Fits of exact images
 
-// Eleven points at most, a condition of 4.5, coefficients and images up to 25: 11 roundings of each sum, in the means,
-// the matrix and the right-hand side.
+// At most eleven points, a condition of 4.5, and coefficients and images up to 25. Each sum in the means, the matrix
+// and the right-hand side has 11 roundings.
 const double FitBound = 4.5 * 3.0 * 11.0 * 25.0 * Epsilon;
 
-// The normal matrix of the eight coefficients over these squares has a condition of up to some 1e4 (rows of order 1 to
-// 10), and its sums the same roundings. The refinement works on residuals and makes good most of it.
+// The normal matrix of the eight coefficients over these squares has a condition of up to about 1e4 (rows of order 1 to
+// 10), and its sums have the same roundings. The refinement works on residuals and removes most of the error.
 const double OmographicFitBound = 1e3 * FitBound;
 
 RC_GTEST_PROP(Fits, ReturnTheConformalTransformationOfAnExactImage, ())
@@ -136,10 +136,11 @@ double SquareSum(const TControlPoints& a_Points, const nuv::TOmographicParams& a
     return dSum;
 }
 
-// Nudges every coefficient of a fitted record up and down. At the minimum the square sum grows by the square of the
-// step, 1e-10, times the square of a column of the equations, at least 0.1 here: the four corners alone give the
-// coefficients of x and y 4 times 1/W^2, W below 2. Left of a true minimum is a gradient of about 1e-8 (the threshold
-// of the refinement) times the steps' 1e-5 times the residuals' 0.01, and the rounding of the square sum, 1e-15.
+// Moves every coefficient of a fitted record up and down. At the minimum the square sum grows by the square of the step
+// (1e-10) times the square of a column of the equations. The four corners alone make that square at least 0.1: they
+// give the coefficients of x and y 4 times 1/W^2, with W below 2. The fit leaves a gradient of about 1e-8 (the
+// threshold of the refinement) times the step 1e-5 times the residuals 0.01, and the square sum is rounded by about
+// 1e-15.
 template <class TRecord>
 void AssertLeast(const TControlPoints& a_Points, const TRecord& a_Fitted,
                  const std::vector<double TRecord::*>& a_Coefficients,

@@ -29,7 +29,7 @@ TFactor FactorOf(double a_dFirst, double a_dSecond)
     return {std::cos(dMean), std::sin(dMean), -std::cos((a_dFirst - a_dSecond) / 2.0)};
 }
 
-// So many angles, ascending, at least 0.1 apart, also across the end of the turn.
+// a_iCount ascending angles. Any two are at least 0.1 apart, also across the end of the turn.
 TValues SeparateAngles(std::size_t a_iCount)
 {
     const auto Slots = *rc::gen::unique<std::vector<int> >(a_iCount, rc::gen::inRange(0, 31));
@@ -50,7 +50,7 @@ void ExpectFound(const TValues& a_vdExpected, int a_iResult, const TValues& a_vd
     }
 }
 
-// The slope at a solution is the sine of half the difference, at least 0.05: rounding of some units is divided by it.
+// The slope at a solution is the sine of half the difference, at least 0.05. A rounding of some units is divided by it.
 RC_GTEST_PROP(SolveLinTrigProperty, FindsTheTwoAnglesThatMadeTheEquation, ())
 {
     const TValues vdAngles = SeparateAngles(2);
@@ -60,7 +60,7 @@ RC_GTEST_PROP(SolveLinTrigProperty, FindsTheTwoAnglesThatMadeTheEquation, ())
     ExpectFound(vdAngles, iResult, vdFound, 1e-13);
 }
 
-// Four angles of 0.1 distance: slopes down to 1e-4, and as much again for the eigenvalues.
+// Four angles at distances of 0.1 have slopes down to 1e-4. The eigenvalues lose about as much again.
 RC_GTEST_PROP(SolveQuadTrigProperty, FindsTheFourAnglesThatMadeTheEquation, ())
 {
     const TValues vdAngles = SeparateAngles(4);

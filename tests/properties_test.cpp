@@ -11,7 +11,7 @@ namespace {
 
 using namespace nuv_tests;
 
-// The cases follow from the seed: RC_PARAMS="seed=..." repeats them.
+// The seed determines the cases. RC_PARAMS="seed=..." repeats them.
 class TPrintSeed : public ::testing::Environment
 {
     void SetUp() override
@@ -25,7 +25,7 @@ const ::testing::Environment* const g_pPrintSeed = ::testing::AddGlobalTestEnvir
 
 // --- Parameters and inverses
 
-// Roundings of a conversion to coefficients and back: about ten operations each way and six library functions, which
+// Roundings of a conversion to coefficients and back: about ten operations each way, and six library functions, which
 // are off by up to five units in the last place on some platforms.
 const double ConversionRoundings = 64.0 * Epsilon;
 
@@ -41,7 +41,7 @@ RC_GTEST_PROP(AffineParams, ComeBackFromTheirCoefficients, ())
     nuv::AffineParamsToCoefs(dSx, dSy, dPhi, dTheta, dTx, dTy, Coefs);
     double vdBack[6];
     RC_ASSERT(1 == nuv::AffineCoefsToParam(Coefs, vdBack[0], vdBack[1], vdBack[2], vdBack[3], vdBack[4], vdBack[5]));
-    // b and e are sums of sy and sy tan(phi), of which sy is what remains: 1 + |tan(phi)| magnifies their rounding.
+    // b and e are sums of sy and sy tan(phi), from which sy is recovered. 1 + |tan(phi)| magnifies their rounding.
     const double dSkew = 1.0 + std::fabs(std::tan(dPhi));
     AssertNear(dSx, vdBack[0], ConversionRoundings * dSx);
     AssertNear(dSy, vdBack[1], ConversionRoundings * dSkew * std::fabs(dSy));
@@ -98,9 +98,9 @@ RC_GTEST_PROP(AffineInverse, TwiceIsTheTransformation, ())
     nuv::TAffineCoefs Back;
     RC_ASSERT(1 == nuv::AffineCoefsToInvCoefs(Case.Coefs, Inverse));
     RC_ASSERT(1 == nuv::AffineCoefsToInvCoefs(Inverse, Back));
-    // The determinant carries 2 roundings times the cancellation, and so does every field of the inverse; the second
-    // inversion takes the determinant of such fields: 2K of an error of 2K + 2 roundings. Translations pass through
-    // both matrices, four products each.
+    // With the cancellation K the determinant has a relative error of 2K roundings, and every field of the inverse one
+    // of 2K + 2. The second inversion takes the determinant of such fields. Translations pass through both matrices,
+    // with four products each.
     const double dRoundings = 16.0 * Epsilon * Case.dCancellation * Case.dCancellation;
     const double dLinear = dRoundings * Case.dLinear;
     const double dShift = 4.0 * dRoundings * Case.dLinear * Case.dInverse * Case.dShift;

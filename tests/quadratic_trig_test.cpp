@@ -2,8 +2,8 @@
 // Copyright (c) 2026 the nuv1math authors
 // SPDX-License-Identifier: MIT
 //
-// Bits are expected where no function of the platform takes part, or where the same function on the same argument is
-// combined as the solver combines it; elsewhere a few units of 2 pi, which is what an angle is rounded to.
+// A test expects bits if no function of the platform takes part, or if it calls the same function with the same
+// argument as the solver. Elsewhere it allows a few units of 2 pi, to which an angle is rounded.
 
 #include "nuv1math.h"
 #include "support/angles.h"
@@ -54,12 +54,12 @@ void ExpectCases(const std::vector<TQuadraticCase>& a_Cases)
     for (const TQuadraticCase& Case : a_Cases)
     {
         SCOPED_TRACE(Text(Case.Equation));
-        // What stands beyond the count means nothing if there is one.
+        // If there are solutions, the elements behind them have no meaning.
         ExpectAngles(Case.iResult, Case.vdAngles, SolveQuadratic(Case.Equation), Case.iResult <= 0);
     }
 }
 
-// The angles to a_dBound radians; for what runs through the quartic.
+// Expects the angles within a_dBound radians. For solutions that come from the quartic.
 void ExpectNear(const TTrigEquation& a_Equation, const TValues& a_vdExpected, double a_dBound)
 {
     SCOPED_TRACE(Text(a_Equation));
@@ -92,7 +92,7 @@ TEST(SolveQuadTrig, WithoutAnyTermEveryAngleSolves)
                  {{-2.5, -2.5, -0.0, 0.0, -0.0, 2.5}, nuv::RET_INDETERMINATE, {}}});
 }
 
-// sin^2(t) = 0: the factor's -0.0 and pi beside 0 and pi. The first of equal angles stays, and it stays first.
+// sin^2(t) = 0: each factor has the solutions 0 (or -0.0) and pi. The first of equal angles is kept, at its place.
 TEST(SolveQuadTrig, SineSquaredGivesZeroAndPiOnce)
 {
     ExpectCases({{{0.0, 1.0, 0.0, 0.0, 0.0, 0.0}, 2, {-0.0, Pi}},
@@ -193,7 +193,7 @@ TEST(SolveQuadTrig, WithoutAMiddleTermTheNegativeTangentIsFormedFirst)
     }
 }
 
-// The opposite of a negative angle is formed from the angle one turn on, not from the angle itself.
+// The opposite of a negative angle is computed from the angle plus 2 pi, not from the angle itself.
 TEST(SolveQuadTrig, OppositeOfANegativeTangentIsFormedFromTheGreaterAngle)
 {
     int iDiffering = 0;
@@ -244,7 +244,7 @@ TEST(SolveQuadTrig, TheDoubleAngleOfASineOfOneIsMerged)
 
 // --- the quartic
 
-// cos(t) (cos(t) + 1): the quartic has lost its root at infinity, -2u^2 + 2 is left.
+// cos(t) (cos(t) + 1): the root at infinity reduces the quartic to -2u^2 + 2.
 TEST(SolveQuadTrig, ThePiThatTheQuarticLosesIsPutBeside)
 {
     ExpectNear({1.0, 0.0, 0.0, 1.0, 0.0, 0.0}, {HalfPi, Pi, ThreeHalfPi}, 4.0 * Epsilon * TwoPi);
@@ -263,7 +263,7 @@ TEST(SolveQuadTrig, NoRealRootIsToldByTheCountZero)
     ExpectCases({{{1.0, 0.0, 0.0, 0.1, 0.0, 1.0}, 0, {}}, {{1.0, 2.0, 0.5, 0.1, 0.2, 3.0}, 0, {}}});
 }
 
-// cos(t) (cos(t) - 1): the quartic u^2 (2u^2 - 2), whose double root 0 is merged into one angle.
+// cos(t) (cos(t) - 1): the quartic is u^2 (2u^2 - 2). Its double root 0 gives one angle.
 TEST(SolveQuadTrig, RootsThatAreExactlyZeroAreMerged)
 {
     ExpectNear({1.0, 0.0, 0.0, -1.0, 0.0, 0.0}, {0.0, HalfPi, ThreeHalfPi}, 4.0 * Epsilon * TwoPi);
@@ -284,8 +284,8 @@ TEST(SolveQuadTrig, ProductsOfLinearFactorsGiveTheAnglesOfBoth)
     ExpectNear({7.0, 7.0, 1.0, -0.25, -0.5, 0.125 - 7.0}, {dAsin, dThird, Pi - dAsin, TwoPi - dThird}, 1e-13);
 }
 
-// A double root of the quartic is found as two neighbours, about the square root of the rounding apart, or is missed
-// where the iteration gives up.
+// A double root of the quartic is found as two neighbours, about the square root of the rounding apart. If the
+// iteration gives up it is missed.
 TEST(SolveQuadTrig, TangentSolutionsOfTheQuarticAreDoubledOrMissed)
 {
     const double dAngle = std::acos(0.6);
@@ -293,8 +293,8 @@ TEST(SolveQuadTrig, TangentSolutionsOfTheQuarticAreDoubledOrMissed)
     ExpectCases({{{1.0, 0.0, 0.0, -1.0, 0.0, 0.25}, 0, {}}}); // (cos(t) - 1/2)^2
 }
 
-// (cos(t) - 1/2)(cos(t) - (1 + 2v^2)) misses a tangent solution at 0 by a little: a pair u = +-i v of roots, which
-// counts as real up to 1e-6.
+// (cos(t) - 1/2)(cos(t) - (1 + 2v^2)) almost has a tangent solution at 0. The quartic has a pair of roots u = +-i v,
+// which counts as real up to 1e-6.
 TEST(SolveQuadTrig, NearlyRealRootsOfTheQuarticCount)
 {
     const auto Missed = [](double v)
@@ -312,7 +312,7 @@ TEST(SolveQuadTrig, NearlyRealRootsOfTheQuarticCount)
     }
 }
 
-// The balancing of the companion matrix meets an infinite norm here: no result is promised but an end.
+// Here the balancing of the companion matrix meets an infinite norm. The solver promises no result, but it must end.
 TEST(SolveQuadTrig, TermsOfIncommensurableSizeEnd)
 {
     const TAngles Angles = SolveQuadratic({1.0, 1e300, 0.0, 1.0000000000000002, 0.0, 0.0});
@@ -330,7 +330,7 @@ TEST(SolveQuadTrig, AnglesCloserThanTheToleranceAreMergedIntoTheSmaller)
     ASSERT_LT(dAbove, Tolerance);
     ExpectCases({{Near(-9e-13), 2, {0.0, Pi}}, // 9e-13 and pi + 9e-13 are dropped
                  {Near(-1.1e-12), 4, {0.0, Atan2(1.1e-12, 1.0), Pi, Atan2(1.1e-12, 1.0) + Pi}}});
-    // Below: pi is dropped, and no neighbourhood reaches from 2 pi round to 0.
+    // Below the tolerance pi is dropped. Angles near 2 pi and near 0 are not compared with each other.
     const double dBelow = Atan2(-9e-13, 1.0) + TwoPi;
     ExpectCases({{Near(9e-13), 3, {0.0, dBelow - Pi, dBelow}}});
     const double dFarBelow = Atan2(-1.1e-12, 1.0) + TwoPi;
@@ -348,7 +348,7 @@ TEST(SolveQuadTrig, AChainOfNeighboursIsCutWhereItLeavesItsFirst)
                {0.0, Pi - 0.5 * dStep, Pi + 2.0 * dStep}, 1e-14);
 }
 
-// A distance of exactly 1e-12 keeps two angles apart. At pi the doubles are too far apart to tell.
+// A distance of exactly 1e-12 keeps two angles apart. Near pi the doubles are too far apart to show it.
 TEST(SolveQuadTrig, TheToleranceItselfIsADistance)
 {
     for (double dC : {Tolerance, BelowTolerance})
@@ -440,8 +440,8 @@ TEST(SolveQuadTrig, EveryAngleSolvesItsEquation)
     EXPECT_GT(iAngles, CasesHere(75000));
 }
 
-// The scan leaves out equations with solutions near a tangent, where the number of angles is a matter of rounding. In
-// the others every solution is simple, and the solver must find exactly these.
+// The scan leaves out equations with solutions near a tangent, whose number of angles depends on rounding. In all
+// others every solution is simple, and the solver must find exactly these.
 TEST(SolveQuadTrigSlow, FindsAsManyAnglesAsTheFunctionChangesSign)
 {
     std::mt19937_64 Random(11);
@@ -482,7 +482,7 @@ TEST(SolveQuadTrig, AnglesAscendAndAreApart)
 
 // --- whatever the arguments
 
-// A statement about a call that went wrong; empty if none did.
+// What went wrong with a call; empty if nothing did.
 std::string Fault(const TAngles& a_Angles)
 {
     if (a_Angles.iResult < nuv::RET_INDETERMINATE || a_Angles.iResult > 4)
@@ -530,7 +530,7 @@ TEST(SolveQuadTrigSlow, SpecialArgumentsGiveNoMoreThanFourAnglesAndNoReport)
         });
 }
 
-// Coefficients of any exponent: terms that vanish beside others, overflow or underflow in every way.
+// Coefficients of any exponent: terms vanish beside others, overflow and underflow in every combination.
 TEST(SolveQuadTrigSlow, ArgumentsOfEverySizeGiveNoMoreThanFourAnglesAndNoReport)
 {
     ExpectQuietCheck(

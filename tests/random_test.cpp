@@ -29,7 +29,7 @@ TValues Draw(std::size_t a_iCount, double (*a_Generator)() = nuv::Rand)
     return vdDrawn;
 }
 
-// What this process drew first, before main and any test.
+// The first draws of this process, before main and every test.
 const TValues DrawnAtLoad = Draw(40);
 
 void ExpectSameSequence(const TValues& a_vdExpected, const TValues& a_vdActual)
@@ -201,8 +201,8 @@ TEST(RandWithBounds, TheUpperBoundItselfComesByRounding)
 
 // --- Randn
 
-// A pair by the polar method from uniform numbers, in extended precision where the platform has it. What decides, the
-// point and its squared distance, is made of the doubles that the method is defined on.
+// A pair of the polar method from uniform numbers, in extended precision where the platform has it. The point and its
+// squared distance are doubles, because the method is defined on these.
 std::pair<long double, long double> PolarPair()
 {
     for (;;)
@@ -220,8 +220,8 @@ std::pair<long double, long double> PolarPair()
     }
 }
 
-// Logarithm and quotient err by a unit in all, of which the root leaves a half and adds one of its own, and so does the
-// last product: below 4 with a logarithm that is off by two.
+// Logarithm and quotient are off by a unit together. The root halves that and adds a unit, and so does the last
+// product. With a logarithm that is off by two units the error is below 4 units.
 TEST(Randn, IsThePolarMethodOnTheUniformNumbers)
 {
     for (int iSeed : {-1, 5, 123456})
@@ -246,7 +246,7 @@ TEST(Randn, IsThePolarMethodOnTheUniformNumbers)
     }
 }
 
-// Number of uniform numbers of a fresh sequence after which the next one drawn is a_dNext.
+// The number of uniform numbers of a fresh sequence that come before a_dNext.
 std::size_t Position(int a_iSeed, double a_dNext)
 {
     nuv::SetRandomSeed(a_iSeed);

@@ -1,4 +1,4 @@
-// report_test.cpp: the report against a platform of the test's own, and a faulty allocator.
+// report_test.cpp: the report with a platform and an allocator of the test's own.
 // Copyright (c) 2026 the nuv1math authors
 // SPDX-License-Identifier: MIT
 
@@ -12,12 +12,12 @@ namespace {
 
 std::vector<std::string> g_vszCalls; // what the report asked of the platform, in order
 
-// While set, the library's next allocation is this array.
+// If this is set, the next allocation of the library returns this array.
 double* g_vdAllocation = nullptr;
 
 } // namespace
 
-// The platform: it records, and its process goes on.
+// The platform of the test records its calls, and the process goes on.
 namespace nuv {
 
 void FormatReport(TReportChar* a_szText, const TReportChar* a_szPath, int a_iLine, const TReportChar* a_szCondition)
@@ -37,7 +37,7 @@ void EndProcess()
 
 } // namespace nuv
 
-// The library's allocator, by the linker's --wrap: it may hand out an array of the caller's own.
+// The linker option --wrap redirects the library's allocator here. It can return an array of the test.
 extern "C" void* __real_malloc(std::size_t a_iBytes);
 extern "C" void __real_free(void* a_pMemory);
 

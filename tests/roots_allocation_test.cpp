@@ -2,9 +2,9 @@
 // Copyright (c) 2026 the nuv1math authors
 // SPDX-License-Identifier: MIT
 //
-// In order the driver asks for the companion matrix and for the two parts of the eigenvalues, then each of the three
-// eigenvalue routines for its table of columns. Memory comes full of zeros: an eigenvalue that nobody has written would
-// count as a root there.
+// The driver asks for the companion matrix and for the two parts of the eigenvalues, in this order. Then each of the
+// three eigenvalue routines asks for its table of columns. The memory is filled with zeros: an eigenvalue that is not
+// written would count as a root there.
 
 #include "nuv1math.h"
 #include "support/expect.h"
@@ -47,15 +47,15 @@ TOutcome SolveWithFailure(const TValues& a_vdCoefficients, int a_iFailAt)
     return Outcome;
 }
 
-// The array with these roots at its start and nothing else written.
+// The array with these roots at its start; nothing else is written.
 TValues Array(TValues a_vdRoots, std::size_t a_iDegree)
 {
     a_vdRoots.resize(a_iDegree + 2, Untouched);
     return a_vdRoots;
 }
 
-// (x - 1)(x - 2)(x - 3)(x - 1000), whose roots come out with other bits if it is not balanced; then with the factor
-// x^2.
+// (x - 1)(x - 2)(x - 3)(x - 1000). Without balancing its roots would have other bits. The second polynomial has the
+// factor x^2 as well.
 const TValues Plain = {1, -1006, 6011, -11006, 6000};
 const TValues WithZeros = {1, -1006, 6011, -11006, 6000, 0, 0};
 
@@ -63,7 +63,7 @@ TEST(RootsAllocation, AsksForTheMatrixTheEigenvaluesAndOneTableAStage)
 {
     EXPECT_EQ((TSizes{4 * 4 * 8, 4 * 8, 4 * 8, 4 * sizeof(double*), 4 * sizeof(double*), 4 * sizeof(double*)}),
               SolveWithFailure(WithZeros, Never).viRequests);
-    // The reduction has nothing to do below order 3, and asks for nothing.
+    // The reduction has nothing to do below order 3 and allocates nothing.
     EXPECT_EQ((TSizes{2 * 2 * 8, 2 * 8, 2 * 8, 2 * sizeof(double*), 2 * sizeof(double*)}),
               SolveWithFailure({1, -3, 2}, Never).viRequests);
 }
@@ -76,7 +76,7 @@ TEST(RootsAllocation, AsksForNothingWhereThereIsNoMatrix)
     }
 }
 
-// Of the scratch of the driver: result 0, and the zeros of trailing zero coefficients may stand in the array.
+// If the scratch of the driver fails, the result is 0. The zeros of trailing zero coefficients can be in the array.
 TEST(RootsAllocation, AFailureOfTheScratchGivesZeroRoots)
 {
     for (int iFailAt = 0; iFailAt < static_cast<int>(FirstTable); ++iFailAt)
@@ -92,7 +92,7 @@ TEST(RootsAllocation, AFailureOfTheScratchGivesZeroRoots)
     }
 }
 
-// A companion matrix is reduced already.
+// A companion matrix is already reduced.
 TEST(RootsAllocation, WithoutATableForTheReductionTheRootsAreTheSame)
 {
     const TOutcome Outcome = SolveWithFailure(WithZeros, FirstTable + 1);
@@ -108,8 +108,8 @@ TEST(RootsAllocation, WithoutATableForTheIterationNoEigenvalueIsFound)
     EXPECT_EQ(0, SolveWithFailure(Plain, FirstTable + 2).iResult);
 }
 
-// n = 0, 1, 2 ... until no request is left to fail: nothing leaks, and never more is written than the result says
-// beyond the zeros.
+// Request n fails, for n = 0, 1, 2 ... until all succeed. Nothing leaks, and no more is written than the roots that the
+// result counts and the zeros.
 TEST(RootsAllocation, EveryFailureInTurnLeaksNothing)
 {
     for (const TValues& vdCoefficients :
@@ -139,7 +139,7 @@ TEST(RootsAllocation, EveryFailureInTurnLeaksNothing)
     }
 }
 
-// Memory full of zeros: an imaginary part left as it came would pass for a root 0.
+// The memory is full of zeros, so an imaginary part that is not written would count as a root 0.
 TEST(RootsAllocation, EigenvaluesThatWereNeverFoundAreNoRootsWhateverTheMemoryHeld)
 {
     const TOutcome Outcome = SolveWithFailure({1, 0, -2, 0, 1}, Never);
@@ -176,7 +176,7 @@ TEST(RootsAllocation, EveryFailureInTurnBehindAnEquationOfAnglesLeaksNothing)
 
 #if defined(NUV_TEST_STAGES)
 
-// What the stages make of a companion matrix that is not balanced.
+// The results of the stages on a companion matrix that is not balanced.
 TValues SolveUnbalanced(const TValues& a_vdMonic)
 {
     const std::size_t iN = a_vdMonic.size() - 1;
@@ -258,7 +258,7 @@ TEST(RootsAllocation, TheIterationWithoutItsTableWritesNothingAndReturns0)
     EXPECT_TRUE(SameValues(TValues(3, Untouched), vdImaginary));
 }
 
-// The iteration gives up on the balanced companion matrix of x^4 - 2x^2 + 1 and releases its table there too.
+// The iteration gives up on the balanced companion matrix of x^4 - 2x^2 + 1, and releases its table in that case too.
 TEST(RootsAllocation, TheTableIsReleasedWhereTheIterationGivesUp)
 {
     TValues vdMatrix = {0, 2, 0, 0, 1, 0, 1, 0, 0, 0, 0, 1, -0.5, 0, 0, 0};

@@ -2,8 +2,8 @@
 // Copyright (c) 2026 the nuv1math authors
 // SPDX-License-Identifier: MIT
 //
-// Each thread must come to the bits that one thread alone comes to. Under the thread sanitizer a race is found even
-// where the bits are right.
+// Each thread must compute the same bits as one thread alone. The thread sanitizer finds a race even if the bits are
+// right.
 
 #include "nuv1math.h"
 #include "support/expect.h"
@@ -23,7 +23,7 @@ namespace {
 
 using TValues = std::vector<double>;
 
-// A function of the library and calls of it: what they wrote and returned.
+// A function of the library, and calls of it with all that they wrote and returned.
 struct TFunction
 {
     const char* szSignature; // as tests/exports.txt has it
@@ -36,7 +36,7 @@ template <class TRecord> void Append(TValues& a_vdValues, const TRecord& a_Recor
     a_vdValues.insert(a_vdValues.end(), vdFields.begin(), vdFields.end());
 }
 
-// What a conversion of a_From gives and, where it gives one, its result code.
+// The result of a conversion of a_From, and its result code if it has one.
 template <class TTo, class TResult, class TFrom>
 TValues Converted(TResult (*a_pConvert)(const TFrom&, TTo&), const TFrom& a_From)
 {
@@ -57,7 +57,7 @@ TValues Converted(TResult (*a_pConvert)(const TFrom&, TTo&), const TFrom& a_From
 const TAffineCoefs Affine = {2.0, -0.5, 10.0, 0.25, 3.0, 20.0};
 const TConformalCoefs Conformal = {1.5, -0.5, 10.0, 20.0, 0.6, 0.2};
 
-// The corners and two inner points of a square, and where a projective transformation nearly takes them.
+// The corners and two inner points of a square, and targets close to a projective image.
 const TControlPoints Points = {
     {0, 100, 100, 0, 50, 25}, {0, 0, 100, 100, 50, 75}, {10, 205, 205, 10, 140, 88}, {25, 62.5, 212.5, 325, 150, 220}};
 
@@ -66,7 +66,7 @@ const TValues Packed = {4.0, 2.0, 5.0, 6.0, 7.0, 14.5};
 const TValues Full = {4.0, 2.0, 6.0, 2.0, 5.0, 7.0, 6.0, 7.0, 14.5};
 constexpr int Unknowns = 3;
 
-// A matrix that a_pFactorise works on in place, and whether it said that it could.
+// The matrix that a_pFactorise left, and its result.
 TValues Factor(bool (*a_pFactorise)(int, double*), TValues a_vdMatrix)
 {
     a_vdMatrix.push_back(a_pFactorise(Unknowns, a_vdMatrix.data()));
@@ -246,7 +246,7 @@ const std::vector<TFunction> Functions = {
      }},
 };
 
-// Runs a_Work in a_iThreads threads, which begin together.
+// Runs a_Work in a_iThreads threads that begin together.
 void RunInThreads(int a_iThreads, const std::function<void(int)>& a_Work)
 {
     std::atomic<int> iReady{0};
@@ -304,7 +304,7 @@ static void ExpectTheSameBits(int a_iThreads, int a_iWaves, int a_iRounds)
     std::atomic<int> iCalls{0};
     const auto Work = [&](int a_iThread)
     {
-        // Every thread starts with another function, so that different ones run at once too.
+        // Every thread starts with another function, so that different functions run at the same time too.
         for (std::size_t i = 0; i < a_iRounds * Functions.size(); ++i)
         {
             const std::size_t iFunction = (i + 7 * a_iThread) % Functions.size();

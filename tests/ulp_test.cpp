@@ -1,11 +1,11 @@
-// ulp_test.cpp: the exported routines that go through the platform's elementary functions, against 50-digit results.
+// ulp_test.cpp: the exported routines that use the platform's elementary functions, against 50-digit results.
 // Copyright (c) 2026 the nuv1math authors
 // SPDX-License-Identifier: MIT
 //
-// The limits count units in the last place of a result or, as its floor, of the greatest term of a sum that cancels:
-// tests/tools/make_ulp_vectors.py says which. Every test prints the greatest error that it saw. Every rounding adds half
-// a unit, and up to a whole one where a result is less than twice a power of two and its factors are not; a platform's
-// function is taken to add one or two.
+// The limits count units in the last place of the result, but at least of the greatest term of a sum that cancels;
+// tests/tools/make_ulp_vectors.py says which. Every test prints its greatest error. Every rounding adds half a unit,
+// and up to a whole one if the result is less than twice a power of two and its factors are not. A function of the
+// platform is assumed to add one or two.
 
 #include "nuv1math.h"
 #include "support/fresh_generator.h"

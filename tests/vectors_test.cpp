@@ -12,7 +12,8 @@ namespace {
 using namespace nuv;
 using namespace nuv_tests;
 
-// The affine and the conformal fit count their points unsigned, and a degree is unsigned: no table has a negative one.
+// The affine and the conformal fit take an unsigned number of points, and a degree is unsigned. No table has negative
+// ones.
 unsigned int Unsigned(int a_iCount)
 {
     return static_cast<unsigned int>(a_iCount);

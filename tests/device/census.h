@@ -1,4 +1,4 @@
-// census.h: double operations by kind, as a processor without floating-point hardware calls them.
+// census.h: double operations by kind, on a processor without floating-point hardware.
 // Copyright (c) 2026 the nuv1math authors
 // SPDX-License-Identifier: MIT
 
@@ -10,8 +10,8 @@
 
 namespace nuv_tests {
 
-// Comparisons of all kinds count alike, and so do conversions from whole numbers. A multiplication by 2 is an addition:
-// the compiler makes it one. Negation and fabs are no calls.
+// All comparisons count alike, and so do all conversions from whole numbers. A multiplication by 2 is an addition,
+// because the compiler makes it one. Negation and fabs are not calls.
 enum enumOperation
 {
     OPERATION_ADD,

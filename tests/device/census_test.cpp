@@ -1,10 +1,10 @@
-// census_test.cpp: each exported function performs the double operations that it has to, and no other.
+// census_test.cpp: each exported function performs exactly the double operations that its algorithm requires.
 // Copyright (c) 2026 the nuv1math authors
 // SPDX-License-Identifier: MIT
 //
-// Linked with the library's own objects and with --wrap for the compiler's arithmetic helpers and for the mathematical
-// functions, so that every call of the library to one of them comes here. The mathematical library has helpers of its
-// own: what its functions compute inside is not counted.
+// The linker option --wrap redirects the library's calls of the compiler's arithmetic helpers and of the mathematical
+// functions to this file. The mathematical library has helpers of its own, so the operations inside its functions are
+// not counted.
 
 #include "census.h"
 #include "device_cases.h"
@@ -17,7 +17,7 @@ namespace {
 
 using namespace nuv_tests;
 
-// A call that was made, to be made again. Comparisons are kept as the function, for each has its own cost.
+// A recorded call, which can be repeated. Comparisons are recorded as functions, because each one has its own cost.
 struct TRecordedCall
 {
     void (*pFunction)();
@@ -95,13 +95,13 @@ extern "C" void __wrap_sincos(double a_dAngle, double* a_pSine, double* a_pCosin
 
 namespace {
 
-// Does nothing but return, in one instruction.
+// Returns at once, in one instruction.
 extern "C" __attribute__((naked)) void ReturnAtOnce()
 {
     asm("bx lr");
 }
 
-// All recorded calls once more, or ReturnAtOnce with the same arguments in place of each.
+// Repeats all recorded calls, or calls ReturnAtOnce with the same arguments instead.
 void Replay(bool a_bReally)
 {
     double dSine;

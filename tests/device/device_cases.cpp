@@ -1,10 +1,10 @@
-// device_cases.cpp: calls of every exported function on fixed inputs, with the arithmetic that each requires.
+// device_cases.cpp: calls of every exported function on fixed inputs, and the arithmetic that each requires.
 // Copyright (c) 2026 the nuv1math authors
 // SPDX-License-Identifier: MIT
 //
-// The counts are derived from the algorithms that the library documents, as formulas in the size of the input. What
-// costs no operation on doubles is not counted: negation, fabs, and the tests whether a value is zero, one, negative or
-// finite, which look at its bits.
+// The counts are formulas in the size of the input, derived from the algorithms that the library documents. Only
+// operations on doubles count. Negation, fabs, and tests whether a value is zero, one, negative or finite look at bits
+// and are not counted.
 //
 // The budgets are what GCC 12 at the build's options and its arithmetic helpers take, and three in a hundred more.
 
@@ -74,11 +74,11 @@ TCensus MulSub(int a_iTimes)
     return Mul(a_iTimes) + Sub(a_iTimes);
 }
 
-// The greater of two magnitudes is found, and sqrt(r r + 1) g formed with their ratio r.
+// The greater of two magnitudes g is found, and with the ratio r of both sqrt(r r + 1) g is formed.
 const TCensus Hypot = Compare(1) + Div(1) + MulAdd(1) + Once(OPERATION_SQRT) + Mul(1);
 
-// A degeneracy test is one comparison of a magnitude; an angle of atan2 is nearer to zero than the period, which is one
-// comparison too; when it is negative the period is added.
+// A degeneracy test is one comparison of a magnitude. An angle of atan2 is compared once with the period; if it is
+// negative the period is added.
 const TCensus Degeneracy = Compare(1);
 const TCensus ReducePositive = Compare(1);
 const TCensus ReduceNegative = Compare(1) + Add(1);
@@ -112,21 +112,23 @@ TCensus ConformalFit(int n)
            Div(1) + Mul(2) + MulSub(2) + MulAdd(1) + MulSub(1) + Hypot + Mul(1) + Div(2) + Mul(1);
 }
 
-// Column i: i squares taken off the diagonal, its sign, its root; then one reciprocal, and in each of the n - 1 - i
-// rows below i products taken off and one by the reciprocal. Summed over i from 0 to n - 1.
+// Column i: i squares are subtracted from the diagonal, then its sign and its root follow. Then one reciprocal, and in
+// each of the n - 1 - i rows below, i products are subtracted and one is formed with the reciprocal. Summed over i from
+// 0 to n - 1.
 TCensus Factorisation(int n)
 {
     return MulSub(n * (n - 1) / 2) + Compare(n) + Times(OPERATION_SQRT, n) + Div(n - 1) +
            MulSub(n * (n - 1) * (n - 2) / 6) + Mul(n * (n - 1) / 2);
 }
 
-// Every element below the diagonal once forward and once backward, and the diagonal divides each time.
+// Every element below the diagonal is used once forward and once backward, and the diagonal divides each time.
 TCensus Solution(int n)
 {
     return 2 * (MulSub(n * (n - 1) / 2) + Div(n));
 }
 
-// The products of n coefficients with those up to each, and with the value: only those of two that are not zero.
+// The products of n coefficients with each other and with the value. Only products of two factors that are not zero
+// count.
 TCensus Update(int a_iNotZero)
 {
     return MulAdd(a_iNotZero * (a_iNotZero + 1) / 2 + a_iNotZero);
@@ -237,7 +239,7 @@ std::vector<double> Factor(std::vector<double> a_vdMatrix, bool (*a_pFactorise)(
     return a_vdMatrix;
 }
 
-// What the calls read and write; it lives as long as they do.
+// The inputs and outputs of the calls. A case keeps them as long as it lives.
 struct TScratch
 {
     TControlPoints Points;

@@ -1,4 +1,4 @@
-// device_cases.h: calls of every exported function on fixed inputs, with the arithmetic that each requires.
+// device_cases.h: calls of every exported function on fixed inputs, and the arithmetic that each requires.
 // Copyright (c) 2026 the nuv1math authors
 // SPDX-License-Identifier: MIT
 

@@ -1,4 +1,4 @@
-// guest_instructions.h: how many instructions this program has executed, as its emulator counts them.
+// guest_instructions.h: the number of instructions that this program has executed, as its emulator counts them.
 // Copyright (c) 2026 the nuv1math authors
 // SPDX-License-Identifier: MIT
 
@@ -12,7 +12,7 @@ namespace nuv_tests {
 
 const std::uint64_t NotCounted = ~std::uint64_t{0};
 
-// The count so far; NotCounted where count_instructions.c does not answer.
+// The count so far, or NotCounted if the emulator runs without count_instructions.c.
 inline std::uint64_t InstructionsSoFar()
 {
     volatile std::uint64_t iCount = NotCounted;
@@ -20,7 +20,7 @@ inline std::uint64_t InstructionsSoFar()
     return iCount;
 }
 
-// The instructions of one call of a_Function, without those of asking.
+// The instructions of one call of a_Function, without those of reading the count.
 template <class TFunction> std::int64_t InstructionsOf(const TFunction& a_Function)
 {
     const std::uint64_t iBefore = InstructionsSoFar();

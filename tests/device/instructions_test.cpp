@@ -1,4 +1,4 @@
-// instructions_test.cpp: what one call of each exported function costs on the device's class of processor.
+// instructions_test.cpp: the cost of one call of each exported function on the device's class of processor.
 // Copyright (c) 2026 the nuv1math authors
 // SPDX-License-Identifier: MIT
 

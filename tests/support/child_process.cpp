@@ -24,7 +24,7 @@ int Checked(int a_iResult, const char* a_szCall)
     return a_iResult;
 }
 
-// Runs the statement in a fork, its standard input and error set to the descriptors given.
+// Runs the statement in a fork, whose standard input and error are the given descriptors.
 pid_t Start(const std::function<void()>& a_Statement, int a_iInput, int a_iError)
 {
     const pid_t iChild = Checked(fork(), "fork");
@@ -40,8 +40,8 @@ pid_t Start(const std::function<void()>& a_Statement, int a_iInput, int a_iError
     return iChild;
 }
 
-// Reads until the other side is closed (a terminal without other side gives an error instead of an end), or until the
-// text ends with a_szPrompt.
+// Reads until the text ends with a_szPrompt, or until the other side is closed. A terminal whose other side is closed
+// gives an error instead of an end.
 std::string ReadText(int a_iFrom, const std::string& a_szPrompt = "")
 {
     std::string szText;

@@ -19,12 +19,12 @@ struct TChildEnd
     int iExitCode = -1; // -1 if a signal ended it
 };
 
-// Standard input is empty and no terminal; standard error is a pipe. On Windows the text of a message box counts as
-// written too, and its user presses Retry.
+// Standard input of the child is empty and no terminal; standard error is a pipe. On Windows the text of a message box
+// counts as written too, and its user presses Retry.
 TChildEnd RunInChild(const std::function<void()>& a_Statement);
 
-// Standard input and standard error are a terminal, whose user types a_szAnswer once a_szPrompt is to be read. Windows
-// has no such terminals.
+// Standard input and standard error of the child are a terminal. Its user types a_szAnswer when a_szPrompt can be read.
+// Windows has no such terminals.
 TChildEnd RunAtTerminal(const std::function<void()>& a_Statement, const std::string& a_szPrompt,
                         const std::string& a_szAnswer);
 

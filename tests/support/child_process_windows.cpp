@@ -1,11 +1,11 @@
-// child_process_windows.cpp: runs a statement that ends its process in a child, and tells what it said and how it ended.
+// child_process_windows.cpp: child processes on Windows, and a user of their message boxes.
 // Copyright (c) 2026 the nuv1math authors
 // SPDX-License-Identifier: MIT
 //
-// Windows has no fork. The child is this program again, told to run the current test alone and of its statements the
-// one with the same number; the others do nothing there. A thread of the child waits for message boxes of its process,
-// writes what a user would see to a pipe of its own, and presses a button. Where no window can be shown, MessageBoxW
-// returns at once: then nothing was read, and the parent sees no box.
+// Windows has no fork, so the child is this program again. It runs only the current test, and of its statements only
+// the one with the same number. A thread of the child waits for message boxes of its process. It writes what a user
+// would see to a pipe of its own and presses a button. If no window can be shown, MessageBoxW returns at once, nothing
+// is read, and the parent sees no box.
 
 #include "child_process_windows.h"
 
@@ -24,7 +24,7 @@ constexpr const char* PipeVariable = "NUV_CHILD_PIPE";           // where it tel
 constexpr const char* AnswerVariable = "NUV_CHILD_ANSWER";       // the identifier of the button to press
 constexpr const char* HoldVariable = "NUV_MESSAGE_BOX_HOLD";     // how many milliseconds a box stays, for a picture
 
-// Between the fields of a box, and after its last one. Neither is a character of a text.
+// These separate the fields of a box, and the boxes. Neither character occurs in a text.
 constexpr char FieldEnd = '\x1f';
 constexpr char BoxEnd = '\x1e';
 
@@ -117,7 +117,7 @@ int Number(const char* a_szVariable)
     return szValue != nullptr ? std::atoi(szValue) : 0;
 }
 
-// For the rest of the process: reads every message box, once it is complete, and presses the button.
+// Runs for the rest of the process: reads every complete message box and presses the button.
 void AnswerMessageBoxes()
 {
     constexpr DWORD iPause = 20;
@@ -182,7 +182,7 @@ struct TPipe
         }
     }
 
-    // All that comes until the last process with the other end is gone.
+    // Reads until the last process with the other end is gone.
     std::string ReadAll()
     {
         CloseWrite();

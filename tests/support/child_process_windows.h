@@ -1,4 +1,4 @@
-// child_process_windows.h: runs a statement in a child whose message box, if it shows one, is read and answered.
+// child_process_windows.h: runs a statement in a child process on Windows; reads and answers its message boxes.
 // Copyright (c) 2026 the nuv1math authors
 // SPDX-License-Identifier: MIT
 

@@ -1,4 +1,4 @@
-// fresh_generator.h: starts the random numbers anew, without a normal number that waits from before.
+// fresh_generator.h: starts the random numbers anew, and drops the spare normal number of an earlier test.
 // Copyright (c) 2026 the nuv1math authors
 // SPDX-License-Identifier: MIT
 
@@ -9,8 +9,8 @@
 
 namespace nuv_tests {
 
-// Drops a normal number that waits from an earlier test. A call that returns it draws no uniform number; any other
-// draws some and leaves a new one waiting.
+// Randn makes two numbers at a time and keeps the second one. This drops a number that an earlier test left. A call
+// that returns the kept number draws no uniform number; any other call draws some and keeps a new one.
 inline void DropSpareNormal()
 {
     nuv::SetRandomSeed(0);
@@ -23,7 +23,7 @@ inline void DropSpareNormal()
     }
 }
 
-// A generator without a waiting normal number, just seeded.
+// Seeds a generator that keeps no normal number.
 inline void StartFresh(int a_iSeed)
 {
     DropSpareNormal();

@@ -18,14 +18,14 @@ namespace nuv_tests {
 
 using TValues = std::vector<double>;
 
-// A whole number from a_iLow up to but not including a_iEnd, uniform from the first case on (RapidCheck would begin
-// with the least ones only).
+// A whole number from a_iLow up to but not including a_iEnd. It is uniform from the first case on, while RapidCheck
+// would begin with small ones.
 inline int Pick(int a_iLow, int a_iEnd)
 {
     return *rc::gen::resize(rc::kNominalSize, rc::gen::inRange(a_iLow, a_iEnd));
 }
 
-// A double in [a_dLow, a_dHigh], of all its digits.
+// A double in [a_dLow, a_dHigh] that uses all of its digits.
 inline double Real(double a_dLow, double a_dHigh)
 {
     return a_dLow + (a_dHigh - a_dLow) * (Pick(0, 1000000001) / 1e9);
@@ -43,9 +43,9 @@ inline double Scale()
     return Chance() ? dScale : -dScale;
 }
 
-// The corners of a square of sides 2 a_dHalf about the origin and up to seven more points in it. The corners give the
-// normal matrix of the centred coordinates 4 a_dHalf^2 in every direction, each other point 2 a_dHalf^2 at most: a
-// condition of at most (n - 2)/2.
+// The corners of a square of side 2 a_dHalf about the origin, and up to seven more points in it. The corners contribute
+// 4 a_dHalf^2 to the normal matrix of the centred coordinates in every direction, and each other point at most 2
+// a_dHalf^2. So the condition is at most (n - 2)/2.
 inline TControlPoints Sources(double a_dHalf)
 {
     TControlPoints Points = {{-a_dHalf, a_dHalf, a_dHalf, -a_dHalf}, {-a_dHalf, -a_dHalf, a_dHalf, a_dHalf}, {}, {}};
@@ -68,8 +68,8 @@ inline void SetTargets(const nuv::TOmographicParams& a_Params, double a_dNoise, 
     }
 }
 
-// A denominator of 1/2 at least in the square of sides 2, and nothing near to singular: A - C G and E - F H are 3/4 at
-// least.
+// The denominator is at least 1/2 in the square of side 2. A - C G and E - F H are at least 3/4, so that nothing is
+// nearly singular.
 inline nuv::TOmographicParams SomeOmographic()
 {
     return {Real(1.0, 3.0), Real(-0.25, 0.25), Real(-1.0, 1.0),   Real(-0.25, 0.25),

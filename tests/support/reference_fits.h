@@ -1,4 +1,4 @@
-// reference_fits.h: least-squares fits of the three kinds by an independent way: QR in long double, normalised points.
+// reference_fits.h: least-squares fits of the three kinds by another method: QR of normalised points in long double.
 // Copyright (c) 2026 the nuv1math authors
 // SPDX-License-Identifier: MIT
 
@@ -24,24 +24,24 @@ using TVector = Eigen::Matrix<TReal, Eigen::Dynamic, 1>;
 // A control point: x, y of the source, X, Y of the target.
 using TControlPoint = std::array<double, 4>;
 
-// Residual of a point, computed less given, in X and Y.
+// The residual of a point in X and Y: computed minus given.
 using TResidual = std::array<TReal, 2>;
 
-// The least-squares transformation: its coefficients A ... H for the coordinates as they are given, and what it leaves.
+// The least-squares transformation: the coefficients A ... H for the coordinates as given, and the residuals.
 struct TFit
 {
     TVector Coefs;
     std::vector<TResidual> vResiduals;
 };
 
-// Where a system of coordinates has its mean, and how many units are one normalised unit.
+// The mean of the points in a system of coordinates, and the number of units in one normalised unit.
 struct TFrame
 {
     TVector Mean;
     TReal dScale;
 };
 
-// Points with their mean at the origin and a mean distance of 1 from it, on either side; one row per point.
+// One row per point. In both systems the mean is at the origin and the mean distance from it is 1.
 struct TNormalised
 {
     TMatrix Source, Target;
@@ -72,7 +72,7 @@ inline TNormalised Normalised(const std::vector<TControlPoint>& a_vPoints)
     return Result;
 }
 
-// The solution of a_Rows * unknowns = a_Values with the least sum of squares.
+// The least-squares solution of a_Rows * unknowns = a_Values.
 inline TVector Solve(const TMatrix& a_Rows, const TVector& a_Values)
 {
     return a_Rows.colPivHouseholderQr().solve(a_Values);
@@ -110,7 +110,7 @@ inline TVector Values(const TNormalised& a_Points)
     return Result;
 }
 
-// The same transformation between the systems as they are given. Its W is scaled so that the constant is 1.
+// The same transformation for the coordinates as given, with the constant of W scaled to 1.
 inline TVector InOriginalFrames(const TNormalised& a_Points, const TVector& a_Coefs)
 {
     const TFrame& Source = a_Points.SourceFrame;
@@ -148,7 +148,7 @@ template <class TPlace> TFit LinearFit(const TNormalised& a_Points, const TMatri
     return InTargetUnits(a_Points, Coefs, a_Rows * Unknowns - Target);
 }
 
-// X = a x + b y + c, Y = -b x + a y + d; with the signs of Y turned where the orientation is reversed.
+// X = a x + b y + c, Y = -b x + a y + d. If a_bMirrored the orientation is reversed: the signs of Y change.
 inline TFit ConformalFit(const std::vector<TControlPoint>& a_vPoints, bool a_bMirrored)
 {
     const TNormalised Points = Normalised(a_vPoints);
@@ -194,8 +194,8 @@ inline TVector OmographicMisfit(const TNormalised& a_Points, const TVector& a_Co
     return Result;
 }
 
-// Gauss-Newton with steps that are halved until the sum of squares falls, from the solution of the equations that are
-// multiplied out, until nothing improves.
+// Gauss-Newton iteration from the solution of the linear equations, until nothing improves. A step is halved until the
+// sum of squares falls.
 inline TFit OmographicFit(const std::vector<TControlPoint>& a_vPoints)
 {
     const TNormalised Points = Normalised(a_vPoints);
@@ -237,7 +237,7 @@ inline TFit OmographicFit(const std::vector<TControlPoint>& a_vPoints)
     return InTargetUnits(Points, Coefs, Misfit);
 }
 
-// By the name of the kind.
+// The fit of the kind with this name.
 inline TFit ReferenceFit(const std::string& a_szKind, bool a_bMirrored, const std::vector<TControlPoint>& a_vPoints)
 {
     return a_szKind == "omographic" ? OmographicFit(a_vPoints)

@@ -1,4 +1,4 @@
-// watched_allocator.cpp: the library's allocator in the hands of a test.
+// watched_allocator.cpp: see watched_allocator.h.
 // Copyright (c) 2026 the nuv1math authors
 // SPDX-License-Identifier: MIT
 

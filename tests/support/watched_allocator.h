@@ -1,4 +1,4 @@
-// watched_allocator.h: the library's allocator in the hands of a test: what it is asked for, and a request that fails.
+// watched_allocator.h: an allocator for the library that records its requests, and lets one of them fail.
 // Copyright (c) 2026 the nuv1math authors
 // SPDX-License-Identifier: MIT
 
@@ -28,8 +28,8 @@ struct TAllocator
 
 extern TAllocator Allocator;
 
-// Watches the allocator as long as it lives. Where the tests are one program with the library's allocator, what they
-// allocate themselves counts too: only calls of the library stand under a watch.
+// Watches the allocator during its lifetime. If the test program and the library share an allocator, allocations of the
+// test count too, so only calls of the library should be made meanwhile.
 class TWatch
 {
 public:
@@ -39,7 +39,7 @@ public:
     TWatch& operator=(const TWatch&) = delete;
 };
 
-// Goes on watching with what was counted so far.
+// Continues to watch, with the counts so far.
 class TWatchAgain
 {
 public:
@@ -49,15 +49,15 @@ public:
     TWatchAgain& operator=(const TWatchAgain&) = delete;
 };
 
-// The test of the calling program fails if something is held or was released that was not.
+// The test fails if memory is still held, or if memory was released that was not held.
 void ExpectNothingHeld();
 
-// What the platform's glue calls instead of malloc and free, and, while the allocator is watched, instead of calloc.
+// The platform's glue calls these instead of malloc and free, and instead of calloc while the allocator is watched.
 void* Allocate(std::size_t a_iBytes);
 void* AllocateFilled(std::size_t a_iBytes, int a_iFill);
 void Release(void* a_pMemory);
 
-// What stands behind them: the platform's glue gives these.
+// The platform's glue defines these.
 void* RealAllocate(std::size_t a_iBytes);
 void RealRelease(void* a_pMemory);
 

@@ -1,4 +1,4 @@
-// wrapped_allocator.cpp: the linker's --wrap brings the library's calls of the allocator here.
+// wrapped_allocator.cpp: the watched allocator behind the linker option --wrap, which redirects the calls.
 // Copyright (c) 2026 the nuv1math authors
 // SPDX-License-Identifier: MIT
 
