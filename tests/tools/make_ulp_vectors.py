@@ -30,7 +30,7 @@ import mpmath
 import reference
 from exactdouble import INFINITY, LEAST, LEAST_NORMAL, NAN, ONE, ZERO, ExactDouble, rounded, sqrt
 from make_random_sequences import Generator, value_of
-from make_vectors import ABOVE, BELOW, DATA, SPECIALS, TOLERANCE, TWO_PI, Table, number, numbers, power_of_two
+from tables.table import ABOVE, BELOW, DATA, SPECIALS, TOLERANCE, TWO_PI, Table, number, numbers, power_of_two
 
 mpmath.mp.dps = 50
 
