@@ -14,21 +14,30 @@ import json
 import os
 import pathlib
 import re
+import subprocess
 import sys
 import textwrap
 
 ROOT = pathlib.Path(__file__).resolve().parents[2]
-NUMBER, WORD, TICK = "--:", "---", ":-:"
 
 
 def fail(message):
     sys.exit(f"{pathlib.Path(sys.argv[0]).stem} page: {message}")
 
 
-def table(header, rows, columns=None):
-    """The first column holds words and the others numbers, unless columns says what each one holds."""
-    columns = columns or [WORD] + [NUMBER] * (len(header) - 1)
-    return "\n".join("| " + " | ".join(str(cell) for cell in line) + " |" for line in [header, columns, *rows])
+def table(header, rows, left=(0,), centred=()):
+    """A table whose columns are right-aligned, as numbers are, except those in left and in centred."""
+    rules = ["---" if column in left else ":-:" if column in centred else "--:" for column in range(len(header))]
+    return "\n".join("| " + " | ".join(map(str, line)) + " |" for line in [header, rules, *rows])
+
+
+def version_of(program):
+    return subprocess.run([program, "--version"], check=True, capture_output=True, text=True).stdout.splitlines()[0]
+
+
+def compiler_version(compiler):
+    """Without the name of the program, which differs between machines."""
+    return version_of(compiler).split(" ", 1)[1]
 
 
 def paragraph(text):

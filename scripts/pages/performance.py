@@ -6,7 +6,7 @@ SPDX-License-Identifier: MIT
 """
 
 from benchmarks import FAMILIES, FLOORS, SIZES, factor, read, time
-from markdown import NUMBER, WORD, bullets, listed, paragraph, table, write
+from markdown import bullets, listed, paragraph, table, write
 
 # Why another library is faster than a routine, at some size at least. Shown only where one is.
 REASONS = {
@@ -101,12 +101,13 @@ def call_table(contests):
     rows = []
     for routine, contest in contests.items():
         (ours,), (least, _) = contest.ours.values(), contest.fastest_other(1)
-        for name, seconds in contest.of_kind("ours", "peer", *FLOORS):
+        labelled = [("this library", contest.ours), *contest.of_kind("peer"),
+                    *((f"*floor: {name}*", seconds) for name, seconds in contest.of_kind(*FLOORS))]
+        for label, seconds in labelled:
             ratio = factor(seconds[1] / ours)
-            first = seconds is contest.ours
-            rows.append([code(routine) if first else "", "this library" if first else name, time(seconds[1]),
+            rows.append([code(routine) if seconds is contest.ours else "", label, time(seconds[1]),
                          f"**{ratio}**" if seconds[1] == min(ours, least) else ratio])
-    return table(["function", "computed by", "one call", "by ours"], rows, [WORD, WORD, NUMBER, NUMBER])
+    return table(["function", "computed by", "one call", "by ours"], rows, left=(0, 1))
 
 
 def ratios(families):

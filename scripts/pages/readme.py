@@ -7,7 +7,7 @@ SPDX-License-Identifier: MIT
 
 import benchmarks
 import platforms
-from markdown import NUMBER, TICK, WORD, table, write_regions
+from markdown import table, write_regions
 
 # What is shown of the benchmarks: the call in words, family, routine, size.
 CALLS = [("affine fit, 100 points", "affine_fit", "CalcAffineCoefs", 100),
@@ -41,7 +41,7 @@ def speed():
         contest = families[family][routine]
         rows.append([words, benchmarks.time(contest.ours[size]), contest.fastest_other(size)[1],
                      benchmarks.factor(contest.advantage(size))])
-    return table(["One call", "Time", "Fastest other library", "Its time / ours"], rows, [WORD, NUMBER, WORD, NUMBER])
+    return table(["One call", "Time", "Fastest other library", "Its time / ours"], rows, left=(0, 2))
 
 
 def mark(value):
@@ -54,7 +54,8 @@ def platform_table():
         bits = [same for same in (platforms.has_same_bits(results[preset]) for preset in presets) if same is not None]
         rows.append([words, runner, mark(all(platforms.passes(results[preset]) for preset in presets)),
                      mark(all(bits) if bits else None)])
-    return table(["Platform", "Tests run on", "Tests pass", "Same bits"], rows, [WORD, WORD, TICK, TICK])
+    return table(["Platform", "Tests run on", "Tests pass", "Same bits"], rows, left=(0, 1),
+                 centred=(2, 3))
 
 
 write_regions("README.md", {"speed": speed(), "platforms": platform_table()})

@@ -8,7 +8,7 @@ SPDX-License-Identifier: MIT
 import re
 
 import platforms
-from markdown import NUMBER, WORD, fail, read_text, table, write_regions
+from markdown import fail, read_text, table, write_regions
 
 def presets():
     rows = []
@@ -17,7 +17,7 @@ def presets():
         digest = result["digests"].get("all") or result["digests"].get("exported")
         rows.append([f"`{preset}`", built, runner, result["tests"], result["failed"], f"`{digest}`" if digest else "-"])
     return table(["Preset", "What is built", "What ran it", "Tests run", "Failed", "Digest"], rows,
-                 [WORD, WORD, WORD, NUMBER, NUMBER, WORD])
+                 left=(0, 1, 2, 5))
 
 
 def coverage(text):
@@ -58,7 +58,7 @@ def checks():
     for check in CHECKS:
         command = f"scripts/check {check.__name__}"
         rows.append([f"`{command}`", check(read_text(f"build/results/{check.__name__}.txt", command))])
-    return table(["Check", "What its last run found"], rows, [WORD, WORD])
+    return table(["Check", "What its last run found"], rows, left=(0, 1))
 
 
 def ulps():
@@ -73,7 +73,7 @@ def ulps():
         greatest = max(error for error, _, _ in errors)
         where = [preset for error, preset, _ in errors if error == greatest]
         rows.append([f"`{routine}`", f"{greatest:.2f}", f"`{where[0]}`", f"{max(limit for *_, limit in errors):g}"])
-    return table(["Routine", "greatest error", "seen first on", "allowed"], rows, [WORD, NUMBER, WORD, NUMBER])
+    return table(["Routine", "greatest error", "seen first on", "allowed"], rows, left=(0, 2))
 
 
 write_regions("docs/testing.md", {"presets": presets(), "checks": checks(), "ulps": ulps()})

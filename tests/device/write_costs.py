@@ -14,9 +14,9 @@ import re
 import subprocess
 import sys
 
-sys.path.insert(0, str(pathlib.Path(__file__).resolve().parent.parent / "tools"))
+sys.path.append(str(pathlib.Path(__file__).resolve().parents[2] / "scripts/pages"))
 sys.dont_write_bytecode = True
-from pages import compiler_version, table, version_of
+from markdown import compiler_version, table, version_of, write
 
 KINDS = ["add", "sub", "mul", "div", "compare", "convert", "sqrt", "fmod", "sincos", "tan", "asin", "acos", "atan",
          "atan2", "log"]
@@ -75,7 +75,7 @@ def main():
     if len(sys.argv) != 5:
         sys.exit("usage: write_costs.py PAGE CTEST BUILD CXX")
     target, ctest, build, compiler = sys.argv[1:]
-    pathlib.Path(target).write_text(page(*figures(ctest, build), compiler))
+    write(target, page(*figures(ctest, build), compiler))
 
 
 if __name__ == "__main__":

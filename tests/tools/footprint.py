@@ -16,8 +16,9 @@ import re
 import sys
 
 sys.dont_write_bytecode = True
+sys.path.append(str(pathlib.Path(__file__).resolve().parents[2] / "scripts/pages"))
 from binary import exported_symbols, output_of, readable
-from pages import compiler_version, table
+from markdown import compiler_version, table, write
 
 SECTIONS = {"code": ".text", "read-only data": ".rodata", "writable data": ".(data|bss)"}
 ROOM = 24 * 1024  # of the device, in bytes, for code and read-only data together
@@ -108,7 +109,7 @@ def main():
     if len(sys.argv) < 5:
         sys.exit("usage: footprint.py PAGE LIBRARY CXX OBJECT...")
     target, library, compiler, *objects = sys.argv[1:]
-    pathlib.Path(target).write_text(page(library, compiler, objects))
+    write(target, page(library, compiler, objects))
 
 
 if __name__ == "__main__":
