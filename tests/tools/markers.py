@@ -10,7 +10,7 @@ A marker stands at the end of its line, or alone on the line above it:
 "host only"    other machines or other builds reach it.
 "equivalent"   some change of the line, of those that mutate.py makes, changes no result.
 
-The reason after the colon is required. A marker before a block in braces covers the block too.
+The reason after the colon is required. A marker of an if covers its block too.
 
 Copyright (c) 2026 the nuv1math authors
 SPDX-License-Identifier: MIT
@@ -26,11 +26,11 @@ def indent_of(text):
 
 
 def lines_covered_by(texts, first):
-    """The numbers of the marked line and of the block in braces that follows it; lines are counted from 0."""
+    """The numbers of the marked line and, if it is an if, of its block; lines are counted from 0."""
     while not texts[first].split("//")[0].strip():
         first += 1
     last = first
-    if last + 1 < len(texts) and texts[last + 1].strip() == "{":
+    if texts[first].strip().startswith("if (") and texts[first + 1].strip() == "{":
         last += 1
         while indent_of(texts[last]) != indent_of(texts[first]) or texts[last].strip()[:1] != "}":
             last += 1

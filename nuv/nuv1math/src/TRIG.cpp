@@ -156,7 +156,7 @@ static int SolveByHalfTangent(double a_dA, double a_dB, double a_dC, double* a_v
         a_vdAngles[iCount] = AngleOfHalfTangent(vdTangents[i]);
         ++iCount;
     }
-    if (iCount == LINEAR_ANGLES && a_vdAngles[0] > a_vdAngles[1])
+    if (iCount == LINEAR_ANGLES && a_vdAngles[0] > a_vdAngles[1]) // equivalent: equal angles may change places
     {
         Swap(a_vdAngles[0], a_vdAngles[1]);
     }
@@ -293,10 +293,10 @@ static int SolveQuadTrigRaw(double a_dA, double a_dB, double a_dC, double a_dD, 
 // Sorts in ascending order: the first of the smallest angles left comes next.
 static void SortAngles(int a_iCount, double* a_vdAngles)
 {
-    for (int i = 0; i < a_iCount - 1; ++i)
+    for (int i = 0; i < a_iCount - 1; ++i) // equivalent: the last element has none behind it
     {
         int iSmallest = i;
-        for (int j = i + 1; j < a_iCount; ++j)
+        for (int j = i + 1; j < a_iCount; ++j) // equivalent: an element is not less than itself
         {
             if (a_vdAngles[j] < a_vdAngles[iSmallest])
             {
@@ -321,7 +321,7 @@ static int CopyDistinctAngles(int a_iCount, const double* a_vdSorted, double* a_
         do
         {
             ++i;
-        } while (i < a_iCount && fabs(a_vdSorted[i] - dFirst) < DUPLICATE_TOLERANCE);
+        } while (i < a_iCount && fabs(a_vdSorted[i] - dFirst) < DUPLICATE_TOLERANCE); // equivalent: the angles ascend
         a_vdAngles[iDistinct] = dFirst;
         ++iDistinct;
     }
@@ -332,7 +332,7 @@ int SolveQuadTrig(double a_dA, double a_dB, double a_dC, double a_dD, double a_d
                   double* const a_vdAngles)
 {
     const int iCount = SolveQuadTrigRaw(a_dA, a_dB, a_dC, a_dD, a_dE, a_dF, a_vdAngles);
-    if (iCount < 2)
+    if (iCount < 2) // equivalent: one angle is sorted as it is
     {
         return iCount;
     }

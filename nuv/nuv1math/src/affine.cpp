@@ -190,13 +190,13 @@ static const double PIVOT_REPLACEMENT = 1e-14; // for a pivot of exactly 0
 
 int MaxAbsIndex(int a_iN, const double* a_vdX, int a_iIncX)
 {
-    if (a_iN < 1)
+    if (a_iN < 1) // equivalent: with fewer elements the loop does nothing
     {
         return 0;
     }
     int iMax = 0;
     double dMax = fabs(a_vdX[0]);
-    for (int i = 1; i < a_iN; ++i)
+    for (int i = 1; i < a_iN; ++i) // equivalent: an element is not greater than itself
     {
         const double dMagnitude = fabs(a_vdX[static_cast<ptrdiff_t>(i) * a_iIncX]);
         if (dMagnitude > dMax)
@@ -232,7 +232,7 @@ static bool SolveUpperTriRow(double a_dDiagonal, double a_dRest, double& a_dX)
 int SolveUpperTri(int a_iN, const double* a_vdU, int a_iLdu, const double* a_vdB, int a_iIncB, double* a_vdX,
                   int a_iIncX)
 {
-    if (a_iN < 1)
+    if (a_iN < 1) // equivalent: without rows the loops do nothing
     {
         return 1;
     }
@@ -308,7 +308,7 @@ static void NormaliseRow(const TGaussSystem& a_System, ptrdiff_t k)
     }
     const double dReciprocal = 1.0 / dPivot;
     dPivot = 1.0;
-    if (IsOne(dReciprocal))
+    if (IsOne(dReciprocal)) // equivalent: a product with 1 is the same
     {
         return;
     }
@@ -346,7 +346,7 @@ static void EliminateRow(const TGaussSystem& a_System, ptrdiff_t k, ptrdiff_t i)
 
 int SolveGauss(int a_iN, int a_iNrhs, double* a_vdA, int a_iLda, double* a_vdB, int a_iLdb, double* a_vdX, int a_iLdx)
 {
-    if (a_iN < 1)
+    if (a_iN < 1) // equivalent: without rows the loops do nothing
     {
         return 1;
     }

