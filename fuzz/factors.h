@@ -17,7 +17,7 @@ namespace nuv_fuzz {
 using TDense = Eigen::Matrix<TLong, Eigen::Dynamic, Eigen::Dynamic>;
 using TColumn = Eigen::Matrix<TLong, Eigen::Dynamic, 1>;
 
-// A packed symmetric matrix. It is tame if its elements are sums of products of tame numbers, and dominant if each
+// A packed symmetric matrix. It is tame if its elements have ordinary sizes, and dominant if each
 // diagonal element exceeds the sum of the other magnitudes of its row.
 struct TMatrix
 {
