@@ -20,8 +20,8 @@ namespace nuv {
 // Model      N = sum(a a^T) and u = sum(a l) over the observations a.x = l. N = L L^T. L y = u, then L^T x = y.
 // Method     Column by column: L(i,i) = sqrt(N(i,i) - sum L(i,k)^2) and L(j,i) = (N(j,i) - sum L(j,k) L(i,k)) / L(i,i),
 //            with one reciprocal per column. There is no pivoting and no tolerance.
-// Special    A radicand that is negative or NaN is a failure. A radicand of exactly 0 passes: the column below becomes
-//            infinite or NaN, and the next radicand fails.
+// Special    A radicand that is negative or NaN is a failure. A radicand of exactly 0 passes. The column below becomes
+//            infinite or NaN, and the next radicand fails. In the last row there is none: the solution divides by zero.
 // Order      A product is formed first and then added or subtracted, one product at a time. A diagonal element
 //            subtracts the squares of its row from the one beside the diagonal back to the first. Every other element
 //            subtracts its products from the first column on. The forward substitution runs in ascending order. The

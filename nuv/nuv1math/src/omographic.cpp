@@ -27,8 +27,8 @@ namespace nuv {
 // Special    If the linear equations cannot be factorised, the result is RET_INDETERMINATE, and the record holds their
 //            right-hand side. If a refinement cannot be factorised, the coefficients before it are the result, as a
 //            success: a point on the vanishing line (W = 0) makes its matrix infinite or NaN. A radicand of exactly 0
-//            in the last row passes and the solution divides by zero: no comparison with a NaN correction holds, so the
-//            iteration ends as converged, and the NaN stands in the coefficients for the caller to find.
+//            in the last row passes, and the solution divides by zero. A NaN correction compares as small, so the
+//            iteration ends as if it had converged, and the caller finds the NaN in the coefficients.
 // Order      The order of the points, the X row before the Y row. The entries of a row as they are written below, with
 //            reciprocals multiplied.
 // Deviation  from Hartley and Zisserman: the coordinates are not normalised. So the conditioning depends on the

@@ -104,9 +104,9 @@ void AddObservationByVectors(int a_iUnknowns, double* a_vdMatrix, double* a_vdVe
 //            their last products. So a tile of rows and columns subtracts its products together, one k after the other.
 //            The columns form panels, and a panel has tiles of four columns. First comes a block of rows that holds the
 //            diagonal, then the rows below it.
-// Order      Every element subtracts its products in ascending order, as in the plain form. A square root waits for the
-//            whole sum of its diagonal element, which descends and begins with an element of the column before. So
-//            each diagonal sum of a tile runs beside the products of another tile.
+// Order      Every element subtracts its products in ascending order, as in the plain form. The square root of a
+//            diagonal element needs its whole sum. That sum descends and begins with an element of the column before.
+//            So it advances while another tile subtracts its products.
 // Failure    Nothing of a column is stored before its diagonal has passed: until then its sums stay in scratch. The
 //            columns before the failing one are then finished in all rows.
 // Cache      The factors of the columns are packed in the order of their use, PANEL_DEPTH of them at a time. A matrix
@@ -166,9 +166,34 @@ struct TDiagonal
 
 } // namespace
 
-// Subtracts the products from the rows iFirst to iFirst + 2 LANES - 1 of a tile. As many sums fit the registers.
-// The elements are independent: together they keep the adders busy, where one alone waits for its own last difference.
-// A diagonal element comes along at little cost.
+// The rows of a tile from a_iFirst on, as vectors, and back.
+template <typename TVector, int ROWS, int VECTORS>
+static NUV_INLINE void LoadRows(const TTile& a_Tile, ptrdiff_t a_iFirst, TVector (&a_vvRest)[ROWS][VECTORS])
+{
+    NUV_UNROLL for (int r = 0; r < ROWS; ++r)
+    {
+        NUV_UNROLL for (int c = 0; c < VECTORS; ++c)
+        {
+            Load(&a_Tile.vvdRest[a_iFirst + r][c * (TILE_COLUMNS / VECTORS)], a_vvRest[r][c]);
+        }
+    }
+}
+
+template <typename TVector, int ROWS, int VECTORS>
+static NUV_INLINE void StoreRows(const TVector (&a_vvRest)[ROWS][VECTORS], ptrdiff_t a_iFirst, TTile& a_Tile)
+{
+    NUV_UNROLL for (int r = 0; r < ROWS; ++r)
+    {
+        NUV_UNROLL for (int c = 0; c < VECTORS; ++c)
+        {
+            Store(a_vvRest[r][c], &a_Tile.vvdRest[a_iFirst + r][c * (TILE_COLUMNS / VECTORS)]);
+        }
+    }
+}
+
+// Subtracts the products from the rows iFirst to iFirst + 2 LANES - 1 of a tile. As many sums fit the registers. A sum
+// waits for its own last difference; several independent sums together keep the adders busy. The sum of a diagonal
+// element advances beside them at little cost.
 template <typename TVector, bool DIAGONAL>
 static NUV_INLINE void SubtractFromRowsBy(const TProducts& a_Products, ptrdiff_t a_iFirst, TTile& a_Tile,
                                           TDiagonal& a_Diagonal)
@@ -184,11 +209,8 @@ static NUV_INLINE void SubtractFromRowsBy(const TProducts& a_Products, ptrdiff_t
     NUV_UNROLL for (int r = 0; r < ROWS; ++r)
     {
         vvdRows[r] = a_Products.vvdRows[a_iFirst + r] + a_Products.iFrom;
-        NUV_UNROLL for (int c = 0; c < VECTORS; ++c)
-        {
-            Load(&a_Tile.vvdRest[a_iFirst + r][c * LANES], vvRest[r][c]);
-        }
     }
+    LoadRows(a_Tile, a_iFirst, vvRest);
     double dRadicand = DIAGONAL ? a_Diagonal.dRadicand : 0.0;
     for (ptrdiff_t k = 0; k < a_Products.iCount; ++k)
     {
@@ -213,13 +235,7 @@ static NUV_INLINE void SubtractFromRowsBy(const TProducts& a_Products, ptrdiff_t
     {
         a_Diagonal.dRadicand = dRadicand;
     }
-    NUV_UNROLL for (int r = 0; r < ROWS; ++r)
-    {
-        NUV_UNROLL for (int c = 0; c < VECTORS; ++c)
-        {
-            Store(vvRest[r][c], &a_Tile.vvdRest[a_iFirst + r][c * LANES]);
-        }
-    }
+    StoreRows(vvRest, a_iFirst, a_Tile);
 }
 
 // Subtracts the products from the rows of a tile.
@@ -565,42 +581,49 @@ bool FactoriseByTiles(ptrdiff_t a_iN, const TTriangleRows& a_Rows, double* a_vdM
 //            other. The backward half of SolveChol cannot gain: each of its sums begins with the solution found last.
 // ---------------------------------------------------------------------------------------------------------------------
 
+// The solutions i to i + ROWS_TOGETHER - 1 of L y = u. Those before are known.
+static NUV_INLINE void SolveRowsForward(ptrdiff_t i, const TTriangleRows& a_Rows, const double* a_vdFactor,
+                                        double* a_vdVector)
+{
+    const double* vvdRows[ROWS_TOGETHER];
+    double vdRest[ROWS_TOGETHER];
+    NUV_UNROLL for (int r = 0; r < ROWS_TOGETHER; ++r)
+    {
+        vvdRows[r] = a_vdFactor + RowStart(a_Rows, i + r);
+        vdRest[r] = a_vdVector[i + r];
+    }
+    for (ptrdiff_t k = 0; k < i; ++k)
+    {
+        const double dSolution = a_vdVector[k];
+        NUV_UNROLL for (int r = 0; r < ROWS_TOGETHER; ++r)
+        {
+            vdRest[r] -= vvdRows[r][k] * dSolution;
+        }
+    }
+    NUV_UNROLL for (int r = 0; r < ROWS_TOGETHER; ++r)
+    {
+        NUV_UNROLL for (int k = 0; k < r; ++k)
+        {
+            vdRest[r] -= vvdRows[r][i + k] * vdRest[k];
+        }
+        vdRest[r] /= vvdRows[r][i + r];
+        a_vdVector[i + r] = vdRest[r];
+    }
+}
+
 ptrdiff_t SubstituteForwardTogether(ptrdiff_t a_iN, const TTriangleRows& a_Rows, const double* a_vdFactor,
                                     double* a_vdVector)
 {
     ptrdiff_t i = 0;
     for (; a_iN - i >= ROWS_TOGETHER; i += ROWS_TOGETHER) // equivalent: the rows that are left go one by one
     {
-        const double* vvdRows[ROWS_TOGETHER];
-        double vdRest[ROWS_TOGETHER];
-        NUV_UNROLL for (int r = 0; r < ROWS_TOGETHER; ++r)
-        {
-            vvdRows[r] = a_vdFactor + RowStart(a_Rows, i + r);
-            vdRest[r] = a_vdVector[i + r];
-        }
-        for (ptrdiff_t k = 0; k < i; ++k)
-        {
-            const double dSolution = a_vdVector[k];
-            NUV_UNROLL for (int r = 0; r < ROWS_TOGETHER; ++r)
-            {
-                vdRest[r] -= vvdRows[r][k] * dSolution;
-            }
-        }
-        NUV_UNROLL for (int r = 0; r < ROWS_TOGETHER; ++r)
-        {
-            NUV_UNROLL for (int k = 0; k < r; ++k)
-            {
-                vdRest[r] -= vvdRows[r][i + k] * vdRest[k];
-            }
-            vdRest[r] /= vvdRows[r][i + r];
-            a_vdVector[i + r] = vdRest[r];
-        }
+        SolveRowsForward(i, a_Rows, a_vdFactor, a_vdVector);
     }
     return i;
 }
 
-// The solutions k down to k - ROWS_TOGETHER + 1. a_vvdRows receives their rows of the factor.
-static NUV_INLINE void SolveRowsTogether(ptrdiff_t k, const double* a_vdFactor, double* a_vdVector,
+// The solutions k down to k - ROWS_TOGETHER + 1 of L^T x = y. a_vvdRows receives their rows of the factor.
+static NUV_INLINE void SolveRowsBackward(ptrdiff_t k, const double* a_vdFactor, double* a_vdVector,
                                          const double** a_vvdRows, double* a_vdSolution)
 {
     NUV_UNROLL for (int r = 0; r < ROWS_TOGETHER; ++r)
@@ -624,7 +647,7 @@ static NUV_INLINE void SubstituteBackwardBy(ptrdiff_t a_iN, const double* a_vdFa
     {
         const double* vvdRows[ROWS_TOGETHER];
         double vdSolution[ROWS_TOGETHER];
-        SolveRowsTogether(iEnd - 1, a_vdFactor, a_vdVector, vvdRows, vdSolution);
+        SolveRowsBackward(iEnd - 1, a_vdFactor, a_vdVector, vvdRows, vdSolution);
         const ptrdiff_t iCount = iEnd - ROWS_TOGETHER;
         ptrdiff_t i = 0;
         for (; i <= iCount - LANES; i += LANES) // equivalent: the sums that are left go one by one
