@@ -17,8 +17,8 @@ static TValues MapCorners(const TCoefs& c)
     return MapCorners({c[0], c[1], c[2], c[3], c[4], c[5], c[6], c[7], 1.0});
 }
 
-// Writes the two rows of one point. p, q, r are the coefficients of A, B, C in the row of X and of D, E, F in the row of
-// Y. The other arguments are the coefficients of G and H and the values, for both rows.
+// Writes the two rows of one point. p, q, r are the coefficients of A, B, C in the row of X, and of D, E, F in the row
+// of Y. The other arguments are the coefficients of G and H and the values, for both rows.
 template <class A, class B>
 static void FillPoint(int i, double p, double q, double r, const std::array<double, 2>& a_vdG,
                       const std::array<double, 2>& a_vdH, const std::array<double, 2>& a_vdValue, A& a_A, B& a_B)

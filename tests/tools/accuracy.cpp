@@ -1,11 +1,11 @@
-// accuracy.cpp: the library's errors beside arithmetic of 120 digits, as the Markdown tables of docs/accuracy.md.
+// accuracy.cpp: makes the tables of docs/accuracy.md: errors of the library against arithmetic of 120 digits.
 // Copyright (c) 2026 the nuv1math authors
 // SPDX-License-Identifier: MIT
 //
-// accuracy FILE...    prints the tables, each after a line "== NAME"; the files are control points (x,y,X,Y).
+// accuracy FILE...    prints the tables, each after a line "== NAME". The files hold control points (x,y,X,Y).
 //
-// The routines under test but the trigonometric ones give the same bits everywhere, and every figure is rounded up to
-// one digit, so that the tables come out the same on every machine.
+// The tables are the same on every machine: all routines except the trigonometric ones give the same bits everywhere,
+// and every figure is rounded up to one digit.
 
 #include "nuv1math.h"
 
@@ -41,7 +41,7 @@ using TPoints = std::vector<TControlPoint>;
 
 // --- Numbers and cells -----------------------------------------------------------------------------------------------
 
-// Within -1 ... 1, the same on every machine.
+// Random numbers from -1 to 1, the same on every machine.
 class TRandom
 {
 public:
@@ -72,7 +72,7 @@ std::string UpperDigit(double a_dValue)
     {
         std::snprintf(szText, sizeof szText, "%.0e", std::strtod(szText, nullptr) * (1.0 + 1.0 / (szText[0] - '0')));
     }
-    return a_dValue < 1e-40 ? "0" : szText; // the reference's own error
+    return a_dValue < 1e-40 ? "0" : szText; // such an error is that of the reference
 }
 
 void PrintRow(const std::vector<std::string>& a_vszCells)
@@ -98,7 +98,7 @@ void StartTable(const char* a_szName, const std::vector<std::string>& a_vszHead)
 
 // --- Conversions and inverses ----------------------------------------------------------------------------------------
 
-// Median and greatest.
+// The median and the greatest error.
 std::string Spread(TDoubles a_vdErrors)
 {
     std::sort(a_vdErrors.begin(), a_vdErrors.end());
@@ -158,7 +158,7 @@ void PrintInverses()
 
 const char* const Kinds[] = {"conformal", "affine", "omographic"};
 
-// A fit by the library: its result and A ... H.
+// A fit by the library: its result code and the coefficients A to H.
 struct TLibraryFit
 {
     int iResult;
@@ -201,9 +201,10 @@ TLibraryFit FitByLibrary(const std::string& a_szKind, const TPoints& a_vPoints)
 
 struct TFitErrors
 {
-    double dPosition; // greatest distance at a control point from where the exact solution maps it; NaN: no fit
-    double dCoefs;    // greatest error of A, B, D, E as a part of the greatest of them
-    double dResidual; // by how much of itself the sum of squares is too great
+    double
+        dPosition; // greatest distance between the images of a control point by both fits; NaN if the library has none
+    double dCoefs; // greatest error of A, B, D, E relative to the greatest of them
+    double dResidual; // excess of the sum of squared residuals, relative to that of the exact fit
 };
 
 TFitErrors CompareFit(const std::string& a_szKind, const TPoints& a_vPoints)
@@ -243,7 +244,7 @@ TFitErrors CompareFit(const std::string& a_szKind, const TPoints& a_vPoints)
     return Errors;
 }
 
-// Sixteen points of a shifted square and their images, a ten-thousandth of the extent off the transformation.
+// Sixteen points of a shifted square and their images, with noise of a ten-thousandth of the extent.
 TPoints MakePoints(const std::string& a_szKind, double a_dOffset, double a_dExtent)
 {
     TRandom Random;
@@ -254,7 +255,7 @@ TPoints MakePoints(const std::string& a_szKind, double a_dOffset, double a_dExte
     {
         const double u = (i % 4 - 1.5) / 3.0 + 0.05 * Random();
         const double v = (i / 4 - 1.5) / 3.0 + 0.05 * Random();
-        const double w = 1.0 - dTilt * u - 0.5 * dTilt * v; // far from 0 at the origin too
+        const double w = 1.0 - dTilt * u - 0.5 * dTilt * v; // far from 0, also at the origin
         const double U = (0.9 * u + (0.4 + dSkew) * v) / w + 1e-4 * Random();
         const double V = (-0.4 * u + (0.9 + dSkew) * v) / w + 1e-4 * Random();
         vPoints.push_back({a_dOffset + a_dExtent * u, a_dOffset + a_dExtent * v, a_dOffset + a_dExtent * U,
@@ -266,14 +267,14 @@ TPoints MakePoints(const std::string& a_szKind, double a_dOffset, double a_dExte
 const TDoubles Offsets = {0, 1e2, 1e3, 1e4, 1e5, 1e6, 1e7};
 const TDoubles Extents = {1, 1e1, 1e2, 1e3, 1e4, 1e5};
 
-// A fit that is worse than its points, or none.
+// The error in bold if it is greater than the noise of the points.
 std::string PositionCell(const TFitErrors& a_Errors, double a_dExtent)
 {
     const std::string szText = UpperDigit(a_Errors.dPosition);
     return a_Errors.dPosition < 1e-4 * a_dExtent ? szText : "**" + szText + "**";
 }
 
-// The greatest errors by offset/extent, as parts of the extent. Of a fit that fails everything is unknown.
+// The greatest errors of several fits, relative to the extent. They are NaN if one of the fits failed.
 struct TWorst
 {
     TFitErrors Errors = {0, 0, 0};
@@ -287,11 +288,13 @@ struct TWorst
 
     static double Greater(double a_dSoFar, double a_dError)
     {
-        return std::isnan(a_dError) ? a_dError : std::max(a_dSoFar, a_dError); // a NaN stays the first argument
+        return std::isnan(a_dError)
+                   ? a_dError
+                   : std::max(a_dSoFar, a_dError); // std::max returns its first argument if that is NaN
     }
 };
 
-// By offset/extent, everything up to 1 together, for the three kinds.
+// The greatest errors of the three kinds by offset/extent. All ratios up to 1 are one row.
 using TSummary = std::map<double, std::array<TWorst, 3> >;
 
 void PrintSummary(const TSummary& a_Summary)
@@ -337,14 +340,14 @@ void PrintFits()
     PrintSummary(Summary);
 }
 
-// Control points of a file, as they are and from a local origin: the means, rounded to whole numbers.
+// The control points of a file.
 TPoints ReadPoints(const std::string& a_szFile)
 {
     std::ifstream File(a_szFile);
     TPoints vPoints;
     for (std::string szLine; std::getline(File, szLine);)
     {
-        // The last four fields: a name may stand before them.
+        // The coordinates are the last four fields. A name can stand before them.
         std::vector<std::string> vszFields;
         std::istringstream Line(szLine);
         for (std::string szField; std::getline(Line, szField, ',');)
@@ -366,6 +369,7 @@ TPoints ReadPoints(const std::string& a_szFile)
     return vPoints;
 }
 
+// The points from a local origin: the means of the coordinates, rounded to whole numbers.
 TPoints FromLocalOrigin(TPoints a_vPoints)
 {
     for (std::size_t k = 0; k < 4; ++k)
@@ -532,7 +536,7 @@ void PrintCholesky()
 
 using TComplex = std::complex<TDigits>;
 
-// Roots of the polynomial with these very coefficients, all at once by Aberth's iteration.
+// All roots of the polynomial with exactly these coefficients, by the iteration of Ehrlich and Aberth.
 std::vector<TComplex> TrueRoots(TDoubles a_vdP)
 {
     std::vector<TComplex> vRoots;
@@ -630,7 +634,7 @@ TDoubles Chebyshev(int a_iDegree)
     return vdP;
 }
 
-// The true roots are given where a root is multiple and the coefficients are exact.
+// a_vTrue: the true roots. They are given in advance if a root is multiple and the coefficients are exact.
 void PrintPolynomial(const std::string& a_szName, const TDoubles& a_vdP, const std::vector<TDigits>& a_vTrue)
 {
     TDoubles vdFound(a_vdP.size());
@@ -692,10 +696,10 @@ void PrintPolynomials()
 
 // --- Angles ----------------------------------------------------------------------------------------------------------
 
-// Below this the platform's functions show, which are not the same everywhere.
+// Smaller errors depend on the platform's functions, so the tables do not show them.
 constexpr double LeastAngleError = 1e-15;
 
-// a cos t + b sin t = (1 - d) hypot(a, b), which has its angles about atan2(b, a).
+// Equations a cos t + b sin t = (1 - d) hypot(a, b). Their two angles are close to atan2(b, a) if d is small.
 void PrintLinearAngles()
 {
     StartTable("linear", {"1 - abs(c)/hypot(a, b), about", "greatest error, radians", "equations with a wrong count"});
@@ -729,7 +733,7 @@ void PrintLinearAngles()
     }
 }
 
-// Random coefficients, and equations of pairs of angles that are close to one another.
+// Equations with random coefficients, and equations with pairs of close angles.
 void PrintQuadraticAngles()
 {
     StartTable("quadratic", {"equations", "median / greatest error, radians", "with a wrong count"});

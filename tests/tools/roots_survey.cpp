@@ -1,10 +1,10 @@
-// roots_survey.cpp: how often Roots reports as many real roots as there are, over stated sets of polynomials.
+// roots_survey.cpp: makes the table of docs/roots.md: how often Roots reports the true number of real roots.
 // Copyright (c) 2026 the nuv1math authors
 // SPDX-License-Identifier: MIT
 //
-// The true number of real roots, each as often as it occurs, is counted by Sturm's theorem in integers of any size, on
-// the very coefficients that Roots receives (a double is an integer times a power of 2). Prints a Markdown table. Each
-// polynomial is solved as it is with the tolerance 1e-6, and again after the shift x = y + 0.3 with the tolerance 1e-4.
+// The true number of real roots, with multiplicity, comes from Sturm's theorem in integers of any size. It is that of
+// the coefficients that Roots receives: a double is an integer times a power of 2. Each polynomial is solved with the
+// tolerance 1e-6, and again after the shift x = y + 0.3 with the tolerance 1e-4.
 
 #include "nuv1math.h"
 #include "poly.h"
@@ -22,7 +22,7 @@
 namespace {
 
 using TCoefficients = std::vector<double>; // highest power first
-using TIntegers = std::vector<mpz_class>;  // the same, without leading zeros
+using TIntegers = std::vector<mpz_class>;  // highest power first, no leading zeros
 constexpr double Usual = 1e-6;             // tolerance
 constexpr double Wide = 1e-4;
 constexpr double Shift = 0.3;
@@ -40,7 +40,7 @@ TIntegers Trim(TIntegers a_viP)
     return a_viP;
 }
 
-// Divided by the greatest common divisor of the coefficients, signs kept.
+// Divides the coefficients by their greatest common divisor, which is positive.
 TIntegers MakePrimitive(TIntegers a_viP)
 {
     mpz_class iDivisor = 0;
@@ -55,7 +55,7 @@ TIntegers MakePrimitive(TIntegers a_viP)
     return a_viP;
 }
 
-// The coefficients times a common power of 2 that makes them integers.
+// Multiplies the coefficients by a common power of 2 that makes them integers, and removes common factors.
 TIntegers MakeIntegers(const TCoefficients& a_vdP)
 {
     int iLeast = std::numeric_limits<int>::max();
@@ -81,7 +81,7 @@ TIntegers Differentiate(const TIntegers& a_viP)
     return viResult;
 }
 
-// A positive multiple of the remainder.
+// A positive multiple of the remainder of the division.
 TIntegers Remainder(TIntegers a_viP, const TIntegers& a_viDivisor)
 {
     while (a_viP.size() >= a_viDivisor.size())
@@ -98,7 +98,7 @@ TIntegers Remainder(TIntegers a_viP, const TIntegers& a_viDivisor)
     return a_viP.empty() ? a_viP : MakePrimitive(a_viP);
 }
 
-// Signs of the leading coefficients of a Sturm chain at plus or minus infinity: how often they change.
+// The number of changes of sign along a Sturm chain at plus or minus infinity.
 int CountChanges(const std::vector<TIntegers>& a_Chain, bool a_bMinusInfinity)
 {
     int iChanges = 0;
@@ -112,8 +112,8 @@ int CountChanges(const std::vector<TIntegers>& a_Chain, bool a_bMinusInfinity)
     return iChanges;
 }
 
-// Different real roots by Sturm's theorem, and then those of the greatest common divisor of p and p', in which every
-// root occurs once less.
+// Counts the different real roots of p by Sturm's theorem, and then those of the greatest common divisor of p and p',
+// in which the multiplicity of every root is less by one, and so on.
 int CountRealRoots(TIntegers a_viP)
 {
     int iCount = 0;
@@ -141,7 +141,7 @@ int CountRealRoots(TIntegers a_viP)
 
 // --- The library
 
-// True if the iteration gives up on the companion matrix of what remains without leading and trailing zeros.
+// Whether the iteration gives up on the companion matrix. Trailing zeros are removed first, as Roots does.
 bool GivesUp(TCoefficients a_vdP)
 {
     while (a_vdP.back() == 0.0)
@@ -156,7 +156,7 @@ bool GivesUp(TCoefficients a_vdP)
     const double dFactor = -1.0 / a_vdP[0];
     for (std::size_t j = 0; j < iDegree; ++j)
     {
-        vdMatrix[j * iDegree + j + 1] = 1.0; // the last one falls on the spare element
+        vdMatrix[j * iDegree + j + 1] = 1.0; // the last one is written to the spare element
         vdMatrix[j * iDegree] = a_vdP[j + 1] * dFactor;
     }
     nuv::BalanceMatrix(iN, vdMatrix.data(), iN);
@@ -185,7 +185,7 @@ TCoefficients ShiftArgument(TCoefficients a_vdP, double a_dShift)
 
 // --- The sets
 
-// How one way of calling Roots did on a set.
+// The results of one way to call Roots on a set.
 struct TTally
 {
     int iGivenUp = 0;
@@ -255,7 +255,7 @@ TCoefficients MultiplyLinear(const TCoefficients& a_vdRoots)
     return vdProduct;
 }
 
-// Calls a_Add with all a_iCount integer coefficients from -a_iMost to a_iMost, the first one not 0.
+// Calls a_Add with all combinations of a_iCount integer coefficients from -a_iMost to a_iMost whose first one is not 0.
 void ForAllIntegers(std::size_t a_iCount, int a_iMost, const std::function<void(const TCoefficients&)>& a_Add)
 {
     TCoefficients vdP(a_iCount, -a_iMost);
@@ -372,7 +372,7 @@ void SurveyRandomFactors()
             TCoefficients vdRoots(iDegree);
             for (double& dRoot : vdRoots)
             {
-                // 53 bits of the engine: the distributions of the standard library differ between libraries
+                // 53 bits of the engine, because the distributions of standard libraries differ
                 dRoot = std::ldexp(static_cast<double>(Engine() >> 11), -52) - 1.0;
             }
             Set.Add(MultiplyLinear(vdRoots));
