@@ -21,8 +21,7 @@ static std::optional<TShape> FindShape(const TAttempt& a_Attempt, bool a_bMirror
     int iResult = nuv::RET_IMPOSSIBLE;
     if (a_Attempt.Kind == nuv::METHOD_CONFORMAL && !a_bMirrored)
     {
-        const nuv::TConformalCoefs Conformal = {C.dA, C.dB, C.dC,
-                                                C.dF, 0,    0}; // ConformalCoefsToParam does not read the inverse
+        const nuv::TConformalCoefs Conformal = {C.dA, C.dB, C.dC, C.dF, 0, 0}; // without the inverse, which is not read
         iResult = nuv::ConformalCoefsToParam(Conformal, Shape.dSx, Shape.dRotation, dTx, dTy);
         Shape.dSy = Shape.dSx;
     }

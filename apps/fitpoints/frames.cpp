@@ -46,8 +46,8 @@ double LocalOrigin(const std::vector<double>& a_vdValues, double a_dExtent)
     }
     const double dMean = a_vdValues[0] + dSum / static_cast<double>(a_vdValues.size());
     const double dExtent = Extent(a_vdValues) > 0 ? Extent(a_vdValues) : a_dExtent;
-    return RoundToPowerOfTen(dMean, static_cast<int>(std::floor(std::log10(dExtent)))) +
-           0.0; // + 0.0 turns -0.0 into 0.0
+    const int iExponent = static_cast<int>(std::floor(std::log10(dExtent)));
+    return RoundToPowerOfTen(dMean, iExponent) + 0.0; // + 0.0 turns -0.0 into 0.0
 }
 
 TOrigins LocalOrigins(const TArrays& a_Points)
@@ -106,10 +106,9 @@ bool ToOriginalFrame(const nuv::TOmographicParams& a_Local, const TOrigins& a_Or
     const long double dHy = a_Local.dH * dY0;
     const long double dW0 = 1 - dGx - dHy;
     const double dRounding = 4 * std::numeric_limits<double>::epsilon();
-    if (std::fabs(dW0) <=
-        dRounding * (1 + std::fabs(dGx) + std::fabs(dHy))) // G and H are rounded, so W0 has no right digit
+    if (std::fabs(dW0) <= dRounding * (1 + std::fabs(dGx) + std::fabs(dHy)))
     {
-        return false;
+        return false; // G and H are rounded, so W0 has no right digit
     }
     const auto Linear = [&](double a_dLocal, double a_dOrigin, double a_dDenominator)
     { return static_cast<double>((a_dLocal + static_cast<long double>(a_dOrigin) * a_dDenominator) / dW0); };

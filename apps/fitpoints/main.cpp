@@ -86,7 +86,7 @@ static void PrintWarnings(const TPoints& a_Points, const TFit& a_Fit)
     }
 }
 
-// What can fail comes first: the report is printed and the outputs are put in place after everything is written.
+// The report is printed and the outputs are put in place when nothing else can fail any more.
 static void Run(const TArguments& a_Arguments)
 {
     CheckArguments(a_Arguments);
@@ -121,7 +121,7 @@ int main(int a_iCount, char** a_vszArguments)
 {
     using namespace fitpoints;
     FillClosedDescriptors();
-    // A reader that is gone and a file that may not grow are then errors of write.
+    // Without these signals a reader that is gone and a limit of the file size are errors of write.
     std::signal(SIGPIPE, SIG_IGN);
     std::signal(SIGXFSZ, SIG_IGN);
     RemoveOutputsOnSignals();

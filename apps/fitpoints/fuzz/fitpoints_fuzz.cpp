@@ -1,4 +1,4 @@
-// fitpoints_fuzz.cpp: fitpoints on arbitrary files: what it reads, fits, reports, and tells gnuplot.
+// fitpoints_fuzz.cpp: lets fitpoints read, fit, report and draw arbitrary files.
 // Copyright (c) 2026 the nuv1math authors
 // SPDX-License-Identifier: MIT
 //
