@@ -53,8 +53,9 @@ def page(instructions, census, compiler):
     return f"""<!-- SPDX-License-Identifier: MIT -->
 # Cost on a processor without floating-point hardware
 
-The target `device_cost` of the preset `linux-armel` makes this page: soft-float ARM v5TE, g++ {compiler_version(compiler)} with its
-arithmetic helpers, {version_of("qemu-arm")}.
+The target `device_cost` of the preset `linux-armel` makes this page: soft-float ARM v5TE,
+g++ {compiler_version(compiler)} with its arithmetic helpers,
+{version_of("qemu-arm")}.
 
 - "Instructions" are those that one call executes, counted by the emulator. They are not cycles.
 - The columns from "add" to "others" count the double operations and the calls of the C library's functions.
