@@ -11,6 +11,7 @@
 #include <algorithm>
 #include <array>
 #include <cstdlib>
+#include <iterator>
 #include <random>
 #include <string>
 #include <vector>
@@ -110,6 +111,22 @@ static void AddAffineConversions()
                         { nuv::AffineUntransform(Affine(r), r[0], r[1], o[0], o[1]); });
 }
 
+// The same for coefficients that were made long before the call.
+template <class TOutput, class TCall> static void AddKeptConformal(const std::string& a_szName, TCall a_Call)
+{
+    const std::vector<TRecord> vRecords = MakeRecords();
+    std::vector<nuv::TConformalCoefs> vCoefs;
+    std::transform(vRecords.begin(), vRecords.end(), std::back_inserter(vCoefs), Conformal);
+    Add(a_szName + ", coefficients kept", RECORDS,
+        [=, vOutputs = std::vector<TOutput>(RECORDS)]() mutable
+        {
+            for (int i = 0; i < RECORDS; ++i)
+            {
+                a_Call(vCoefs[i], vOutputs[i]);
+            }
+        });
+}
+
 static void AddConformalConversions()
 {
     AddRecords<nuv::TConformalCoefs>("ConformalParamsToCoefs", [](const TRecord& r, nuv::TConformalCoefs& a_Out)
@@ -120,6 +137,12 @@ static void AddConformalConversions()
                                      { nuv::ConformalCoefsToInvCoefs(Conformal(r), a_Out); });
     AddRecords<nuv::TAffineCoefs>("ConformalCoefsToAffineCoefs", [](const TRecord& r, nuv::TAffineCoefs& a_Out)
                                   { nuv::ConformalCoefsToAffineCoefs(Conformal(r), a_Out); });
+}
+
+static void AddKeptConversions()
+{
+    AddKeptConformal<nuv::TConformalCoefs>("ConformalCoefsToInvCoefs", nuv::ConformalCoefsToInvCoefs);
+    AddKeptConformal<nuv::TAffineCoefs>("ConformalCoefsToAffineCoefs", nuv::ConformalCoefsToAffineCoefs);
 }
 
 // A fit of n points to a_Map. a_Fit takes the points and writes its output.
@@ -347,6 +370,7 @@ int main(int a_iArguments, char** a_vszArguments)
     bench::AddChoice("conformal, reversed", false, nuv::METHOD_CONFORMAL);
     bench::AddAffineConversions();
     bench::AddConformalConversions();
+    bench::AddKeptConversions();
     bench::AddLinearAlgebra();
     bench::AddEquations();
     bench::AddRandomNumbers();
