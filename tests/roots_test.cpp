@@ -55,7 +55,7 @@ void ExpectResult(const TValues& a_vdCoefficients, int a_iResult, double a_dTole
     EXPECT_EQ(a_iResult, Solve(a_vdCoefficients, a_dTolerance).iResult);
 }
 
-// The expected roots in ascending order, each to its own bound.
+// Expects these roots in ascending order, each within its own bound.
 void ExpectNear(const TValues& a_vdExpected, const TValues& a_vdBounds, TValues a_vdRoots)
 {
     ASSERT_EQ(a_vdExpected.size(), a_vdRoots.size());
@@ -71,7 +71,7 @@ void ExpectNear(const TValues& a_vdExpected, double a_dBound, const TValues& a_v
     ExpectNear(a_vdExpected, TValues(a_vdExpected.size(), a_dBound), a_vdRoots);
 }
 
-// Coefficients of the product of the factors x - r. long double keeps the products below the double rounding.
+// The coefficients of the product of the factors x - r. long double keeps the products below the rounding of double.
 TValues Multiply(const TValues& a_vdRoots)
 {
     std::vector<long double> vdProduct = {1.0L};
@@ -104,7 +104,8 @@ double Norm(const TValues& a_vdValues)
     return std::sqrt(dSum);
 }
 
-// Sum of the powers of |x| from 0 to n: what a change of every coefficient by at most 1 can change the value by.
+// The sum of the powers of |x| from 0 to n. The value changes by at most this if every coefficient changes by at most
+// 1.
 double SumPowers(std::size_t a_iDegree, double a_dX)
 {
     double dSum = 0.0;
@@ -115,8 +116,8 @@ double SumPowers(std::size_t a_iDegree, double a_dX)
     return dSum;
 }
 
-// The eigenvalues are the exact roots of a polynomial whose coefficients differ by a small multiple of n eps |p|, p
-// monic (A. Edelman, H. Murakami, Math. Comp. 64 (1995) 763-776).
+// The computed roots are exact roots of a polynomial whose coefficients differ by a small multiple of n eps |p|, where
+// p is monic (A. Edelman, H. Murakami, Math. Comp. 64 (1995) 763-776).
 double BackwardError(const TValues& a_vdMonic)
 {
     return 10.0 * static_cast<double>(a_vdMonic.size()) * Epsilon * Norm(a_vdMonic);
@@ -212,7 +213,7 @@ TEST(Roots, MultiplyByTheReciprocalOfTheLeadingCoefficient)
     ExpectExactly({-49, -49}, {-std::nextafter(1.0, 0.0)});
 }
 
-// The greater magnitude comes first, the other one is the quotient of the product and it.
+// The root of greater magnitude comes first. The other one is the quotient of the product and it.
 TEST(Roots, OfDegree2ComeWithTheGreaterMagnitudeFirst)
 {
     ExpectExactly({1, -3, 2}, {2.0, 1.0});
@@ -222,7 +223,7 @@ TEST(Roots, OfDegree2ComeWithTheGreaterMagnitudeFirst)
     ExpectExactly({1, -2, 1}, {1.0, 1.0});
 }
 
-// Small against great: -b + sqrt(b^2 - 4ac) would lose the smaller root altogether.
+// The roots differ much in size: -b + sqrt(b^2 - 4ac) would lose the smaller one.
 TEST(Roots, OfDegree2AreNotCancelled)
 {
     ExpectNear({1e-8, 1e8}, {1e-23, 1e-7}, Solve({1, -(1e8 + 1e-8), 1}).vdRoots);
@@ -235,8 +236,8 @@ TEST(Roots, AComplexPairIsNoRoot)
     ExpectExactly({1, 0, 1, 0}, {0.0});
 }
 
-// Every quadratic with coefficients from -9 to 9: two roots if b^2 - 4ac >= 0, and none if not. Simple roots are as
-// exact as their condition allows; double ones (b^2 = 4ac) lie within the square root of the rounding.
+// Every quadratic with coefficients from -9 to 9 has two roots if b^2 - 4ac >= 0, and none otherwise. Simple roots are
+// as exact as their condition allows. Double roots (b^2 = 4ac) are within the square root of the rounding.
 TEST(Roots, OfAllSmallQuadraticsAreThoseOfTheFormula)
 {
     for (int a = -9; a <= 9; ++a)
@@ -304,7 +305,7 @@ TEST(Roots, TheZeroRootsComeFirst)
     ExpectNear({0.0, 1.0, 2.0, 3.0}, 1e-13, Result.vdRoots);
 }
 
-// All low degrees and some up to the greatest, because time grows with the cube; an emulated processor has fewer.
+// All low degrees and some up to the greatest, because the time grows with the cube. An emulated processor tries fewer.
 std::vector<std::size_t> MakeDegrees(std::size_t a_iLeast)
 {
     std::vector<std::size_t> viDegrees;
@@ -321,7 +322,7 @@ std::vector<std::size_t> MakeDegrees(std::size_t a_iLeast)
     return viDegrees;
 }
 
-// A permutation matrix, whose eigenvalues have the condition 1.
+// The companion matrix is a permutation matrix, whose eigenvalues have the condition 1.
 TEST(RootsSlow, OfUnityUpToDegree200)
 {
     for (std::size_t iDegree : MakeDegrees(1))
@@ -422,8 +423,8 @@ TEST(Roots, OfProductsOfRandomLinearFactors)
     }
 }
 
-// Complex eigenvalues come in pairs, so the number of real ones is even or odd like the degree; and every root solves
-// a polynomial close by.
+// Complex eigenvalues come in pairs, so the number of real ones is even or odd like the degree. Every root solves a
+// nearby polynomial.
 TEST(Roots, OfRandomPolynomialsSolveThem)
 {
     std::mt19937_64 Engine(2);
@@ -467,7 +468,8 @@ TEST(Roots, DoNotDependOnACommonPowerOf2)
     }
 }
 
-// Roots apart by twelve orders of magnitude, each to a few units in its own last place: balancing sees to that.
+// The roots are twelve orders of magnitude apart. Because of the balancing, each is right to a few units in its own
+// last place.
 TEST(Roots, OfVeryDifferentSizeAreExactEach)
 {
     const TValues vdExpected = {1e-6, 1.0, 1e6};
@@ -477,7 +479,8 @@ TEST(Roots, OfVeryDifferentSizeAreExactEach)
 
 // --- Multiple roots
 
-// A perturbation of eps splits a k-fold root into k at a distance of the k-th root of eps (times a small constant).
+// A perturbation of eps splits a k-fold root into k roots at a distance of the k-th root of eps (times a small
+// constant).
 TEST(Roots, AMultipleRootIsReportedAsOftenAsItOccursWithinAWideTolerance)
 {
     for (double dRoot : {1.0, -1.0, 0.5, -3.0, 2.7})
@@ -492,7 +495,7 @@ TEST(Roots, AMultipleRootIsReportedAsOftenAsItOccursWithinAWideTolerance)
     }
 }
 
-// A double root splits by about 1e-8, whether into two reals or into a pair: twice within 1e-6 either way.
+// A double root splits by about 1e-8 into two real roots or into a pair. Within 1e-6 it is reported twice either way.
 TEST(Roots, ADoubleRootIsReportedTwice)
 {
     for (double dRoot : {1.0, -1.0, 0.1, 0.3, -0.7, 2.7, 3.3})
@@ -503,7 +506,8 @@ TEST(Roots, ADoubleRootIsReportedTwice)
     }
 }
 
-// A triple root splits by about 1e-5 into one real and a pair: the pair is outside 1e-6 and inside 1e-4.
+// A triple root splits by about 1e-5 into a real root and a pair. The pair is outside the tolerance 1e-6 and inside
+// 1e-4.
 TEST(Roots, TheToleranceDecidesAboutATripleRoot)
 {
     EXPECT_EQ(1, Solve({1, -3, 3, -1}, 1e-6).iResult);
@@ -512,8 +516,8 @@ TEST(Roots, TheToleranceDecidesAboutATripleRoot)
 
 // --- The iteration gives up
 
-// Both double roots of x^4 - 2x^2 + 1 are missed, and the complex ones of x^4 + 2x^2 + 1 are not made up. What was not
-// found passes no tolerance, not even an infinite one.
+// Both double roots of x^4 - 2x^2 + 1 are missed, and none are invented for x^4 + 2x^2 + 1. Not even an infinite
+// tolerance reports an eigenvalue that was not found.
 TEST(Roots, ThatTheIterationDoesNotFindAreNotReported)
 {
     for (double dTolerance : {Usual, 1e300, Inf})
@@ -525,8 +529,8 @@ TEST(Roots, ThatTheIterationDoesNotFindAreNotReported)
     }
 }
 
-// x^8 - 4x^6 + 3x^4 + 4x^2 - 4 = (x^4 - 1)(x^2 - 2)^2: 1 and -1 split off first, then the iteration is stuck. The roots
-// of 2 and their negatives, twice each, are missing.
+// x^8 - 4x^6 + 3x^4 + 4x^2 - 4 = (x^4 - 1)(x^2 - 2)^2: 1 and -1 split off first, then the iteration does not converge.
+// The roots sqrt(2) and -sqrt(2), twice each, are missing.
 TEST(Roots, ThatTheIterationFoundBeforeItGaveUpAreReported)
 {
     const TValues vdCoefficients = {1, 0, -4, 0, 3, 0, 4, 0, -4};
@@ -538,16 +542,17 @@ TEST(Roots, ThatTheIterationFoundBeforeItGaveUpAreReported)
     }
 }
 
-// x^6 - 3x^4 + 4 = (x^2 + 1)(x^2 - 2)^2: here the complex pair is what splits off first.
+// x^6 - 3x^4 + 4 = (x^2 + 1)(x^2 - 2)^2: here the complex pair splits off first.
 TEST(Roots, ThatTheIterationFoundBeforeItGaveUpCanAllBeComplex)
 {
     ExpectExactly({1, 0, -3, 0, 0, 0, 4}, {});
     ExpectExactly({1, 0, -3, 0, 0, 0, 4}, {0.0, 0.0}, Inf);
 }
 
-// On the edge of what thirty iterations with exceptional shifts at the tenth and twentieth find: one iteration more or
-// less, or another shift, and the outcome is the opposite. Worked out by a second program, written from the description
-// of the method. An infinite tolerance counts all eigenvalues that were found.
+// Thirty iterations with exceptional shifts at the tenth and the twentieth just find or just miss these roots. With one
+// iteration more or less, or with another shift, the result would be the opposite. The expected results are from a
+// second program, written from the description of the method. An infinite tolerance counts all eigenvalues that were
+// found.
 TEST(Roots, TheIterationsAndTheirShiftsDecideWhatIsFound)
 {
     for (const TValues& vdFound : {TValues{1, 0, -4, 0, 4},
@@ -568,8 +573,8 @@ TEST(Roots, TheIterationsAndTheirShiftsDecideWhatIsFound)
     }
 }
 
-// Bits of that second program, where the two exceptional shifts, and then a block that splits off and is joined again
-// later, are in them.
+// Bits from that second program. They depend on the two exceptional shifts, and on a block that splits off and is
+// joined again later.
 TEST(Roots, TheOrderOfTheOperationsDecidesTheBits)
 {
     ExpectExactly({1, 0, -4, 0, 4},
@@ -595,7 +600,7 @@ TEST(Roots, OfDegree1FollowTheArithmeticOfInfinityAndNaN)
     ExpectExactly({NaN, 0}, {0.0});
 }
 
-// Termination, and no write beyond the room for the degree.
+// Expects that the call ends and writes nothing beyond the room for the degree.
 TEST(Roots, OfNaNAndInfiniteCoefficientsEnd)
 {
     for (double dSpecial : {NaN, Inf, -Inf})
@@ -614,7 +619,7 @@ TEST(Roots, OfNaNAndInfiniteCoefficientsEnd)
     }
 }
 
-// A complex pair is not a number where its matrix is not: it never passes.
+// If the matrix contains NaN, a complex pair is NaN too and never passes the tolerance.
 TEST(Roots, OfDegree2WithNaNAreNone)
 {
     ExpectExactly({1, NaN, 1}, {}, Inf);
@@ -622,7 +627,7 @@ TEST(Roots, OfDegree2WithNaNAreNone)
     ExpectExactly({NaN, 1, 1}, {}, Inf);
 }
 
-// 1e300/1e-12 is infinite: a column norm that no halving brings into range.
+// 1e300/1e-12 is infinite, and halving does not make the norm of that column finite.
 TEST(Roots, OfCoefficientsWhoseQuotientOverflowsEnd)
 {
     ExpectExactly({1e-12, 3, 1e300}, {});
@@ -635,7 +640,7 @@ TEST(Roots, OfCoefficientsWhoseQuotientOverflowsEnd)
     }
 }
 
-// x^2 = 2^1000 and x^2 = 2^-1000: no square over- or underflows on the way.
+// x^2 = 2^1000 and x^2 = 2^-1000: no square overflows or underflows.
 TEST(Roots, OfExtremeSizeAreExact)
 {
     ExpectExactly({1, 0, -std::ldexp(1.0, 1000)}, {std::ldexp(1.0, 500), -std::ldexp(1.0, 500)});

@@ -37,7 +37,7 @@ void ExpectMeans(const std::vector<TMeanCase>& a_Cases)
     }
 }
 
-// The looks at the bits beside the comparisons that they stand for.
+// Tests that look at bits, beside the comparisons that they replace.
 TEST(Bits, TellWhatComparisonsTell)
 {
     const double dEpsilon = std::numeric_limits<double>::epsilon();
@@ -59,7 +59,7 @@ TEST(Bits, TellWhatComparisonsTell)
     }
 }
 
-// Sizes that wrap around to 0 or little must not be asked of the allocator.
+// A size that overflows to 0 or to a small number must not reach the allocator.
 TEST(AllocateArray, RefusesWhatSizesCannotCount)
 {
     const std::size_t iMost = std::numeric_limits<std::size_t>::max() / sizeof(double); // whose size still fits
@@ -178,8 +178,8 @@ TEST(CalcHypot, OfValuesWhoseSquaresOverflowOrVanishIsFiniteAndNotZero)
                  {Subnormal, 1.0, 1.0}});
 }
 
-// Computed step by step in exact rational arithmetic, each step rounded once. sqrt(a a + b b) has another last bit:
-// ...f3, ...f6, ...e9.
+// The expected bits come from exact rational arithmetic with each step rounded once. sqrt(a a + b b) would end in
+// ...f3, ...f6 and ...e9.
 TEST(CalcHypot, MultipliesTheGreaterMagnitudeByTheRootOfTheRatioLast)
 {
     ExpectNorms({{2.0, 3.0, 0x1.cd82b446159f4p+1},
@@ -243,7 +243,7 @@ TEST(ReduceToPeriod, GivesZeroForNonNegativeMultiples)
     ExpectReductions({{0.0, TwoPi, 0.0}, {TwoPi, TwoPi, 0.0}, {2.0 * TwoPi, TwoPi, 0.0}, {3.0, 1.0, 0.0}});
 }
 
-// 1 - 2^-53 is the double below 1. 1 - 2^-54 is the middle between both and rounds to the even 1.
+// 1 - 2^-53 is the double below 1. 1 - 2^-54 is halfway between the two and rounds to the even 1.
 TEST(ReduceToPeriod, GivesThePeriodByRoundingForTinyNegativeValues)
 {
     ExpectReductions({{-1e-20, TwoPi, TwoPi},

@@ -17,7 +17,7 @@ using nuv::METHOD_CONFORMAL;
 using nuv::METHOD_OMOGRAPHIC;
 using nuv::TOmographicParams;
 
-// What a call leaves behind. iUsed is -1 where a_Used was not written.
+// The result and the outputs of a call. iUsed is -1 if a_Used was not written.
 struct TChoice
 {
     bool bResult;
@@ -27,7 +27,7 @@ struct TChoice
 
 const int NotWritten = -1;
 
-// CalcCoefs with the request as an int.
+// Calls CalcCoefs with the requested kind as an int.
 bool CallCalcCoefs(int a_iPoints, const TControlPoints& a_Points, bool a_bSameOrientation, int a_iRequested,
                    enumMethodUsed& a_Used, TOmographicParams& a_Params)
 {
@@ -40,8 +40,8 @@ bool CallCalcCoefs(int a_iPoints, const TControlPoints& a_Points, bool a_bSameOr
         return nuv::CalcCoefs(a_iPoints, vdX, vdY, vdXa, vdYa, a_bSameOrientation,
                               static_cast<enumMethodUsed>(a_iRequested), a_Used, a_Params);
     }
-    // No C++ expression has such a value of the enumeration, but callers in other languages pass an int. This is their
-    // call: the enumeration is passed as one.
+    // No C++ expression has such a value of the enumeration, but callers in other languages pass an int. This call
+    // passes the enumeration in the same way as they do.
     using TCalcCoefs = bool (*)(int, const double*, const double*, const double*, const double*, bool, int,
                                 enumMethodUsed&, TOmographicParams&);
     const auto Call = reinterpret_cast<TCalcCoefs>(reinterpret_cast<void (*)()>(&nuv::CalcCoefs));
@@ -78,7 +78,7 @@ void ExpectFailed(const TOmographicParams& a_Params, const TChoice& a_Choice)
     EXPECT_TRUE(SameRecord(a_Params, a_Choice.Params));
 }
 
-// The kinds on their own, as records of the common form.
+// The fits of the single kinds, as records of the common form.
 TOmographicParams Omographic(const TControlPoints& a_Points)
 {
     TOmographicParams Params = Filled<TOmographicParams>();
@@ -100,7 +100,7 @@ TOmographicParams Conformal(const TControlPoints& a_Points)
     return {C.dA, C.dB, C.dTx, -C.dB, C.dA, C.dTy, 0.0, 0.0};
 }
 
-// The first a_iCount points of six, of which no three are on one line and no two of the three kinds fit alike.
+// The first a_iCount of six points. No three of them are on one line, and no two of the three kinds give the same fit.
 TControlPoints General(int a_iCount)
 {
     TControlPoints Points = {{0.0, 4.0, 5.0, 1.0, 2.0, 3.0},
@@ -114,8 +114,8 @@ TControlPoints General(int a_iCount)
     return Points;
 }
 
-// Four points around the origin, of which all sums of the affine and the conformal fit are exact, and the coefficients
-// themselves for targets a x + b y, d x + e y with a, b, d, e of a few digits.
+// Four points around the origin. All sums of the affine and the conformal fit are exact for them, and so are the
+// coefficients for targets a x + b y, d x + e y if a, b, d, e have few digits.
 const std::vector<double> CrossX = {-1.0, 1.0, 1.0, -1.0};
 const std::vector<double> CrossY = {-1.0, -1.0, 1.0, 1.0};
 
@@ -248,7 +248,7 @@ TEST(CalcCoefs, TheOrientationReversingSimilarityOfTwoPointsByHand)
 
 TEST(CalcCoefs, AMirrorImageIsFittedExactlyByTheReversingSimilarityOnly)
 {
-    // X = 2x + 3y, Y = 3x - 2y; dF is the negative of a zero. The keeping similarity has nothing to keep: A = B = 0.
+    // X = 2x + 3y, Y = 3x - 2y. dF is the negative of a zero. The similarity that keeps the orientation has A = B = 0.
     const TControlPoints Points = LinearImage(2.0, 3.0, 3.0, -2.0);
     ExpectChosen(METHOD_CONFORMAL, {2.0, 3.0, 0.0, 3.0, -2.0, -0.0, 0.0, 0.0}, Choose(Points, METHOD_CONFORMAL, false));
     ExpectChosen(METHOD_CONFORMAL, {0.0, 0.0, 0.0, -0.0, 0.0, 0.0, 0.0, 0.0}, Choose(Points, METHOD_CONFORMAL, true));
@@ -324,13 +324,13 @@ TEST(CalcCoefs, AnAffineDeterminantBesideTheToleranceIsUsed)
 
 TEST(CalcCoefs, TheDeterminantIsThatOfBothProducts)
 {
-    // ea - db: (3)(2) - (6)(1) = 0 is rejected; only one product, or their sum, would not be.
+    // ea - db = (3)(2) - (6)(1) = 0 is rejected. A single product, or the sum of both, would not be 0.
     const TControlPoints Collapsed = LinearImage(2.0, 1.0, 6.0, 3.0);
     ExpectChosen(METHOD_CONFORMAL, Conformal(Collapsed), Choose(Collapsed, METHOD_AFFINE));
     // (0)(0) - (1)(1) = -1 is used.
     ExpectChosen(METHOD_AFFINE, {0.0, 1.0, 0.0, 1.0, 0.0, 0.0, 0.0, 0.0},
                  Choose(LinearImage(0.0, 1.0, 1.0, 0.0), METHOD_AFFINE));
-    // (1)(-1) - (1)(-1) = 0 is rejected, the sum of the products would not be.
+    // (1)(-1) - (1)(-1) = 0 is rejected. The sum of the products would not be 0.
     const TControlPoints Line = LinearImage(1.0, 1.0, -1.0, -1.0);
     ExpectChosen(METHOD_CONFORMAL, Conformal(Line), Choose(Line, METHOD_AFFINE));
 }
@@ -358,8 +358,8 @@ TEST(CalcCoefs, AnInfiniteDeterminantIsUsed)
 
 TEST(CalcCoefs, EightNotANumbersOfASquareWhoseOriginGoesToInfinityLeadToTheNextUsableKind)
 {
-    // X = x/y, Y = 1/y: the omographic fit has no record for it, and the affine one gives X = 0, Y = y, a determinant
-    // of 0. Conformal: A = (0 + 4)/8, no rotation.
+    // X = x/y, Y = 1/y: no omographic record can express it. The affine fit gives X = 0, Y = y with the determinant 0.
+    // The conformal fit gives A = (0 + 4)/8 and no rotation.
     const TControlPoints Collapsed = {CrossX, CrossY, {1.0, -1.0, 1.0, -1.0}, {-1.0, -1.0, 1.0, 1.0}};
     ASSERT_TRUE(SameRecord(Filled<TOmographicParams>(NaN), Omographic(Collapsed)));
     ExpectChosen(METHOD_CONFORMAL, {0.5, 0.0, 0.0, -0.0, 0.5, 0.0, 0.0, 0.0}, Choose(Collapsed, METHOD_OMOGRAPHIC));
@@ -388,11 +388,11 @@ TEST(CalcCoefs, OneInfiniteCoefficientIsEnoughToRejectTheOmographicKind)
     {
         ASSERT_TRUE(std::isfinite(dValue));
     }
-    // The affine fit overflows as well: its determinant is not a number, which is no zero.
+    // The affine fit overflows as well. Its determinant is NaN, which does not count as zero.
     ExpectChosen(METHOD_AFFINE, Affine(Points), Choose(Points, METHOD_OMOGRAPHIC));
 }
 
-// Coefficients beside the greatest double that a correction takes over it, the first one staying finite.
+// Coefficients close to the greatest double: a correction makes one overflow, and the first one stays finite.
 TEST(CalcCoefs, EachCoefficientThatOverflowsByItsCorrectionIsEnough)
 {
     struct TCase
@@ -442,7 +442,7 @@ TEST(CalcCoefs, EachCoefficientThatOverflowsByItsCorrectionIsEnough)
 
 TEST(CalcCoefs, AnIndeterminateOmographicFitLeadsToTheAffineKindWhoseRecordReplacesTheLeftOvers)
 {
-    // Three points, one of them twice: no eight coefficients, but six.
+    // Three different points, one of them twice: they do not determine eight coefficients, but they determine six.
     const TControlPoints Points = {
         {0.0, 1.0, 0.0, 0.0}, {0.0, 0.0, 1.0, 0.0}, {10.0, 12.0, 10.0, 10.0}, {20.0, 20.0, 23.0, 20.0}};
     auto LeftOvers = Filled<TOmographicParams>();
@@ -456,7 +456,7 @@ TEST(CalcCoefs, AnIndeterminateOmographicFitLeadsToTheAffineKindWhoseRecordRepla
 
 TEST(CalcCoefs, LargeOffsetsCanCostTheOmographicKindSilentlyOrLeadToTheAffineOne)
 {
-    // An exact projective image of a grid of extent 10, moved by the offset: see the limits of the fit.
+    // An exact projective image of a grid of extent 10 at a large offset: see the limits of the fit.
     const auto Grid = [](double a_dOffset)
     {
         TControlPoints Points;
@@ -518,12 +518,12 @@ TEST(CalcCoefs, ANotFiniteCoordinateIsASuccessWithNotANumbersInTheConformalKind)
     {
         for (double dValue : {NaN, Inf, -Inf})
         {
-            // In the source everything is lost.
+            // In the source it spoils every coefficient.
             TControlPoints Points = General(3);
             Points.vdX[1] = dValue;
             ExpectChosen(METHOD_CONFORMAL, {NaN, NaN, NaN, NaN, NaN, NaN, 0.0, 0.0},
                          Choose(Points, METHOD_CONFORMAL, bSameOrientation));
-            // In the target too: A and B come from both target coordinates.
+            // And in the target too: A and B depend on both target coordinates.
             Points = General(3);
             Points.vdYa[1] = dValue;
             ExpectChosen(METHOD_CONFORMAL, {NaN, NaN, NaN, NaN, NaN, NaN, 0.0, 0.0},

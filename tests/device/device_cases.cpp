@@ -256,6 +256,8 @@ struct TScratch
 
 const auto Nothing = [] {};
 
+constexpr double FitNoise = 0.5;
+
 class TCases
 {
 public:
@@ -274,8 +276,12 @@ public:
     }
 
     void Conversions();
+    void AffineFitOf(int n, int a_iBudget);
+    void ConformalFitOf(int n, int a_iBudget);
+    void OmographicFitOf(int n, double a_dNoise, int a_iRefinements, int a_iBudget);
     void Fits();
     void Cholesky();
+    void NormalEquations();
     void Equations();
     void Random();
 
@@ -309,52 +315,57 @@ void TCases::Conversions()
            [s] { nuv::AffineCoefsToOmographicCoefs(s->Affine, s->Omographic); });
 }
 
+std::string CountText(int n)
+{
+    return "n = " + std::to_string(n);
+}
+
+void TCases::AffineFitOf(int n, int a_iBudget)
+{
+    const auto s = Scratch(Points(n, FitNoise));
+    const TControlPoints& p = s->Points;
+    Insert("CalcAffineCoefs", CountText(n), AffineFit(n), a_iBudget,
+           [=, &p]
+           {
+               nuv::CalcAffineCoefs(static_cast<unsigned int>(n), p.vdX.data(), p.vdY.data(), p.vdXa.data(),
+                                    p.vdYa.data(), s->AffineOut);
+           });
+}
+
+void TCases::ConformalFitOf(int n, int a_iBudget)
+{
+    const auto s = Scratch(Points(n, FitNoise));
+    const TControlPoints& p = s->Points;
+    Insert("CalcConformalCoefs", CountText(n), ConformalFit(n), a_iBudget,
+           [=, &p]
+           {
+               nuv::CalcConformalCoefs(static_cast<unsigned int>(n), p.vdX.data(), p.vdY.data(), p.vdXa.data(),
+                                       p.vdYa.data(), false, s->ConformalOut);
+           });
+}
+
+// The number of refinements follows from the points. It is 1 if the linear solution is exact but for rounding; for other
+// points tests/tools/reference.py gives it in exact arithmetic.
+void TCases::OmographicFitOf(int n, double a_dNoise, int a_iRefinements, int a_iBudget)
+{
+    const auto s = Scratch(Points(n, a_dNoise));
+    const TControlPoints& p = s->Points;
+    Insert("CalcOmographicCoefs", CountText(n), OmographicFit(n, a_iRefinements), a_iBudget,
+           [=, &p]
+           { nuv::CalcOmographicCoefs(n, p.vdX.data(), p.vdY.data(), p.vdXa.data(), p.vdYa.data(), s->Omographic); });
+}
+
 void TCases::Fits()
 {
-    const double Noise = 0.5;
-    const auto Text = [](int n) { return "n = " + std::to_string(n); };
-    const auto Affine = [&](int n, int a_iBudget)
-    {
-        const auto s = Scratch(Points(n, Noise));
-        const TControlPoints& p = s->Points;
-        Insert("CalcAffineCoefs", Text(n), AffineFit(n), a_iBudget,
-               [=, &p]
-               {
-                   nuv::CalcAffineCoefs(static_cast<unsigned int>(n), p.vdX.data(), p.vdY.data(), p.vdXa.data(),
-                                        p.vdYa.data(), s->AffineOut);
-               });
-    };
-    Affine(3, 12000);
-    Affine(10, 23000);
-    Affine(100, 161000);
-    const auto Conformal = [&](int n, int a_iBudget)
-    {
-        const auto s = Scratch(Points(n, Noise));
-        const TControlPoints& p = s->Points;
-        Insert("CalcConformalCoefs", Text(n), ConformalFit(n), a_iBudget,
-               [=, &p]
-               {
-                   nuv::CalcConformalCoefs(static_cast<unsigned int>(n), p.vdX.data(), p.vdY.data(), p.vdXa.data(),
-                                           p.vdYa.data(), false, s->ConformalOut);
-               });
-    };
-    Conformal(2, 7840);
-    Conformal(10, 19400);
-    Conformal(100, 127000);
-    // The number of refinements follows from the points: 1 where the linear solution is exact but for rounding,
-    // otherwise as tests/tools/reference.py needs for the same points in exact arithmetic.
-    const auto Omographic = [&](int n, double a_dNoise, int a_iRefinements, int a_iBudget)
-    {
-        const auto s = Scratch(Points(n, a_dNoise));
-        const TControlPoints& p = s->Points;
-        Insert("CalcOmographicCoefs", Text(n), OmographicFit(n, a_iRefinements), a_iBudget,
-               [=, &p] {
-                   nuv::CalcOmographicCoefs(n, p.vdX.data(), p.vdY.data(), p.vdXa.data(), p.vdYa.data(), s->Omographic);
-               });
-    };
-    Omographic(4, 0.0, 1, 145000);
-    Omographic(10, 0.02, 3, 434000);
-    Omographic(100, 0.01, 2, 1820000);
+    AffineFitOf(3, 12000);
+    AffineFitOf(10, 23000);
+    AffineFitOf(100, 161000);
+    ConformalFitOf(2, 7840);
+    ConformalFitOf(10, 19400);
+    ConformalFitOf(100, 127000);
+    OmographicFitOf(4, 0.0, 1, 145000);
+    OmographicFitOf(10, 0.02, 3, 434000);
+    OmographicFitOf(100, 0.01, 2, 1820000);
     const auto s = Scratch(Points(5, 0.01));
     const TControlPoints& p = s->Points;
     Insert("CalcCoefs", "n = 5, omographic", OmographicFit(5, 2), 232000,
@@ -365,31 +376,41 @@ void TCases::Fits()
            });
 }
 
+constexpr int Unknowns = 8; // of the Cholesky functions and the normal equations
+
+// Gives the scratch this matrix and a vector.
+std::function<void()> Restore(const std::shared_ptr<TScratch>& s, const std::vector<double>& a_vdMatrix)
+{
+    return [s, a_vdMatrix]
+    {
+        s->vdMatrix = a_vdMatrix;
+        s->vdVector = TNumbers().Take(Unknowns);
+    };
+}
+
 void TCases::Cholesky()
 {
-    static const int n = 8;
+    static const int n = Unknowns;
     const auto s = Scratch();
-    const auto Restore = [s](const std::vector<double>& a_vdMatrix)
-    {
-        return [s, a_vdMatrix]
-        {
-            s->vdMatrix = a_vdMatrix;
-            s->vdVector = TNumbers().Take(n);
-        };
-    };
     Insert(
         "Cholesky", "n = 8", Factorisation(n), 36000, [s] { nuv::Cholesky(n, s->vdMatrix.data()); },
-        Restore(DenseMatrix(n)));
+        Restore(s, DenseMatrix(n)));
     Insert(
         "SolveChol", "n = 8", Solution(n), 16100, [s] { nuv::SolveChol(n, s->vdMatrix.data(), s->vdVector.data()); },
-        Restore(Factor(DenseMatrix(n), nuv::Cholesky, n)));
+        Restore(s, Factor(DenseMatrix(n), nuv::Cholesky, n)));
     Insert(
         "CholeskyLowTri", "n = 8", Factorisation(n), 36000, [s] { nuv::CholeskyLowTri(n, s->vdMatrix.data()); },
-        Restore(PackedMatrix(n)));
+        Restore(s, PackedMatrix(n)));
     Insert(
         "SolveCholLowTri", "n = 8", Solution(n), 16100,
         [s] { nuv::SolveCholLowTri(n, s->vdMatrix.data(), s->vdVector.data()); },
-        Restore(Factor(PackedMatrix(n), nuv::CholeskyLowTri, n)));
+        Restore(s, Factor(PackedMatrix(n), nuv::CholeskyLowTri, n)));
+}
+
+void TCases::NormalEquations()
+{
+    static const int n = Unknowns;
+    const auto s = Scratch();
     const auto Dense = [&](const char* a_szInput, int a_iFirst, int a_iZeros, int a_iBudget)
     {
         std::vector<double> vdRow = TNumbers().Take(n);
@@ -397,7 +418,7 @@ void TCases::Cholesky()
         Insert(
             "UpdateNormMatrixLowTri, dense", a_szInput, Update(n - a_iZeros), a_iBudget,
             [s, vdRow] { nuv::UpdateNormMatrixLowTri(n, s->vdMatrix.data(), s->vdVector.data(), vdRow.data(), 0.7); },
-            Restore(PackedMatrix(n)));
+            Restore(s, PackedMatrix(n)));
     };
     Dense("n = 8", 0, 0, 5020);
     Dense("n = 8, three zeros", 3, 3, 2940);
@@ -411,7 +432,7 @@ void TCases::Cholesky()
             nuv::UpdateNormMatrixLowTri(n, s->vdMatrix.data(), s->vdVector.data(), 5, vdValues.data(), viIndices.data(),
                                         0.7);
         },
-        Restore(PackedMatrix(n)));
+        Restore(s, PackedMatrix(n)));
     const auto Init = [s] { nuv::InitCholLowTri(n, &s->pMatrix, &s->pVector); };
     const auto Delete = [s]
     {
@@ -489,6 +510,7 @@ std::vector<TDeviceCase> DeviceCases()
     Cases.Conversions();
     Cases.Fits();
     Cases.Cholesky();
+    Cases.NormalEquations();
     Cases.Equations();
     Cases.Random();
     return Cases.m_Cases;

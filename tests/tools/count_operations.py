@@ -2,9 +2,11 @@
 # count_operations.py: the double operations that the roots of a polynomial require, counted in the exact reference.
 # Copyright (c) 2026 the nuv1math authors
 # SPDX-License-Identifier: MIT
-"""How many iterations the roots of a polynomial take depends on its coefficients, so that no formula gives the count
-of operations. The reference performs the same ones in exact arithmetic; here they are counted. Comparisons are more
-than the library makes: the reference asks some things twice, and the library answers some by looking at bits.
+"""Counts the double operations of the roots of a polynomial.
+
+The number of iterations depends on the coefficients, so no formula gives the number of operations. The reference
+performs the same operations as the library in exact arithmetic, and this script counts them. It counts more comparisons
+than the library makes: the reference repeats some, and the library replaces some by tests of bits.
 
     python3 count_operations.py 1e-6 1 -3 2        tolerance, then the coefficients, the highest power first
 """
@@ -22,7 +24,7 @@ counts = Counter()
 
 
 def watch(owner, name, changes):
-    """Adds what changes(arguments) gives to the counts at each call of the function."""
+    """At each call of the function, adds changes(arguments) to the counts."""
     original = getattr(owner, name)
 
     def watched(*arguments):
@@ -36,7 +38,7 @@ def main():
     tolerance, *coefficients = (ExactDouble.from_float(float(text)) for text in sys.argv[1:])
     for name, kind in KINDS.items():
         watch(ExactDouble, name, lambda arguments, kind=kind: {kind: 1})
-    # A difference is a sum here, and so is a product by 2 in the library.
+    # Here a difference is a sum; in the library a product by 2 is one too.
     watch(ExactDouble, "__sub__", lambda arguments: {"add": -1})
     watch(ExactDouble, "__mul__", lambda arguments: {"mul": -1, "add": 1} if reference.TWO is arguments[1] else {})
     watch(reference, "sqrt", lambda arguments: {"sqrt": 1})

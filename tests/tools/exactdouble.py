@@ -2,10 +2,10 @@
 # exactdouble.py: IEC 559 (IEEE 754) binary64 arithmetic in integers alone, without the machine's floating-point unit.
 # Copyright (c) 2026 the nuv1math authors
 # SPDX-License-Identifier: MIT
-"""Doubles whose every operation is computed exactly and rounded once, to nearest, ties to even.
+"""Doubles whose operations are computed exactly and rounded once, to nearest, ties to even.
 
-A value is a sign, an integer mantissa and a power of two, so sums and products are exact integers before the one
-rounding; quotients and square roots carry a sticky bit that tells an exact result from one just above it.
+A value is a sign, an integer mantissa and a power of two. Sums and products are exact integers before they are rounded.
+Quotients and square roots have a sticky bit, which tells an exact result from one just above it.
 
     python3 exactdouble.py --self-check    compares many thousand operations with the machine's, bit for bit
 """
@@ -21,7 +21,7 @@ PRECISION = 53
 LEAST_EXPONENT = -1074
 EXPONENT_LIMIT = 1024
 
-# Values of the mantissa that stand for something else than a number.
+# Values of the mantissa that do not mean a number.
 _INFINITE = -1
 _NAN = -2
 
@@ -49,7 +49,7 @@ class ExactDouble:
 
     @staticmethod
     def from_float(value):
-        """The bits of a Python float, moved and not computed with."""
+        """The value with the bits of a Python float."""
         return ExactDouble.from_bits(struct.unpack("<Q", struct.pack("<d", value))[0])
 
     @staticmethod

@@ -23,9 +23,9 @@ INCREMENTS = (54773, 28411, 51349)
 MODULI = (259200, 134456, 243000)
 ENTRIES = 97
 
-# Seed and number of draws: the seed of the load; the plain ones; those about which the first remainder changes its
-# sign; a greater one; the ends of the range, of which the lower makes the difference overflow; and one whose draw 22 is
-# made of 0 and 124797, so that it shows the last bit of the second scale.
+# Seeds and numbers of draws: the seed that loading sets; small seeds; seeds around which the first remainder changes
+# its sign; a greater one; both ends of the range, of which the lower one makes the difference overflow; and a seed
+# whose draw 22 consists of 0 and 124797, which shows the last bit of the second scale.
 SEQUENCES = ((-1, 400), (0, 40), (1, 40), (12345, 300), (54773, 40), (54774, 40), (100000, 300),
              (2**31 - 1, 300), (-(2**31), 300), (-138462, 40))
 

@@ -8,18 +8,16 @@
     python3 make_ulp_vectors.py            writes tests/data/*.txt
     python3 make_ulp_vectors.py --check    makes them anew and fails if a file differs from the one that is there
 
-The format is that of make_vectors.py. What a routine computes by + - * / sqrt fmod alone is worked out as there,
-rounded operation by operation, and so is every decision; from the first elementary function on, 50 digits are carried.
-Such an output stands in the table as
+The format is that of make_vectors.py. Operations with + - * / sqrt fmod are rounded one by one as there, and so are
+all decisions. From the first elementary function on, 50 digits are carried. The table gives such an output as
 
     value,rest,unit
 
-with the double nearest to it, the part of a unit by which it is greater, and the unit, a power of two, in which an
-error counts: the last place of the value or, where the value is a sum that cancels, of its greatest term. That is the
-absolute floor: a term that is wrong in its last place leaves no better sum. Below the least normal number the unit is
-that of the least normal number, and so it is for whatever such a number was multiplied with. A sine, a cosine or a
-tangent has a floor of 2**-67 of its angle, because some platforms reduce with a pi of 66 bits: it shows only close to
-a zero or a pole.
+`value` is the nearest double, and the exact output is greater by `rest` units. Errors count in `unit`, a power of two:
+the last place of the value, or of its greatest term if the value is a sum that cancels, because a term that is wrong in
+its last place leaves no better sum. Below the least normal number the unit is that of the least normal number, also for
+products with such a number. A sine, cosine or tangent has an absolute error of at least 2**-67 of its angle, because
+some platforms reduce angles with a pi of 66 bits; it matters only close to a zero or a pole.
 """
 
 import argparse
@@ -145,7 +143,7 @@ def near(digits, greatest=0):
 
 
 def odd(function):
-    """An odd function that leaves a zero and a NaN as they are."""
+    """An odd function that returns a zero or NaN unchanged."""
 
     def value(x):
         return x if x.is_nan() or x == ZERO else Near(function(to_digits(x)))
@@ -350,14 +348,14 @@ def in_order(angles):
 
 
 def representative(group):
-    """The first of a group, whose members stand in an order that the last places decide: none of them is certain."""
+    """The first of a group whose order depends on the last places, so that no member is certain."""
     if all(isinstance(angle, ExactDouble) for angle in group):
         return group[0]
     return Near(to_digits(group[0]), max(greatest_of(angle) for angle in group)) if len(group) > 1 else group[0]
 
 
 class Undecided(Exception):
-    """A decision that the last places of the platform's functions would make."""
+    """A decision that depends on the last places of the platform's functions."""
 
 
 def is_duplicate(angle, first):
@@ -378,7 +376,7 @@ def distinct(angles):
 
 
 def solve_quad_trig(a, b, c, d, e, f):
-    """None for a case that the last places decide."""
+    """None for a case that depends on the last places."""
     raw = quad_trig_raw(a, b, c, d, e, f)
     if isinstance(raw, int) or len(raw) < 2:
         return in_room(raw, 4)

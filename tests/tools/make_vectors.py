@@ -7,14 +7,14 @@
     python3 make_vectors.py            writes tests/data/*.txt
     python3 make_vectors.py --check    makes them anew and fails if a file differs from the one that is there
 
-Format. A line that starts with # is a comment and says how the next case was made. Every other line is one case:
+Format. A line that starts with # is a comment on the next case. Every other line is one case:
 
     input input ... | output output ...
 
-The tokens stand between single blanks in the order of the routine's arguments (arrays element by element, their
-length given by the counts before them); the result code, if there is one, is the first output. Whole numbers are
-decimal, doubles hexadecimal (0x1.8p+1, inf, -inf, nan). An output '-' must be left untouched. Arrays that are changed
-in place stand among the inputs with their contents before the call and among the outputs with those after it.
+Single blanks separate the tokens, which have the order of the routine's arguments. Arrays are given element by
+element, and the counts before them give their length. The result code, if there is one, is the first output. Whole
+numbers are decimal, doubles hexadecimal (0x1.8p+1, inf, -inf, nan). An output '-' must not be written. Arrays that are
+changed in place are inputs with their contents before the call, and outputs with their contents after it.
 
 Sections. friendly: small numbers and text-book cases; random; near-singular: at the tolerances and close to
 degeneracy; special: zeros, infinities, NaN, subnormal and greatest numbers; order: inputs on which a named wrong order

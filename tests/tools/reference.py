@@ -1,11 +1,11 @@
 # reference.py: the routines of the library over exact arithmetic, and named wrong orders of operations.
 # Copyright (c) 2026 the nuv1math authors
 # SPDX-License-Identifier: MIT
-"""An independent statement of what each routine computes, operation by operation.
+"""An independent implementation of each routine, operation by operation.
 
-Every routine returns its results as a list: integers, ExactDouble, and None for an output that stays untouched. Inside
-`with deviation(name):` the routines take the named wrong order instead. A case on which that changes a bit proves
-that the library does not take it.
+Every routine returns its results as a list: integers, ExactDouble, and None for an output that is not written. Inside
+`with deviation(name):` the routines use the named wrong order instead. If that changes a bit of a case, the case proves
+that the library does not use that order.
 """
 
 import contextlib
@@ -564,7 +564,7 @@ def cholesky_low_tri(n, matrix):
 
 
 def cholesky_factor(n, matrix, at):
-    """Of a matrix whose element (i, j), j <= i, stands at at(i, j)."""
+    """For a matrix whose element (i, j), j <= i, has the index at(i, j)."""
     matrix = list(matrix)
     for i in range(n):
         s = cholesky_radicand(matrix, i, at)
@@ -642,12 +642,12 @@ def solve_chol(n, factor, vector):
 
 
 def matrix_rows(n, flat, stride):
-    """The rows of a matrix that stands column by column; rows and columns count from 1."""
+    """The rows of a matrix that is stored column by column. Rows and columns are counted from 1."""
     return [None] + [[None] + [flat[j * stride + i] for j in range(n)] for i in range(n)]
 
 
 def with_rows(n, flat, stride, a):
-    """The flat matrix with the elements of the rows; what stands between its columns is kept."""
+    """The flat matrix with the elements of the rows. The padding between its columns is kept."""
     flat = list(flat)
     for j in range(n):
         for i in range(n):
@@ -700,7 +700,7 @@ def balance_factor(cs, rs):
         f = f * TWO
         cs = cs * FOUR
     g = rs * TWO
-    # An infinite column would be halved for ever.
+    # Halving an infinite column would never end.
     while cs > g and cs != INFINITY:
         f = f * HALF
         cs = cs * QUARTER
@@ -865,7 +865,7 @@ def is_exceptional(steps):
 
 
 def exceptional_shift(a, l, nn, x):
-    """Subtracts x from the diagonal; the x, y and w that replace those of the last block."""
+    """Subtracts x from the diagonal and returns the x, y and w that replace those of the last block."""
     for i in range(l if deviates("exceptional-active-block") else 1, nn + 1):
         a[i][i] = a[i][i] - x
     s = abs(a[nn][nn - 1]) + abs(a[nn - 1][nn - 2])
@@ -987,7 +987,7 @@ def transform_columns(a, k, l, nn, three, factors, vector):
 
 
 def polynomial_roots(degree, coefficients, tolerance):
-    """The result and the room for `degree` roots. The coefficients stand in descending powers."""
+    """The result and the room for `degree` roots. The coefficients come in descending powers."""
     room = [None] * degree
     nonzero = [k for k in range(degree + 1) if coefficients[k] != ZERO]
     if not nonzero:

@@ -7,7 +7,7 @@
 #include "nuv1math.h"
 #include "support/child_process.h"
 #include "support/random_sequences.h"
-#include "testing.h"
+#include "support/expect.h"
 
 #include <cstdlib>
 #include <stdexcept>

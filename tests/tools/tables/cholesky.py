@@ -203,7 +203,7 @@ def dense_gram(source, values, surplus=1, least=1):
 
 
 def in_square(source, n, triangle):
-    """The square matrix of a packed triangle. Above the diagonal stands what must neither be read nor changed."""
+    """The square matrix of a packed triangle. What is above the diagonal must neither be read nor changed."""
     at = reference.dense(n)
     square = [source.choice([NAN, NAN, INFINITY, GREATEST, source.whole()]) for _ in range(n * n)]
     for i in range(n):

@@ -190,7 +190,7 @@ def add_eigenvalue_orders(table):
 
 
 def hessenberg_case(source, values, least=1, greatest=8):
-    """A Hessenberg matrix; what stands below its subdiagonal does not count."""
+    """A Hessenberg matrix. The elements below its subdiagonal have no meaning."""
     n, stride, flat = square_of(source, values, least, greatest)
     for column in range(n):
         for row in range(column + 2, n):

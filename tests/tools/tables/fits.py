@@ -69,6 +69,35 @@ def tall_points(source):
     return transposed(rows, 4)
 
 
+def add_conformal_orders(table):
+    def ordered(rigid, *names):
+        table.add_order(
+            lambda source: with_points(similar_points(source, source.integer(4, 9), source.choice([0, 5000])), rigid),
+            *names,
+        )
+
+    ordered(
+        0,
+        "conformal-fit-division",
+        "conformal-fit-separate-terms",
+        "conformal-fit-swapped-terms",
+        "conformal-fit-translation",
+        "conformal-fit-translation-y",
+        "conformal-fit-squared-scale",
+        "conformal-fit-inverse-b-division",
+        "conformal-fit-inverse-a-reciprocal",
+        "hypot-naive",
+        "hypot-reciprocal",
+        "fit-points-reversed",
+        "mean-reversed",
+        "mean-reciprocal",
+        "fma",
+        "fma-first",
+        "fma-second",
+    )
+    ordered(1, "conformal-fit-division", "conformal-fit-translation", "fma")
+
+
 def table_conformal_fit():
     table = Table(
         "CalcConformalCoefs",
@@ -97,33 +126,7 @@ def table_conformal_fit():
     add("special", 20, lambda source: special_points(source, source.integer(2, 6)))
     for exponent in (-540, 505, 512):
         add("special", 2, lambda source: scaled_points(similar_points(source, 4), exponent), "extreme units")
-
-    def ordered(rigid, *names):
-        table.add_order(
-            lambda source: with_points(similar_points(source, source.integer(4, 9), source.choice([0, 5000])), rigid),
-            *names,
-        )
-
-    ordered(
-        0,
-        "conformal-fit-division",
-        "conformal-fit-separate-terms",
-        "conformal-fit-swapped-terms",
-        "conformal-fit-translation",
-        "conformal-fit-translation-y",
-        "conformal-fit-squared-scale",
-        "conformal-fit-inverse-b-division",
-        "conformal-fit-inverse-a-reciprocal",
-        "hypot-naive",
-        "hypot-reciprocal",
-        "fit-points-reversed",
-        "mean-reversed",
-        "mean-reciprocal",
-        "fma",
-        "fma-first",
-        "fma-second",
-    )
-    ordered(1, "conformal-fit-division", "conformal-fit-translation", "fma")
+    add_conformal_orders(table)
     return table
 
 
@@ -185,32 +188,7 @@ def infinite_origin():
     return [x, y, [(value + ONE) / w for value, w in zip(x, divisors)], [value / w for value, w in zip(y, divisors)]]
 
 
-def table_selection():
-    table = Table(
-        "CalcCoefs", "n same_orientation requested x y X Y | result used dA dB dC dD dE dF dG dH", reference.calc_coefs
-    )
-
-    def add(section, count, maker, text=""):
-        for same in (1, 0):
-            for requested in (0, 1, 2):
-                table.add_made(section, count, lambda source: with_points(maker(source), same, requested), text)
-
-    for same in (1, 0):
-        table.add("friendly", [-1, same, 2] + [[]] * 4, "too few points")
-        table.add_made("friendly", 3, lambda source: with_points(small_points(source, 5), same, 3), "unknown kind")
-    for count in (0, 1):
-        add("friendly", 1, lambda source: small_points(source, count), "too few points")
-    for count in (2, 3, 4):
-        add("friendly", 2, lambda source: small_points(source, count))
-    add("random", 5, lambda source: similar_points(source, source.integer(2, 6)))
-    add("random", 3, lambda source: projective_points(source, source.integer(3, 7)))
-    add("near-singular", 2, lambda source: flat_points(source), "every target Y is 0")
-    add("near-singular", 3, lambda source: collapsed_points(source, source.integer(3, 6)), "the target on a line")
-    add("near-singular", 1, lambda source: collinear_points(source, source.integer(3, 6)), "the source on a line")
-    add("near-singular", 1, lambda source: [[source.whole()] * 5] * 2 + small_points(source, 5)[2:], "one source point")
-    add("near-singular", 1, lambda source: square_onto([3, 5, 5, 3], [0, 0, 0, 0]), "the unit square onto a line")
-    add("special", 5, lambda source: special_points(source, source.integer(2, 6)))
-
+def add_selection_orders(table):
     def ordered(requested, maker, *names):
         table.add_order(lambda source: with_points(maker(source), source.integer(0, 1), requested), *names)
 
@@ -236,6 +214,34 @@ def table_selection():
         "omographic-rows-swapped",
         "solve-backward-ascending",
     )
+
+
+def table_selection():
+    table = Table(
+        "CalcCoefs", "n same_orientation requested x y X Y | result used dA dB dC dD dE dF dG dH", reference.calc_coefs
+    )
+
+    def add(section, count, maker, text=""):
+        for same in (1, 0):
+            for requested in (0, 1, 2):
+                table.add_made(section, count, lambda source: with_points(maker(source), same, requested), text)
+
+    for same in (1, 0):
+        table.add("friendly", [-1, same, 2] + [[]] * 4, "too few points")
+        table.add_made("friendly", 3, lambda source: with_points(small_points(source, 5), same, 3), "unknown kind")
+    for count in (0, 1):
+        add("friendly", 1, lambda source: small_points(source, count), "too few points")
+    for count in (2, 3, 4):
+        add("friendly", 2, lambda source: small_points(source, count))
+    add("random", 5, lambda source: similar_points(source, source.integer(2, 6)))
+    add("random", 3, lambda source: projective_points(source, source.integer(3, 7)))
+    add("near-singular", 2, lambda source: flat_points(source), "every target Y is 0")
+    add("near-singular", 3, lambda source: collapsed_points(source, source.integer(3, 6)), "the target on a line")
+    add("near-singular", 1, lambda source: collinear_points(source, source.integer(3, 6)), "the source on a line")
+    add("near-singular", 1, lambda source: [[source.whole()] * 5] * 2 + small_points(source, 5)[2:], "one source point")
+    add("near-singular", 1, lambda source: square_onto([3, 5, 5, 3], [0, 0, 0, 0]), "the unit square onto a line")
+    add("special", 5, lambda source: special_points(source, source.integer(2, 6)))
+    add_selection_orders(table)
     return table
 
 

@@ -68,7 +68,7 @@ class Source(Sequence):
         return self.choice(SPECIALS + BANDS)
 
     def mixed(self, count):
-        """Ordinary numbers with a special one here and there."""
+        """Ordinary numbers, one in four a special one."""
         return [self.special() if self.integer(0, 3) == 0 else self.whole() for _ in range(count)]
 
 
@@ -95,7 +95,7 @@ class Table:
         return True
 
     def add_made(self, section, count, maker, text=""):
-        """`count` cases of what maker(source) gives; cases outside the routine's domain are passed over."""
+        """`count` cases of what maker(source) gives; cases outside the routine's domain are skipped."""
         added = 0
         while added < count:
             added += self.add(section, maker(self.source), text)
