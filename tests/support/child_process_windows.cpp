@@ -219,8 +219,16 @@ int NextStatement()
     return ++s_iStatement;
 }
 
+// Under wine the first process that needs the desktop starts the desktop's own process, which keeps the error output of
+// its starter open. If a child started it, ReadAll() would not see the end of the child's pipe.
+void StartDesktop()
+{
+    GetDesktopWindow();
+}
+
 HANDLE StartChild(const TPipe& a_Error, const TPipe& a_Boxes, int a_iStatement, int a_iAnswer)
 {
+    StartDesktop();
     SetEnvironmentVariableA(StatementVariable, std::to_string(a_iStatement).c_str());
     SetEnvironmentVariableA(AnswerVariable, std::to_string(a_iAnswer).c_str());
     SetEnvironmentVariableA(PipeVariable, std::to_string(reinterpret_cast<INT_PTR>(a_Boxes.Write)).c_str());
