@@ -10,7 +10,8 @@ A marker stands at the end of its line, or alone on the line above it:
 "host only"    other machines or other builds reach it.
 "equivalent"   some change of the line, of those that mutate.py makes, changes no result.
 
-The reason after the colon is required. A marker of an if covers its block too.
+The reason after the colon is required. A marker of an if covers its block too,
+and one above a function the whole function.
 
 Copyright (c) 2026 the nuv1math authors
 SPDX-License-Identifier: MIT
@@ -26,13 +27,16 @@ def indent_of(text):
 
 
 def lines_covered_by(texts, first):
-    """The numbers of the marked line and, if it is an if, of its block; lines are counted from 0."""
+    """The numbers of the marked line and of the block of an if, or of a function; lines are counted from 0."""
     while not texts[first].split("//")[0].strip():
         first += 1
     last = first
     if texts[first].strip().startswith("if (") and texts[first + 1].strip() == "{":
         last += 1
         while indent_of(texts[last]) != indent_of(texts[first]) or texts[last].strip()[:1] != "}":
+            last += 1
+    elif indent_of(texts[first]) == 0:  # a function, or a macro that makes some
+        while texts[last].strip() and texts[last] != "}":
             last += 1
     return range(first, last + 1)
 

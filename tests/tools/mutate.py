@@ -441,7 +441,7 @@ def wrong_survivors(results, complete):
     wrong = []
     for source in sorted({mutant.source for mutant, _ in results}):
         texts = source.read_text().splitlines()
-        excused = set().union(*markers_of(texts, "equivalent", "unreachable", "host only").values())
+        excused = set().union(*markers_of(texts, "equivalent", "unreachable").values())
         wrong += [f"{source.name}:{number}: a survivor without a marker" for number in survivors[source] - excused]
         if complete:
             wrong += [f"{source.name}:{number}: marked equivalent, but no mutant survives"

@@ -25,6 +25,7 @@ namespace nuv {
 // ---------------------------------------------------------------------------------------------------------------------
 
 // Rows i to i + LANES - 1. Row i begins at a_vdMatrix. Returns the start of the row behind.
+// host only: each processor runs the instance of one width
 template <typename TVector>
 static NUV_INLINE double* AddRowsTogetherBy(int i, double* __restrict a_vdMatrix, const double* __restrict a_vdRow)
 {
@@ -61,6 +62,7 @@ static NUV_INLINE double* AddRowsTogetherBy(int i, double* __restrict a_vdMatrix
 }
 
 // __restrict: the observation does not overlap the matrix.
+// host only: each processor runs the instance of one width
 template <typename TVector>
 static NUV_INLINE void AddRowsBy(int a_iUnknowns, double* __restrict a_vdMatrix, const double* __restrict a_vdRow)
 {
@@ -84,6 +86,7 @@ static NUV_INLINE void AddRowsBy(int a_iUnknowns, double* __restrict a_vdMatrix,
     }
 }
 
+// host only: the processor has one width of vectors
 NUV_BY_WIDTH(AddRows, (int a_iUnknowns, double* a_vdMatrix, const double* a_vdRow), (a_iUnknowns, a_vdMatrix, a_vdRow))
 
 void AddObservationByVectors(int a_iUnknowns, double* a_vdMatrix, double* a_vdVector, const double* a_vdRow,
@@ -167,6 +170,7 @@ struct TDiagonal
 } // namespace
 
 // The rows of a tile from a_iFirst on, as vectors, and back.
+// host only: each processor runs the instance of one width
 template <typename TVector, int ROWS, int VECTORS>
 static NUV_INLINE void LoadRows(const TTile& a_Tile, ptrdiff_t a_iFirst, TVector (&a_vvRest)[ROWS][VECTORS])
 {
@@ -179,6 +183,7 @@ static NUV_INLINE void LoadRows(const TTile& a_Tile, ptrdiff_t a_iFirst, TVector
     }
 }
 
+// host only: each processor runs the instance of one width
 template <typename TVector, int ROWS, int VECTORS>
 static NUV_INLINE void StoreRows(const TVector (&a_vvRest)[ROWS][VECTORS], ptrdiff_t a_iFirst, TTile& a_Tile)
 {
@@ -194,6 +199,7 @@ static NUV_INLINE void StoreRows(const TVector (&a_vvRest)[ROWS][VECTORS], ptrdi
 // Subtracts the products from the rows iFirst to iFirst + 2 LANES - 1 of a tile. As many sums fit the registers. A sum
 // waits for its own last difference; several independent sums together keep the adders busy. The sum of a diagonal
 // element advances beside them at little cost.
+// host only: each processor runs the instance of one width
 template <typename TVector, bool DIAGONAL>
 static NUV_INLINE void SubtractFromRowsBy(const TProducts& a_Products, ptrdiff_t a_iFirst, TTile& a_Tile,
                                           TDiagonal& a_Diagonal)
@@ -239,6 +245,7 @@ static NUV_INLINE void SubtractFromRowsBy(const TProducts& a_Products, ptrdiff_t
 }
 
 // Subtracts the products from the rows of a tile.
+// host only: each processor runs the instance of one width
 template <typename TVector> static NUV_INLINE void SubtractProductsBy(const TProducts& a_Products, TTile& a_Tile)
 {
     const int ROWS = 2 * sizeof(TVector) / sizeof(double);
@@ -249,9 +256,11 @@ template <typename TVector> static NUV_INLINE void SubtractProductsBy(const TPro
     }
 }
 
+// host only: the processor has one width of vectors
 NUV_BY_WIDTH(SubtractProducts, (const TProducts& a_Products, TTile& a_Tile), (a_Products, a_Tile))
 
 // The same, and the squares of a diagonal element beside the first rows.
+// host only: each processor runs the instance of one width
 template <typename TVector>
 static NUV_INLINE void SubtractProductsAndSquaresBy(const TProducts& a_Products, TTile& a_Tile, TDiagonal& a_Diagonal)
 {
@@ -264,6 +273,7 @@ static NUV_INLINE void SubtractProductsAndSquaresBy(const TProducts& a_Products,
     }
 }
 
+// host only: the processor has one width of vectors
 NUV_BY_WIDTH(SubtractProductsAndSquares, (const TProducts& a_Products, TTile& a_Tile, TDiagonal& a_Diagonal),
              (a_Products, a_Tile, a_Diagonal))
 
@@ -672,6 +682,7 @@ static NUV_INLINE void SubstituteBackwardBy(ptrdiff_t a_iN, const double* a_vdFa
     }
 }
 
+// host only: the processor has one width of vectors
 NUV_BY_WIDTH(SubstituteBackward, (ptrdiff_t a_iN, const double* a_vdFactor, double* a_vdVector),
              (a_iN, a_vdFactor, a_vdVector))
 
