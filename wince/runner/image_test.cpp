@@ -6,8 +6,8 @@
 #include "forward.h"
 #include "nuv1math.h"
 #include "support/child_process.h"
-#include "support/random_sequences.h"
 #include "support/expect.h"
+#include "support/random_sequences.h"
 
 #include <cstdlib>
 #include <stdexcept>
