@@ -97,6 +97,21 @@ void FormRows(const TControlPoints& a_Points, unsigned int i, const double* a_vd
     }
 }
 
+// Adds the two rows of point i to the normal equations.
+NUV_NOT_INLINE static void AddPointToEquations(const TControlPoints& a_Points, unsigned int i, const double* a_vdCoefs,
+                                               TOmographicSystem& a_System)
+{
+    double vdRow[ROW_VALUES];
+    FormRows(a_Points, i, a_vdCoefs, vdRow);
+    const double dP = vdRow[ROW_P];
+    const double dQ = vdRow[ROW_Q];
+    const double dR = vdRow[ROW_R];
+    const double vdX[OMOGRAPHIC_UNKNOWNS] = {dP, dQ, dR, 0.0, 0.0, 0.0, vdRow[ROW_XG], vdRow[ROW_XH]};
+    const double vdY[OMOGRAPHIC_UNKNOWNS] = {0.0, 0.0, 0.0, dP, dQ, dR, vdRow[ROW_YG], vdRow[ROW_YH]};
+    UpdateNormMatrixLowTri(OMOGRAPHIC_UNKNOWNS, a_System.vdMatrix, a_System.vdVector, vdX, vdRow[ROW_X0]);
+    UpdateNormMatrixLowTri(OMOGRAPHIC_UNKNOWNS, a_System.vdMatrix, a_System.vdVector, vdY, vdRow[ROW_Y0]);
+}
+
 // Sums up the normal equations: linear ones if a_vdCoefs is null, and otherwise those of a refinement at a_vdCoefs.
 static void FormEquations(const TControlPoints& a_Points, const double* a_vdCoefs, TOmographicSystem& a_System)
 {
@@ -107,15 +122,7 @@ static void FormEquations(const TControlPoints& a_Points, const double* a_vdCoef
     memset(&a_System, 0, sizeof a_System);
     for (unsigned int i = 0; i < a_Points.iCount; ++i)
     {
-        double vdRow[ROW_VALUES];
-        FormRows(a_Points, i, a_vdCoefs, vdRow);
-        const double dP = vdRow[ROW_P];
-        const double dQ = vdRow[ROW_Q];
-        const double dR = vdRow[ROW_R];
-        const double vdX[OMOGRAPHIC_UNKNOWNS] = {dP, dQ, dR, 0.0, 0.0, 0.0, vdRow[ROW_XG], vdRow[ROW_XH]};
-        const double vdY[OMOGRAPHIC_UNKNOWNS] = {0.0, 0.0, 0.0, dP, dQ, dR, vdRow[ROW_YG], vdRow[ROW_YH]};
-        UpdateNormMatrixLowTri(OMOGRAPHIC_UNKNOWNS, a_System.vdMatrix, a_System.vdVector, vdX, vdRow[ROW_X0]);
-        UpdateNormMatrixLowTri(OMOGRAPHIC_UNKNOWNS, a_System.vdMatrix, a_System.vdVector, vdY, vdRow[ROW_Y0]);
+        AddPointToEquations(a_Points, i, a_vdCoefs, a_System);
     }
 }
 
@@ -229,7 +236,7 @@ static bool TryAffine(const TControlPoints& a_Points, TOmographicParams& a_Param
 // The caller mirrors it back. a_Points has the mirrored coordinates during the fit, and is then as it was.
 static bool FitMirroredConformal(TControlPoints& a_Points, TConformalCoefs& a_Coefs)
 {
-    const double* const a_vdYa = a_Points.vdYa; // the report of the assertion shows this name
+    const double* const a_vdYa = a_Points.vdYa; // NOLINT: the report of the assertion shows this name
     double* const vdYa = AllocateDoubles(a_Points.iCount, 1);
     if (vdYa == NULL)
     {

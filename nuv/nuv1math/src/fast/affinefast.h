@@ -29,13 +29,13 @@ inline void CalcAffineSumsByPairs(const TControlPoints& a_Points, const TMeans& 
     {
         const double du = a_Points.vdX[i] - a_Means.dX;
         const double dv = a_Points.vdY[i] - a_Means.dY;
-        const TPair uv = {du, dv};
-        const TPair UV = {a_Points.vdXa[i] - a_Means.dXa, a_Points.vdYa[i] - a_Means.dYa};
-        SuuSuv = uv * du + SuuSuv;
-        SUuSVu = UV * du + SUuSVu;
-        SUvSVv = UV * dv + SUvSVv;
-        SuSv = uv + SuSv;
-        SUSV = UV + SUSV;
+        const TPair Source = {du, dv};
+        const TPair Target = {a_Points.vdXa[i] - a_Means.dXa, a_Points.vdYa[i] - a_Means.dYa};
+        SuuSuv = Source * du + SuuSuv;
+        SUuSVu = Target * du + SUuSVu;
+        SUvSVv = Target * dv + SUvSVv;
+        SuSv = Source + SuSv;
+        SUSV = Target + SUSV;
         dSvv = dv * dv + dSvv;
     }
     a_Sums.dSuu = SuuSuv[0];

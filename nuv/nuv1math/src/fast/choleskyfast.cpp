@@ -176,9 +176,9 @@ static NUV_INLINE void LoadRows(const TTile& a_Tile, ptrdiff_t a_iFirst, TVector
 {
     NUV_UNROLL for (int r = 0; r < ROWS; ++r)
     {
-        NUV_UNROLL for (int c = 0; c < VECTORS; ++c)
+        NUV_UNROLL for (ptrdiff_t c = 0; c < VECTORS; ++c)
         {
-            Load(&a_Tile.vvdRest[a_iFirst + r][c * (TILE_COLUMNS / VECTORS)], a_vvRest[r][c]);
+            Load(&a_Tile.vvdRest[a_iFirst + r][c * TILE_COLUMNS / VECTORS], a_vvRest[r][c]);
         }
     }
 }
@@ -189,9 +189,9 @@ static NUV_INLINE void StoreRows(const TVector (&a_vvRest)[ROWS][VECTORS], ptrdi
 {
     NUV_UNROLL for (int r = 0; r < ROWS; ++r)
     {
-        NUV_UNROLL for (int c = 0; c < VECTORS; ++c)
+        NUV_UNROLL for (ptrdiff_t c = 0; c < VECTORS; ++c)
         {
-            Store(a_vvRest[r][c], &a_Tile.vvdRest[a_iFirst + r][c * (TILE_COLUMNS / VECTORS)]);
+            Store(a_vvRest[r][c], &a_Tile.vvdRest[a_iFirst + r][c * TILE_COLUMNS / VECTORS]);
         }
     }
 }

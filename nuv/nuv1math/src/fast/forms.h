@@ -34,6 +34,13 @@
 #define NUV_HOST_INLINE
 #endif
 
+// A function that is not compiled into its caller, so that its arrays do not stand on the stack beside those of others.
+#if defined(__GNUC__)
+#define NUV_NOT_INLINE __attribute__((noinline))
+#else
+#define NUV_NOT_INLINE
+#endif
+
 namespace nuv {
 
 #ifdef NUV_PLAIN_FORMS
