@@ -133,6 +133,15 @@ static bool SolveUpperTriRow(double a_dDiagonal, double a_dRest, double& a_dX)
     return false;
 }
 
+// The mark of a failed back substitution: infinity from the last element of x forward, not backward.
+static void MarkAsFailed(ptrdiff_t a_iN, ptrdiff_t a_iIncX, double* a_vdX)
+{
+    for (ptrdiff_t i = 0; i < a_iN; ++i)
+    {
+        a_vdX[(a_iN - 1 + i) * a_iIncX] = std::numeric_limits<double>::infinity();
+    }
+}
+
 int SolveUpperTri(int a_iN, const double* a_vdU, int a_iLdu, const double* a_vdB, int a_iIncB, double* a_vdX,
                   int a_iIncX)
 {
@@ -160,13 +169,9 @@ int SolveUpperTri(int a_iN, const double* a_vdU, int a_iLdu, const double* a_vdB
         }
         bConsistent = SolveUpperTriRow(a_vdU[i * iLdu + i], dRest, a_vdX[i * iIncX]);
     }
-    if (!bConsistent)
+    if (!bConsistent) // never after SolveGauss
     {
-        // The mark of a failure runs from the last element forward, not backward. SolveGauss never gets here.
-        for (ptrdiff_t i = 0; i < a_iN; ++i)
-        {
-            a_vdX[(iLast + i) * iIncX] = std::numeric_limits<double>::infinity();
-        }
+        MarkAsFailed(a_iN, iIncX, a_vdX);
         return 0;
     }
     return 1;

@@ -220,11 +220,8 @@ static bool IsFinite(const TOmographicParams& a_Params)
 static bool TryAffine(const TControlPoints& a_Points, TOmographicParams& a_Params)
 {
     TAffineCoefs Affine;
-    if (FitAffine(a_Points, Affine) != RET_SUCCESS) // unreachable: the fit of three or more points has a result
-    {
-        return false;
-    }
-    if (IsNegligible(Affine.dE * Affine.dA - Affine.dD * Affine.dB))
+    // unreachable: the fit of three or more points never fails
+    if (FitAffine(a_Points, Affine) != RET_SUCCESS || IsNegligible(Affine.dE * Affine.dA - Affine.dD * Affine.dB))
     {
         return false;
     }

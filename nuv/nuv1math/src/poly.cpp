@@ -406,8 +406,8 @@ static void ReflectColumns(double* const* A, int k, int l, int nn, const TReflec
     }
 }
 
-// Step k > m of the sweep reflects the vector that stands in column k-1, from row k down. Returns the factor by which
-// it was scaled down.
+// Loads the vector that step k > m of the sweep reflects: column k-1 from row k down. It is divided by the sum of its
+// magnitudes, which is returned.
 static double LoadReflectedVector(double* const* A, int k, int nn, TReflectedVector& a_V)
 {
     a_V.dP = At(A, k, k - 1);
@@ -606,13 +606,31 @@ static bool WriteNonZeroRoots(size_t a_iDegree, const double* a_vdA, double a_dT
     return bAllocated;
 }
 
-int Roots(unsigned int iDegree, const double* vdA, double* a_vdRoots, double a_dTolerance)
+// Position of the first coefficient that is not 0. The last position counts as the first one if all others are 0.
+static unsigned int FindFirstCoefficient(unsigned int a_iDegree, const double* a_vdA)
 {
     unsigned int iFirst = 0;
-    while (iFirst < iDegree && IsZero(vdA[iFirst]))
+    while (iFirst < a_iDegree && IsZero(a_vdA[iFirst]))
     {
         ++iFirst;
     }
+    return iFirst;
+}
+
+// Position of the last coefficient that is not 0. There is one.
+static unsigned int FindLastCoefficient(unsigned int a_iDegree, const double* a_vdA)
+{
+    unsigned int iLast = a_iDegree;
+    while (IsZero(a_vdA[iLast]))
+    {
+        --iLast;
+    }
+    return iLast;
+}
+
+int Roots(unsigned int iDegree, const double* vdA, double* a_vdRoots, double a_dTolerance)
+{
+    const unsigned int iFirst = FindFirstCoefficient(iDegree, vdA);
     if (IsZero(vdA[iFirst]))
     {
         return RET_INDETERMINATE;
@@ -626,11 +644,7 @@ int Roots(unsigned int iDegree, const double* vdA, double* a_vdRoots, double a_d
         // clang-format on
         return RET_IMPOSSIBLE;
     }
-    unsigned int iLast = iDegree;
-    while (IsZero(vdA[iLast]))
-    {
-        --iLast;
-    }
+    const unsigned int iLast = FindLastCoefficient(iDegree, vdA);
     const unsigned int iZeros = iDegree - iLast;
     for (unsigned int i = 0; i < iZeros; ++i)
     {
@@ -638,7 +652,7 @@ int Roots(unsigned int iDegree, const double* vdA, double* a_vdRoots, double a_d
     }
     if (iDegree - iFirst > static_cast<unsigned int>(INT_MAX)) // equivalent: no memory holds such a matrix
     {
-        return 0; // more roots than int counts, and a matrix that no memory holds
+        return 0; // there are more roots than int counts
     }
     int iCount = 0;
     if (iLast != iFirst && !WriteNonZeroRoots(iLast - iFirst, vdA + iFirst, a_dTolerance, a_vdRoots + iZeros, iCount))
