@@ -5,7 +5,7 @@
 // Equals     CalcAffineSums of affinefit.cpp.
 // Method     Two sums that take products with the same factor form a vector and advance together.
 // Order      Every sum takes its terms in the order of the points. No sum is split.
-// Pays       always: 100 points take 300 ns, one sum at a time 333 ns.
+// Pays       always. 100 points: 260 ns, 284 ns in the plain form.
 
 #ifndef NUV_AFFINEFAST_H
 #define NUV_AFFINEFAST_H

@@ -7,6 +7,7 @@
 // function hands its work over in one line, where a faster form exists and pays:
 //   software floating point   leaves out operations whose result is known (the device);
 //   vectors                   computes two doubles at once, or four on a processor that has such vectors.
+// The head of a faster form tells what it gains. Times are those of one Intel Xeon with vectors of four.
 //
 // The tests compile the library once more in each of these forms, in namespaces of their own, and compare them all with
 // the plain one:

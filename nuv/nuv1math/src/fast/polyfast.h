@@ -5,8 +5,9 @@
 // Equals     ReflectColumns of poly.cpp, in the rows above the reflection.
 // Method     Two rows form a vector. The rows do not depend on each other.
 // Order      Each row does the operations of the plain form in the same order.
-// Pays       always. The rows at the reflection itself are left to the plain form: ReflectRows has just stored them one
-//            by one, and a load of a pair would have to wait for two stores.
+// Pays       always: degree 64 takes 276 us, 313 us in the plain form. The rows at the reflection itself are left to
+//            the plain form. ReflectRows has just stored them one by one, and a load of a pair would wait for two
+//            stores.
 
 #ifndef NUV_POLYFAST_H
 #define NUV_POLYFAST_H
