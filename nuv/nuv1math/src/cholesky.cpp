@@ -35,7 +35,7 @@ namespace nuv {
 
 void InitCholLowTri(int a_iUnknowns, double** a_pMatrix, double** a_pVector)
 {
-    const size_t iUnknowns = a_iUnknowns < 1 ? 0 : static_cast<size_t>(a_iUnknowns);
+    const size_t iUnknowns = a_iUnknowns < 1 ? 0 : static_cast<size_t>(a_iUnknowns); // equivalent: 0 either way
     // n(n+1)/2 as a product that can be checked for overflow: the even one of n and n+1 is halved, the odd one is n|1.
     const size_t iHalfOfEven = (iUnknowns + 1) / 2;
     const size_t iOdd = iUnknowns | 1;

@@ -253,7 +253,7 @@ static double CalcHessenbergNorm(double* const* A, int a_iN)
     double dNorm = 0.0;
     for (int i = 1; i <= a_iN; ++i)
     {
-        for (int j = i > 1 ? i - 1 : 1; j <= a_iN; ++j)
+        for (int j = i > 1 ? i - 1 : 1; j <= a_iN; ++j) // equivalent: 1 either way
         {
             dNorm += fabs(At(A, i, j));
         }
@@ -511,7 +511,7 @@ int HessenbergEigenvalues(int a_iN, double* a_vdMatrix, int a_iStride, double* a
     }
     const double dNorm = CalcHessenbergNorm(A, a_iN);
     double dShifted = 0.0;
-    int iSplit = 1;
+    int iSplit = 1; // equivalent: any number but 0
     for (int nn = a_iN; nn >= 1 && iSplit != 0; nn -= iSplit)
     {
         iSplit = SplitOff(A, nn, dNorm, dShifted, a_vdReal, a_vdImaginary);

@@ -28,14 +28,14 @@ namespace nuv {
 // The length of a message with its terminator, at most.
 enum
 {
-    REPORT_LENGTH = 512
+    REPORT_LENGTH = 512 // equivalent: no report of the library is as long
 };
 
 // The characters that the format adds to path and condition: ':', an int of at most 11 characters, " assertion
 // failure:" and a line break.
 enum
 {
-    REPORT_OVERHEAD = 1 + 11 + sizeof(" assertion failure:\n") - 1
+    REPORT_OVERHEAD = 1 + 11 + sizeof(" assertion failure:\n") - 1 // equivalent: no report is as long
 };
 
 // Shows "<path>:<line> assertion failure:\n<condition>" and waits for an answer if there is a user. Then it ends the
