@@ -1,14 +1,15 @@
 #!/usr/bin/env python3
 """mutate.py: changes the library's source one place at a time; the tests, or the fuzz targets, must notice.
 
-usage: mutate.py [--all | --sample N] [--fuzz SECONDS] [--jobs N] [--seed N] [SOURCE ...]
+usage: mutate.py [--all | --marked | --sample N] [--fuzz SECONDS] [--jobs N] [--seed N] [SOURCE ...]
 
 Each mutant is one changed line. It is compiled and linked as the builds do it, in a directory of its own. A mutant
 whose objects are the same as the original's is not run. The others are killed when a test fails, crashes or takes too
 long: first the quick tests of the preset default, then the tests of the device (preset linux-armel), the quick tests under
 the sanitizers (preset linux-sanitize), and the slow tests. A line that may have survivors has a marker (markers.py).
 
-Fails if a mutant of another line survives, and with --all also for each marker "equivalent" without a survivor.
+Fails if a mutant of another line survives. --all and --marked, which takes the lines that have a marker, also fail
+for each marker "equivalent" without a survivor.
 With --fuzz the fuzz targets hunt a sample of the mutants that the tests kill, each target for so many seconds.
 
 Copyright (c) 2026 the nuv1math authors
@@ -18,6 +19,7 @@ SPDX-License-Identifier: MIT
 import argparse
 import collections
 import concurrent.futures
+import functools
 import json
 import os
 import pathlib
@@ -432,6 +434,11 @@ def library_sources(build):
     return sorted(source for source in found if source.is_relative_to(LIBRARY) and source.name != "nuv1math.h")
 
 
+@functools.cache
+def marked_lines(source):
+    return set().union(*markers_of(source.read_text().splitlines(), "equivalent").values())
+
+
 def wrong_survivors(results, complete):
     """Survivors without a marker, and with a complete run the markers without a survivor."""
     survivors = collections.defaultdict(set)
@@ -452,6 +459,7 @@ def wrong_survivors(results, complete):
 def main():
     parser = argparse.ArgumentParser(usage=__doc__.split("usage: ")[1].split("\n")[0])
     parser.add_argument("--all", action="store_true")
+    parser.add_argument("--marked", action="store_true")
     parser.add_argument("--sample", type=int, default=60)
     parser.add_argument("--fuzz", type=int, metavar="SECONDS")
     parser.add_argument("--jobs", type=int, default=os.cpu_count())
@@ -463,7 +471,9 @@ def main():
     if unknown:
         parser.error(f"no source of the library: {' '.join(sorted(unknown))}")
     mutants = [mutant for source in sources if not args.sources or source.name in args.sources for mutant in mutants_of(source)]
-    if not args.all and args.sample < len(mutants):
+    if args.marked:
+        mutants = [mutant for mutant in mutants if mutant.number in marked_lines(mutant.source)]
+    elif not args.all and args.sample < len(mutants):
         mutants = [mutants[i] for i in sorted(random.Random(args.seed).sample(range(len(mutants)), args.sample))]
     stages = test_stages(args.jobs)
     fuzzers = Fuzzers(args.fuzz) if args.fuzz else None
@@ -471,7 +481,7 @@ def main():
     results = list(run.results(mutants))
     counts = collections.Counter(verdict for _, verdict in results)
     print(f"{len(results)} mutants: " + ", ".join(f"{count} {verdict}" for verdict, count in counts.most_common()))
-    wrong = [] if fuzzers else wrong_survivors(results, args.all)
+    wrong = [] if fuzzers else wrong_survivors(results, args.all or args.marked)
     print("\n".join(wrong), end="\n" if wrong else "")
     return 1 if wrong or not results else 0
 
