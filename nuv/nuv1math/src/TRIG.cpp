@@ -296,7 +296,7 @@ static void SortAngles(int a_iCount, double* a_vdAngles)
     for (int i = 0; i < a_iCount - 1; ++i) // equivalent: the last element has none behind it
     {
         int iSmallest = i;
-        for (int j = i + 1; j < a_iCount; ++j) // equivalent: an element is not less than itself
+        for (int j = i + 1; j < a_iCount; ++j)
         {
             if (a_vdAngles[j] < a_vdAngles[iSmallest])
             {

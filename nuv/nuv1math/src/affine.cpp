@@ -100,7 +100,7 @@ int MaxAbsIndex(int a_iN, const double* a_vdX, int a_iIncX)
     }
     int iMax = 0;
     double dMax = fabs(a_vdX[0]);
-    for (int i = 1; i < a_iN; ++i) // equivalent: an element is not greater than itself
+    for (int i = 1; i < a_iN; ++i)
     {
         const double dMagnitude = fabs(a_vdX[static_cast<ptrdiff_t>(i) * a_iIncX]);
         if (dMagnitude > dMax)
