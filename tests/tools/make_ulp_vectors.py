@@ -98,7 +98,7 @@ class Near:
         return Near(abs(self.digits), self.greatest)
 
     def _difference(self, other):
-        """None with a NaN, as ExactDouble has it."""
+        """Like ExactDouble's comparison: None if one of the two is a NaN."""
         if is_special(other):
             return ZERO._compared(other)
         return self.digits - to_digits(other)
@@ -132,7 +132,7 @@ def greatest_of(value):
 
 
 def near(digits, greatest=0):
-    """What is too great for a double is infinite and exact; a sum that vanishes keeps its terms' last place."""
+    """A value beyond the range becomes infinite, without error. A sum that vanishes keeps the last place of its terms."""
     result = Near(digits, greatest)
     limit = mpmath.ldexp(1, 1024)
     assert abs(abs(digits) / limit - 1) > 1e-10, "at the edge of the range"
@@ -174,7 +174,7 @@ def cos(x):
 
 
 def tan(x):
-    """Its slope tells what an error of the argument does."""
+    """The slope of the tangent tells how much an error of the argument changes the result."""
     if x == ZERO or not x.is_finite():
         return x if x == ZERO else NAN
     value = mpmath.tan(to_digits(x))
@@ -182,7 +182,7 @@ def tan(x):
 
 
 def reduction_floor(x):
-    """Processors of the x87 line reduce an angle with a pi of 66 bits, which leaves it wrong by up to 2**-67 of it."""
+    """The x87 instructions reduce an angle with a pi of 66 bits, so the angle can be wrong by 2**-67 of its size."""
     return mpmath.ldexp(abs(to_digits(x)), 53 - 67)
 
 
@@ -348,14 +348,14 @@ def in_order(angles):
 
 
 def representative(group):
-    """The first of a group whose order depends on the last places, so that no member is certain."""
+    """The first angle of a group. The last places decide their order, so no member is certain to be the first."""
     if all(isinstance(angle, ExactDouble) for angle in group):
         return group[0]
     return Near(to_digits(group[0]), max(greatest_of(angle) for angle in group)) if len(group) > 1 else group[0]
 
 
 class Undecided(Exception):
-    """A decision that depends on the last places of the platform's functions."""
+    """Raised where the last places of the platform's functions decide."""
 
 
 def is_duplicate(angle, first):
@@ -376,7 +376,7 @@ def distinct(angles):
 
 
 def solve_quad_trig(a, b, c, d, e, f):
-    """None for a case that depends on the last places."""
+    """The case, or None if the last places decide its result."""
     raw = quad_trig_raw(a, b, c, d, e, f)
     if isinstance(raw, int) or len(raw) < 2:
         return in_room(raw, 4)
@@ -398,7 +398,7 @@ def uniform_numbers(seed):
 
 
 def normal_numbers(seed, count):
-    """By the polar method, the second of a pair waiting."""
+    """The polar method: the second number of a pair waits for the next call."""
     uniform = uniform_numbers(seed)
     drawn = []
     while len(drawn) < count:
