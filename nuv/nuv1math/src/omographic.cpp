@@ -115,7 +115,7 @@ NUV_NOT_INLINE static void AddPointToEquations(const TControlPoints& a_Points, u
 // Sums up the normal equations: linear ones if a_vdCoefs is null, and otherwise those of a refinement at a_vdCoefs.
 static void FormEquations(const TControlPoints& a_Points, const double* a_vdCoefs, TOmographicSystem& a_System)
 {
-    if (FASTER_FORMS && FormEquationsFromSums(a_Points, a_vdCoefs, a_System)) // equivalent: both give the same bits
+    if (FASTER_FORMS && FormEquationsFromSums(a_Points, a_vdCoefs, a_System))
     {
         return;
     }
