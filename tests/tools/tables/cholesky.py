@@ -73,6 +73,23 @@ def sparse_case(source, values):
     return [n, values(packed(n, 0)), values(n), count, values(count), indices, values(1)[0]]
 
 
+def add_factor_orders(table, make_case):
+    """Cases that wrong orders of the factorisation change: of regular matrices, and of nearly singular ones."""
+    table.add_order(
+        lambda source: make_case(source, lambda count: source.reals(count, 4), 0, 4),
+        "cholesky-diagonal-ascending",
+        "cholesky-diagonal-sum",
+        "cholesky-column-division",
+        "cholesky-column-descending",
+        "fma",
+    )
+    table.add_order(
+        lambda source: make_case(source, lambda count: source.reals(count, 4), -1, 4),
+        "cholesky-diagonal-ascending",
+        "cholesky-column-division",
+    )
+
+
 def table_cholesky():
     table = Table("CholeskyLowTri", "n matrix | result matrix", reference.cholesky_low_tri)
     for n in (0, -1):
@@ -85,19 +102,7 @@ def table_cholesky():
     table.add_made("near-singular", 20, lambda source: gram_case(source, lambda count: source.reals(count, 4), -1))
     table.add_made("near-singular", 10, lambda source: gram_case(source, lambda count: source.wholes(count, 4), -1))
     table.add_made("special", 30, special_gram)
-    table.add_order(
-        lambda source: gram_case(source, lambda count: source.reals(count, 4), 0, 4),
-        "cholesky-diagonal-ascending",
-        "cholesky-diagonal-sum",
-        "cholesky-column-division",
-        "cholesky-column-descending",
-        "fma",
-    )
-    table.add_order(
-        lambda source: gram_case(source, lambda count: source.reals(count, 4), -1, 4),
-        "cholesky-diagonal-ascending",
-        "cholesky-column-division",
-    )
+    add_factor_orders(table, gram_case)
     return table
 
 
@@ -182,19 +187,7 @@ def table_dense_cholesky():
     table.add_made("near-singular", 20, lambda source: dense_gram(source, lambda count: source.reals(count, 4), -1))
     table.add_made("near-singular", 10, lambda source: dense_gram(source, lambda count: source.wholes(count, 4), -1))
     table.add_made("special", 30, lambda source: in_square(source, *special_gram(source)))
-    table.add_order(
-        lambda source: dense_gram(source, lambda count: source.reals(count, 4), 0, 4),
-        "cholesky-diagonal-ascending",
-        "cholesky-diagonal-sum",
-        "cholesky-column-division",
-        "cholesky-column-descending",
-        "fma",
-    )
-    table.add_order(
-        lambda source: dense_gram(source, lambda count: source.reals(count, 4), -1, 4),
-        "cholesky-diagonal-ascending",
-        "cholesky-column-division",
-    )
+    add_factor_orders(table, dense_gram)
     return table
 
 
