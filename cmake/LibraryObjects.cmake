@@ -9,8 +9,10 @@ set(NUV1MATH_SOURCES TRIG.cpp affine.cpp affinefit.cpp affineparams.cpp assertio
   fast/choleskyfast.cpp omographic.cpp poly.cpp random.cpp)
 list(TRANSFORM NUV1MATH_SOURCES PREPEND ${NUV1MATH_SOURCE_DIR}/)
 set(NUV1MATH_MODULE ${NUV1MATH_SOURCE_DIR}/module.cpp)
-set(NUV1MATH_PLATFORM_WINDOWS ${NUV1MATH_SOURCE_DIR}/platform_windows.cpp)
-set(NUV1MATH_PLATFORM_POSIX ${NUV1MATH_SOURCE_DIR}/platform_posix.cpp)
+set(NUV1MATH_PLATFORM ${NUV1MATH_SOURCE_DIR}/platform_posix.cpp)
+if(WIN32)
+  set(NUV1MATH_PLATFORM ${NUV1MATH_SOURCE_DIR}/platform_windows.cpp)
+endif()
 
 # Without floating-point hardware little time is spent between the operations, which are calls. These sources are a tenth
 # smaller and no slower when they are optimised for size. The others are slower.
@@ -56,10 +58,9 @@ endfunction()
 
 # The whole library as objects of the given name.
 function(nuv1math_add_objects name)
-  if(WIN32 OR NUV1MATH_WINCE_IMAGE)
-    set(platform ${NUV1MATH_PLATFORM_WINDOWS})
-  else()
-    set(platform ${NUV1MATH_PLATFORM_POSIX})
+  set(platform ${NUV1MATH_PLATFORM})
+  if(NUV1MATH_WINCE_IMAGE) # an image for Windows CE is compiled by a compiler for Linux
+    set(platform ${NUV1MATH_SOURCE_DIR}/platform_windows.cpp)
   endif()
   nuv1math_compile(${name} ${NUV1MATH_SOURCES} ${NUV1MATH_MODULE} ${platform})
 endfunction()
@@ -67,12 +68,7 @@ endfunction()
 # The static library nuv1math_<form>: the functions in namespace nuv_<form>, so that a test program can link it beside the
 # library itself. nuv/nuv1math/src/fast/forms.h tells which definition selects which form.
 function(nuv1math_add_form form)
-  if(WIN32)
-    set(platform ${NUV1MATH_PLATFORM_WINDOWS})
-  else()
-    set(platform ${NUV1MATH_PLATFORM_POSIX})
-  endif()
-  nuv1math_compile(nuv1math_${form}_objects ${NUV1MATH_SOURCES} ${platform})
+  nuv1math_compile(nuv1math_${form}_objects ${NUV1MATH_SOURCES} ${NUV1MATH_PLATFORM})
   target_compile_definitions(nuv1math_${form}_objects PRIVATE nuv=nuv_${form} ${ARGN})
   add_library(nuv1math_${form} STATIC EXCLUDE_FROM_ALL $<TARGET_OBJECTS:nuv1math_${form}_objects>)
   target_include_directories(nuv1math_${form} PUBLIC ${NUV1MATH_INCLUDE_DIR} ${NUV1MATH_SOURCE_DIR})
