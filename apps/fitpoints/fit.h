@@ -5,6 +5,7 @@
 #ifndef NUV_FITPOINTS_FIT_H
 #define NUV_FITPOINTS_FIT_H
 
+#include "judgement/judgement.h"
 #include "kinds.h"
 
 namespace fitpoints {
@@ -35,6 +36,11 @@ struct TFit
     int iUnknowns;
     long iFreedom;              // degrees of freedom, 2n - u
     std::optional<double> dRms; // none without redundancy
+
+    // All that the judgement module tells. vPoints and vResiduals are parallel to TPoints::vPoints: check points and
+    // dropped points have residuals, too, but they are neither in iLargest nor in the statistics.
+    judgement::TJudgement Judgement;
+    std::vector<judgement::TPointJudgement> vPoints;
 };
 
 // Fails if there is no transformation, or none of the kind that the options demand.

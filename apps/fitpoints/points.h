@@ -22,6 +22,7 @@ struct TPoint
     long iLine;         // line of the file, from 1
     double dX, dY;      // source
     double dXa, dYa;    // target
+    bool bCheck;        // a check point: not fitted, but with a residual
 };
 
 struct TPoints
