@@ -26,7 +26,7 @@ static const char* const FOOTER =
     "and\n"
     "(0, 0) is the outer corner of the first pixel; the world file is converted to pixel centres.\n"
     "\n"
-    "Limits: 64 KiB for a line, 256 MiB for the file, 1000000 points. The program takes at most 1.25 GiB of memory.\n"
+    "Limits: 64 KiB for a line, 256 MiB for the file, 1000000 points. The program takes at most 1.5 GiB of memory.\n"
     "\n"
     "Exit code: 0, or 2 with one line on standard error. Warnings go to standard error and leave the exit code 0.";
 

@@ -70,21 +70,47 @@ static void AddOriginalFrame(const TArrays& a_Points, TFit& a_Fit)
 static void AddStatistics(TFit& a_Fit)
 {
     const int viUnknowns[] = {4, 6, 8};
-    const auto Shorter = [](const TResidual& a_First, const TResidual& a_Second)
-    { return a_First.dLength < a_Second.dLength; };
-    a_Fit.iLargest = static_cast<std::size_t>(
-        std::max_element(a_Fit.vResiduals.begin(), a_Fit.vResiduals.end(), Shorter) - a_Fit.vResiduals.begin());
     a_Fit.iUnknowns = viUnknowns[a_Fit.Kind];
-    a_Fit.iFreedom = 2 * static_cast<long>(a_Fit.vResiduals.size()) - a_Fit.iUnknowns;
+    a_Fit.iFreedom = 2 * a_Fit.Judgement.iFitted - a_Fit.iUnknowns;
     if (a_Fit.iFreedom > 0)
     {
         a_Fit.dRms = std::sqrt(a_Fit.dSumOfSquares / static_cast<double>(a_Fit.iFreedom));
     }
 }
 
+static std::vector<TPoint> FittedPoints(const std::vector<TPoint>& a_vPoints)
+{
+    std::vector<TPoint> vFitted;
+    std::copy_if(a_vPoints.begin(), a_vPoints.end(), std::back_inserter(vFitted),
+                 [](const TPoint& a_Point) { return !a_Point.bCheck; });
+    return vFitted;
+}
+
+// Compares all points with the transformation, the check points included.
+static void JudgePoints(const std::vector<TPoint>& a_vPoints, TFit& a_Fit)
+{
+    a_Fit.vResiduals = Residuals(Reduced(Arrays(a_vPoints), a_Fit.Origins), a_Fit.Coefs);
+    double dCheckSum = 0;
+    for (std::size_t i = 0; i < a_vPoints.size(); ++i)
+    {
+        const TResidual& R = a_Fit.vResiduals[i];
+        judgement::TPointJudgement Point = {};
+        Point.Role = a_vPoints[i].bCheck ? judgement::ROLE_CHECK : judgement::ROLE_FITTED;
+        Point.dX = R.dX;
+        Point.dY = R.dY;
+        Point.dLength = R.dLength;
+        a_Fit.vPoints.push_back(Point);
+        const bool bCheck = a_vPoints[i].bCheck;
+        a_Fit.Judgement.iChecks += bCheck ? 1 : 0;
+        dCheckSum += bCheck ? R.dX * R.dX + R.dY * R.dY : 0;
+        a_Fit.iLargest = !bCheck && R.dLength > a_Fit.vResiduals[a_Fit.iLargest].dLength ? i : a_Fit.iLargest;
+    }
+    a_Fit.Judgement.dCheckRms = a_Fit.Judgement.iChecks == 0 ? 0 : std::sqrt(dCheckSum / (2 * a_Fit.Judgement.iChecks));
+}
+
 TFit FitPoints(const TPoints& a_Points, const TFitOptions& a_Options)
 {
-    const TArrays Given = Arrays(a_Points.vPoints);
+    const TArrays Given = Arrays(FittedPoints(a_Points.vPoints));
     const TSupport Support = FindSupport(a_Points.szFile, Given);
     TFit Fit = {};
     Fit.bRaw = a_Options.bRaw;
@@ -95,12 +121,13 @@ TFit FitPoints(const TPoints& a_Points, const TFitOptions& a_Options)
     Fit.Kind = Attempt.Kind;
     Fit.bMirrored = a_Options.bMirrored && Fit.Kind == nuv::METHOD_CONFORMAL;
     Fit.Coefs = Attempt.Coefs;
-    Fit.vResiduals = Attempt.vResiduals;
     Fit.dSumOfSquares = Attempt.dSumOfSquares;
     Fit.vszWarnings = Warnings(Local, a_Options.bMirrored, Attempt);
     Fit.Shape = FindShape(Attempt, Fit.bMirrored);
+    Fit.Judgement.iFitted = PointCount(Given);
     AddOriginalFrame(Given, Fit);
     AddStatistics(Fit);
+    JudgePoints(a_Points.vPoints, Fit);
     return Fit;
 }
 

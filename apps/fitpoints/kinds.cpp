@@ -10,18 +10,27 @@
 
 namespace fitpoints {
 
-static void AddResiduals(const TArrays& a_Points, TAttempt& a_Attempt)
+std::vector<TResidual> Residuals(const TArrays& a_Points, const nuv::TOmographicParams& a_Coefs)
 {
-    a_Attempt.dSumOfSquares = 0;
-    a_Attempt.vResiduals.clear();
+    std::vector<TResidual> vResiduals;
     for (std::size_t i = 0; i < a_Points.vdX.size(); ++i)
     {
-        const TPosition Position = Transform(a_Attempt.Coefs, a_Points.vdX[i], a_Points.vdY[i]);
+        const TPosition Position = Transform(a_Coefs, a_Points.vdX[i], a_Points.vdY[i]);
         const double dX = Position.dXa - a_Points.vdXa[i];
         const double dY = Position.dYa - a_Points.vdYa[i];
-        a_Attempt.vResiduals.push_back({dX, dY, std::hypot(dX, dY)});
-        a_Attempt.dSumOfSquares += dX * dX + dY * dY;
+        vResiduals.push_back({dX, dY, std::hypot(dX, dY)});
     }
+    return vResiduals;
+}
+
+double SumOfSquares(const std::vector<TResidual>& a_vResiduals)
+{
+    double dSum = 0;
+    for (const TResidual& R : a_vResiduals)
+    {
+        dSum += R.dX * R.dX + R.dY * R.dY;
+    }
+    return dSum;
 }
 
 static nuv::TAffineCoefs FitAffine(const TArrays& a_Points)
@@ -62,7 +71,8 @@ bool TryFit(const TArrays& a_Points, bool a_bMirrored, nuv::enumMethodUsed a_Ric
             nuv::AffineCoefsToOmographicCoefs(Affine, a_Attempt.Coefs);
         }
     }
-    AddResiduals(a_Points, a_Attempt);
+    a_Attempt.vResiduals = Residuals(a_Points, a_Attempt.Coefs);
+    a_Attempt.dSumOfSquares = SumOfSquares(a_Attempt.vResiduals);
     return true;
 }
 

@@ -36,6 +36,11 @@ struct TAttempt
     double dSumOfSquares; // not finite if a residual is not
 };
 
+// The residuals of points in the frame of the coefficients.
+std::vector<TResidual> Residuals(const TArrays& a_Points, const nuv::TOmographicParams& a_Coefs);
+
+double SumOfSquares(const std::vector<TResidual>& a_vResiduals);
+
 // The next poorer kind of the affine and the omographic kind.
 nuv::enumMethodUsed Poorer(nuv::enumMethodUsed a_Kind);
 

@@ -9,6 +9,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <strings.h>
 #include <unistd.h>
 
 namespace fitpoints {
@@ -21,7 +22,7 @@ enumPlotKind PlotKind(const std::string& a_szName)
     const auto EndsWith = [&](const std::string& a_szEnd)
     {
         return a_szName.size() > a_szEnd.size() &&
-               a_szName.compare(a_szName.size() - a_szEnd.size(), a_szEnd.size(), a_szEnd) == 0;
+               strcasecmp(a_szName.c_str() + a_szName.size() - a_szEnd.size(), a_szEnd.c_str()) == 0;
     };
     if (!EndsWith(".svg") && !EndsWith(".png"))
     {

@@ -1,176 +1,174 @@
-// points.cpp: reads control points from CSV files and QGIS georeferencer files.
+// points.cpp: reads control points from CSV files, QGIS georeferencer files and the arguments of GDAL's programs.
 // Copyright (c) 2026 the nuv1math authors
 // SPDX-License-Identifier: MIT
 
 #include "points.h"
-#include "rows.h"
+#include "columns.h"
 #include "text.h"
 
-#include <charconv>
-#include <cmath>
+#include <algorithm>
+#include <iterator>
+#include <sstream>
 
 namespace fitpoints {
 
 static const std::size_t GREATEST_COUNT = 1000000;
 
-// Why a text is no coordinate; empty if it is one. a_dValue gets the number.
-static std::string ParseNumber(const std::string& a_szText, double& a_dValue)
+static void AddPoint(const TRowReader& a_Reader, TPoint&& a_Point, TPoints& a_Points)
 {
-    const char* szBegin = a_szText.data();
-    const char* const szEnd = szBegin + a_szText.size();
-    if (*szBegin == '+' && a_szText.size() > 1 && a_szText[1] != '-') // from_chars takes no plus sign
+    if (a_Points.vPoints.size() == GREATEST_COUNT)
     {
-        ++szBegin;
+        Fail(Place(a_Reader), "more than " + std::to_string(GREATEST_COUNT) + " points");
     }
-    const std::from_chars_result Result = std::from_chars(szBegin, szEnd, a_dValue);
-    if (Result.ec == std::errc::result_out_of_range)
-    {
-        return "is out of the range of a double";
-    }
-    if (Result.ec != std::errc() || Result.ptr != szEnd)
-    {
-        return "is not a decimal number";
-    }
-    return std::isfinite(a_dValue) ? "" : "is not a finite number";
-}
-
-static double Coordinate(const std::string& a_szField, const std::string& a_szColumn, const std::string& a_szPlace)
-{
-    if (a_szField.empty())
-    {
-        Fail(a_szPlace, "column " + a_szColumn + " is empty");
-    }
-    double dValue = 0;
-    const std::string szProblem = ParseNumber(a_szField, dValue);
-    if (!szProblem.empty())
-    {
-        Fail(a_szPlace, "column " + a_szColumn + ": " + Quoted(a_szField) + " " + szProblem);
-    }
-    return dValue;
+    a_Point.iLine = a_Reader.iLine;
+    a_Points.vPoints.push_back(std::move(a_Point));
 }
 
 // ---------------------------------------------------------------------------------------------------------------------
-// Columns
+// Files with a header
 
-// The indices of the columns; -1 for a column that the file does not have.
-struct TColumns
+// The value of a column of zeros and ones, or a_bAbsent if the file does not have it.
+static bool ParseFlag(const TRowReader& a_Reader, const TColumns& a_Columns, const TFields& a_vszFields,
+                      enumColumn a_Column, bool a_bAbsent)
 {
-    enumFileKind Kind;
-    TFields vszHeader;
-    int iName, iX, iY, iXa, iYa, iEnable;
-};
-
-static std::string Joined(const TFields& a_vszFields)
-{
-    std::string szText;
-    for (const std::string& szField : a_vszFields)
+    if (a_Columns.viIndex[a_Column] < 0)
     {
-        szText += (szText.empty() ? "" : ",") + szField;
+        return a_bAbsent;
     }
-    return szText;
+    const std::string& szFlag = a_vszFields[a_Columns.viIndex[a_Column]];
+    if (szFlag != "0" && szFlag != "1")
+    {
+        Fail(Place(a_Reader), "column " + a_Columns.vszNames[a_Column] + ": " + Quoted(szFlag) + " is neither 0 nor 1");
+    }
+    return szFlag == "1";
 }
 
-static TColumns FindColumns(const TFields& a_vszHeader, const std::string& a_szPlace)
+static std::string ParseName(const TRowReader& a_Reader, const TColumns& a_Columns, const TFields& a_vszFields)
 {
-    const std::string szHeader = Joined(a_vszHeader);
-    if (szHeader == "x,y,X,Y")
+    if (a_Columns.viIndex[COLUMN_NAME] < 0)
     {
-        return {FILE_CSV, a_vszHeader, -1, 0, 1, 2, 3, -1};
+        return "";
     }
-    if (szHeader == "name,x,y,X,Y")
+    const std::string& szName = a_vszFields[a_Columns.viIndex[COLUMN_NAME]];
+    if (!IsPlainUtf8(szName))
     {
-        return {FILE_CSV, a_vszHeader, 0, 1, 2, 3, 4, -1};
+        Fail(Place(a_Reader),
+             "column " + a_Columns.vszNames[COLUMN_NAME] + ": " + Quoted(szName) + " is not plain UTF-8 text");
     }
-    // QGIS before 3.26 writes pixelX,pixelY instead of sourceX,sourceY.
-    for (const std::string szSource : {"sourceX,sourceY", "pixelX,pixelY"})
-    {
-        const std::string szQgis = "mapX,mapY," + szSource + ",enable";
-        if (szHeader == szQgis || szHeader == szQgis + ",dX,dY,residual")
-        {
-            return {FILE_QGIS, a_vszHeader, -1, 2, 3, 0, 1, 4};
-        }
-    }
-    Fail(a_szPlace, "the columns are " + Quoted(szHeader) +
-                        ", not [name,]x,y,X,Y or mapX,mapY,sourceX,sourceY,enable[,dX,dY,residual]");
+    return szName;
 }
 
-static TPoint ParsePoint(const TColumns& a_Columns, const TFields& a_vszFields, const std::string& a_szPlace)
+static TPoint ParsePoint(const TRowReader& a_Reader, const TColumns& a_Columns, const TFields& a_vszFields,
+                         TDecimalMark& a_Mark)
 {
-    const auto ParseColumn = [&](int a_iColumn)
-    { return Coordinate(a_vszFields[a_iColumn], a_Columns.vszHeader[a_iColumn], a_szPlace); };
-    TPoint Point = {};
-    if (a_Columns.iName >= 0)
+    TPoint Point = {ParseName(a_Reader, a_Columns, a_vszFields), 0, 0, 0, 0, 0, false};
+    double* const vpCoordinates[] = {&Point.dX, &Point.dY, &Point.dXa, &Point.dYa};
+    for (int i = COLUMN_X; i <= COLUMN_YA; ++i)
     {
-        Point.szName = a_vszFields[a_Columns.iName];
+        *vpCoordinates[i] = ParseCoordinate(a_vszFields[a_Columns.viIndex[i]], a_Columns.vszNames[i], a_Reader, a_Mark);
     }
-    if (!IsPlainUtf8(Point.szName))
-    {
-        Fail(a_szPlace, "column name: " + Quoted(Point.szName) + " is not plain UTF-8 text");
-    }
-    Point.dX = ParseColumn(a_Columns.iX);
-    Point.dY = ParseColumn(a_Columns.iY);
-    Point.dXa = ParseColumn(a_Columns.iXa);
-    Point.dYa = ParseColumn(a_Columns.iYa);
     return Point;
 }
 
-static bool IsEnabled(const TColumns& a_Columns, const TFields& a_vszFields, const std::string& a_szPlace)
+static void ReadTable(TRowReader& a_Reader, std::string& a_szLine, TPoints& a_Points)
 {
-    if (a_Columns.iEnable < 0)
+    const TColumns Columns = ReadHeader(a_Reader, a_szLine, NEEDED_BOTH);
+    TDecimalMark Mark = {a_Reader.iSeparator != ',', '\0'};
+    a_Points.Kind = Columns.Kind;
+    a_Points.vszUnread = Columns.vszUnread;
+    TFields vszFields;
+    while (ReadRowText(a_Reader, a_szLine))
     {
-        return true;
-    }
-    const std::string& szEnable = a_vszFields[a_Columns.iEnable];
-    if (szEnable != "0" && szEnable != "1")
-    {
-        Fail(a_szPlace, "column enable: " + Quoted(szEnable) + " is neither 0 nor 1");
-    }
-    return szEnable == "1";
-}
-
-static void CheckFieldCount(const TColumns& a_Columns, const TFields& a_vszFields, const std::string& a_szPlace)
-{
-    if (a_vszFields.size() != a_Columns.vszHeader.size())
-    {
-        Fail(a_szPlace, Count(a_vszFields.size(), "field") + " where the header has " +
-                            std::to_string(a_Columns.vszHeader.size()));
+        SplitRow(a_Reader, a_szLine, vszFields);
+        CheckFieldCount(a_Reader, Columns, a_szLine, vszFields);
+        TPoint Point = ParsePoint(a_Reader, Columns, vszFields, Mark);
+        const bool bEnabled = ParseFlag(a_Reader, Columns, vszFields, COLUMN_ENABLE, true);
+        const bool bCheck = ParseFlag(a_Reader, Columns, vszFields, COLUMN_CHECK, false);
+        Point.bCheck = bCheck || !bEnabled;
+        AddPoint(a_Reader, std::move(Point), a_Points);
     }
 }
 
-static void AddPoint(const TColumns& a_Columns, const TFields& a_vszFields, long a_iLine, TPoints& a_Points)
+// ---------------------------------------------------------------------------------------------------------------------
+// Arguments of GDAL's programs
+
+static const char* const GCP_OPTION = "-gcp";
+
+static TFields Words(const std::string& a_szLine)
 {
-    const std::string szPlace = Place(a_Points.szFile, a_iLine);
-    CheckFieldCount(a_Columns, a_vszFields, szPlace);
-    TPoint Point = ParsePoint(a_Columns, a_vszFields, szPlace);
-    Point.iLine = a_iLine;
-    if (a_Points.vPoints.size() + a_Points.iSkipped == GREATEST_COUNT)
+    std::istringstream Stream(a_szLine);
+    return {std::istream_iterator<std::string>(Stream), {}};
+}
+
+static bool IsGcpLine(const std::string& a_szLine)
+{
+    const TFields vszWords = Words(a_szLine);
+    return std::find(vszWords.begin(), vszWords.end(), GCP_OPTION) != vszWords.end();
+}
+
+// Adds the point whose coordinates stand behind a_iWord. Returns the index behind them.
+static std::size_t AddGcp(const TRowReader& a_Reader, const TFields& a_vszWords, std::size_t a_iWord, TPoints& a_Points)
+{
+    const char* const vszNames[] = {"pixel", "line", "X", "Y"};
+    double vdValues[4];
+    TDecimalMark Mark = {false, '\0'};
+    for (std::size_t i = 0; i < 4; ++i)
     {
-        Fail(szPlace, "more than " + std::to_string(GREATEST_COUNT) + " points");
+        const std::size_t iWord = a_iWord + 1 + i;
+        vdValues[i] = ParseCoordinate(iWord < a_vszWords.size() ? a_vszWords[iWord] : "",
+                                      std::string(vszNames[i]) + " of " + GCP_OPTION, a_Reader, Mark);
     }
-    if (IsEnabled(a_Columns, a_vszFields, szPlace))
+    AddPoint(a_Reader, {"", 0, vdValues[0], vdValues[1], vdValues[2], vdValues[3], false}, a_Points);
+    double dHeight;
+    const std::size_t iEnd = a_iWord + 5;
+    return iEnd < a_vszWords.size() && IsNumber(a_vszWords[iEnd], dHeight) ? iEnd + 1 : iEnd;
+}
+
+// Words outside of the options, such as the program and its files, are passed over. But a number that follows the
+// coordinates and the height is a mistake.
+static void AddGcpLine(const TRowReader& a_Reader, const std::string& a_szLine, TPoints& a_Points)
+{
+    const TFields vszWords = Words(a_szLine);
+    std::size_t i = std::find(vszWords.begin(), vszWords.end(), GCP_OPTION) - vszWords.begin();
+    if (i == vszWords.size())
     {
-        a_Points.vPoints.push_back(std::move(Point));
+        Fail(Place(a_Reader), std::string("the line has no ") + GCP_OPTION);
     }
-    else
+    while (i < vszWords.size())
     {
-        ++a_Points.iSkipped;
+        const bool bOption = vszWords[i] == GCP_OPTION;
+        i = bOption ? AddGcp(a_Reader, vszWords, i, a_Points) : i + 1;
+        double dExcess;
+        if (bOption && i < vszWords.size() && IsNumber(vszWords[i], dExcess))
+        {
+            Fail(Place(a_Reader),
+                 std::string(GCP_OPTION) + " has more than pixel, line, X, Y and Z: " + Quoted(vszWords[i]));
+        }
     }
 }
+
+static void ReadGcpLines(TRowReader& a_Reader, std::string& a_szLine, TPoints& a_Points)
+{
+    a_Points.Kind = FILE_GCP;
+    do
+    {
+        AddGcpLine(a_Reader, a_szLine, a_Points);
+    } while (ReadRowText(a_Reader, a_szLine));
+}
+
+// ---------------------------------------------------------------------------------------------------------------------
 
 TPoints ReadPoints(const std::string& a_szFile)
 {
-    TRowReader Reader(a_szFile);
-    TFields vszFields;
-    if (!ReadRow(Reader, vszFields))
+    TRowReader Reader(a_szFile, GREATEST_FILE);
+    std::string szLine;
+    if (!ReadRowText(Reader, szLine))
     {
-        Fail(a_szFile, Reader.iBytes <= 1 ? "the file is empty" : "the file has no header line");
+        Fail(Reader.szFile, Reader.iBytes <= 1 ? "the file is empty" : "the file has no header line");
     }
-    const TColumns Columns = FindColumns(vszFields, Place(Reader));
-    TPoints Points = {a_szFile, Columns.Kind, 0, {}};
-    while (ReadRow(Reader, vszFields))
-    {
-        AddPoint(Columns, vszFields, Reader.iLine, Points);
-    }
+    TPoints Points = {Reader.szFile, FILE_CSV, "", {}, {}};
+    (IsGcpLine(szLine) ? ReadGcpLines : ReadTable)(Reader, szLine, Points);
+    Points.szCrs = Reader.szCrs;
     return Points;
 }
 

@@ -1,4 +1,4 @@
-// points.h: control points, and reading them from two kinds of file.
+// points.h: control points, and reading them from files.
 // Copyright (c) 2026 the nuv1math authors
 // SPDX-License-Identifier: MIT
 
@@ -12,14 +12,15 @@ namespace fitpoints {
 
 enum enumFileKind
 {
-    FILE_CSV,  // x,y,X,Y with an optional leading name
-    FILE_QGIS, // QGIS georeferencer: mapX,mapY,sourceX,sourceY,enable with optional dX,dY,residual
+    FILE_CSV,  // x,y,X,Y
+    FILE_QGIS, // QGIS georeferencer: mapX,mapY,sourceX,sourceY with optional enable,dX,dY,residual
+    FILE_GCP   // -gcp pixel line X Y [Z], as the programs of GDAL take control points
 };
 
 struct TPoint
 {
     std::string szName; // may be empty
-    long iLine;         // line of the file, from 1
+    long iLine;         // of the file, from 1
     double dX, dY;      // source
     double dXa, dYa;    // target
     bool bCheck;        // a check point: not fitted, but with a residual
@@ -27,10 +28,11 @@ struct TPoint
 
 struct TPoints
 {
-    std::string szFile;
+    std::string szFile; // for messages
     enumFileKind Kind;
-    std::size_t iSkipped; // points with enable 0, which are left out
-    std::vector<TPoint> vPoints;
+    std::string szCrs;                  // the line of the target system, #CRS...; empty if there is none
+    std::vector<std::string> vszUnread; // columns that were not read
+    std::vector<TPoint> vPoints;        // in the order of the file, check points included
 };
 
 // Four parallel arrays, as the fits take them.
@@ -39,7 +41,8 @@ struct TArrays
     std::vector<double> vdX, vdY, vdXa, vdYa;
 };
 
-// The header line tells the kind of the file. Fails with file and line if anything is wrong with it.
+// The first line that is no comment tells the kind of the file; "-" is standard input. Fails with file and line if
+// anything is wrong with it.
 TPoints ReadPoints(const std::string& a_szFile);
 
 TArrays Arrays(const std::vector<TPoint>& a_vPoints);

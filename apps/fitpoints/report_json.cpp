@@ -11,6 +11,9 @@ namespace fitpoints {
 
 using TJson = nlohmann::ordered_json;
 
+static const char* const FORMATS[] = {"csv", "qgis", "gcp"};       // by enumFileKind
+static const char* const ROLES[] = {"fitted", "check", "dropped"}; // by judgement::enumRole
+
 static TJson Coefficients(const nuv::TOmographicParams& a_Coefs)
 {
     return {{"A", a_Coefs.dA}, {"B", a_Coefs.dB}, {"C", a_Coefs.dC}, {"D", a_Coefs.dD},
@@ -57,10 +60,11 @@ static TJson PointReference(const TPoints& a_Points, std::size_t a_iIndex)
 static TJson PointWithResidual(const TPoints& a_Points, const TFit& a_Fit, std::size_t a_iIndex)
 {
     const TPoint& Point = a_Points.vPoints[a_iIndex];
-    const TResidual& R = a_Fit.vResiduals[a_iIndex];
+    const judgement::TPointJudgement& P = a_Fit.vPoints[a_iIndex];
     TJson Json = PointReference(a_Points, a_iIndex);
+    Json["role"] = ROLES[P.Role];
     Json.update({{"x", Point.dX}, {"y", Point.dY}, {"X", Point.dXa}, {"Y", Point.dYa}});
-    Json.update({{"dX", R.dX}, {"dY", R.dY}, {"length", R.dLength}});
+    Json.update({{"dX", P.dX}, {"dY", P.dY}, {"length", P.dLength}});
     return Json;
 }
 
@@ -70,9 +74,9 @@ static TJson Summary(const TPoints& a_Points, const TFit& a_Fit)
     Largest["length"] = a_Fit.vResiduals[a_Fit.iLargest].dLength;
     return {{"program", "fitpoints " FITPOINTS_VERSION},
             {"file", a_Points.szFile},
-            {"format", a_Points.Kind == FILE_QGIS ? "qgis" : "csv"},
-            {"n", a_Points.vPoints.size()},
-            {"skipped", a_Points.iSkipped},
+            {"format", FORMATS[a_Points.Kind]},
+            {"n", a_Fit.Judgement.iFitted},
+            {"columns_not_read", a_Points.vszUnread},
             {"kind", KindName(a_Fit.Kind)},
             {"mirrored", a_Fit.bMirrored},
             {"not_richer", a_Fit.vszNotRicher},
@@ -84,6 +88,8 @@ static TJson Summary(const TPoints& a_Points, const TFit& a_Fit)
             {"degrees_of_freedom", a_Fit.iFreedom},
             {"sum_of_squares", a_Fit.dSumOfSquares},
             {"rms", a_Fit.dRms ? TJson(*a_Fit.dRms) : TJson()},
+            {"check_points", a_Fit.Judgement.iChecks},
+            {"check_rms", a_Fit.Judgement.iChecks > 0 ? TJson(a_Fit.Judgement.dCheckRms) : TJson()},
             {"largest_residual", Largest}};
 }
 

@@ -35,13 +35,24 @@ static std::string Difference(const std::string& a_szName, double a_dOrigin)
                            : a_szName + " - " + Shortest(a_dOrigin);
 }
 
+static std::string UnreadColumns(const TPoints& a_Points)
+{
+    std::string szText;
+    for (const std::string& szColumn : a_Points.vszUnread)
+    {
+        szText += (szText.empty() ? "columns that are not read: " : ", ") + Quoted(szColumn);
+    }
+    return szText.empty() ? "" : szText + "\n";
+}
+
 static std::string Heading(const TPoints& a_Points, const TFit& a_Fit)
 {
     const char* const vszUnknowns[] = {"four coefficients", "six coefficients", "eight coefficients"};
-    std::string szText = "file:    " + OneLine(a_Points.szFile) + " (" +
-                         (a_Points.Kind == FILE_QGIS ? "QGIS georeferencer" : "CSV") + ")\n";
-    szText += "points:  " + std::to_string(a_Points.vPoints.size()) + " used" +
-              (a_Points.iSkipped > 0 ? ", " + std::to_string(a_Points.iSkipped) + " not enabled" : "") + "\n";
+    const char* const vszFormats[] = {"CSV", "QGIS georeferencer", "-gcp arguments"};
+    std::string szText = "file:    " + OneLine(a_Points.szFile) + " (" + vszFormats[a_Points.Kind] + ")\n";
+    szText += "points:  " + std::to_string(a_Fit.Judgement.iFitted) + " used" +
+              (a_Fit.Judgement.iChecks == 0 ? "" : ", " + Count(a_Fit.Judgement.iChecks, "check point")) + "\n" +
+              UnreadColumns(a_Points);
     szText += std::string("kind:    ") + KindName(a_Fit.Kind) + (a_Fit.bMirrored ? ", orientation reversed" : "") +
               " (" + vszUnknowns[a_Fit.Kind] + ")\n";
     for (const std::string& szReason : a_Fit.vszNotRicher)
@@ -131,36 +142,57 @@ static std::string Shape(const TFit& a_Fit)
     return szText + (a_Fit.Original ? Translation("original", *a_Fit.Original) : "");
 }
 
-static std::string Residuals(const TPoints& a_Points, const TFit& a_Fit)
+static std::string ResidualRow(const std::vector<std::string>& a_vszCells, const std::string& a_szName)
 {
-    const auto Row = [](const std::string& a_szNumber, const std::string& a_szLine, const std::string& a_szX,
-                        const std::string& a_szY, const std::string& a_szLength, const std::string& a_szName)
+    const int viWidths[] = {7, 7, 15, 15, 15};
+    std::string szRow;
+    for (std::size_t i = 0; i < a_vszCells.size(); ++i)
     {
-        return Padded(a_szNumber, -7) + Padded(a_szLine, -7) + Padded(a_szX, -15) + Padded(a_szY, -15) +
-               Padded(a_szLength, -15) + (a_szName.empty() ? "" : "  " + a_szName) + "\n";
-    };
-    std::string szText = "\nResiduals, computed less given, in target units\n";
-    szText += Row("point", "line", "dX", "dY", "length", "name");
-    for (std::size_t i = 0; i < a_Fit.vResiduals.size(); ++i)
+        szRow += Padded(a_vszCells[i], -viWidths[i]);
+    }
+    return szRow + (a_szName.empty() ? "" : "  " + a_szName) + "\n";
+}
+
+// The table of the points that have this role.
+static std::string ResidualTable(const TPoints& a_Points, const TFit& a_Fit, judgement::enumRole a_Role)
+{
+    std::string szText = ResidualRow({"point", "line", "dX", "dY", "length"}, "name");
+    for (std::size_t i = 0; i < a_Fit.vPoints.size(); ++i)
     {
-        const TResidual& R = a_Fit.vResiduals[i];
+        const judgement::TPointJudgement& P = a_Fit.vPoints[i];
         const TPoint& Point = a_Points.vPoints[i];
-        szText += Row(std::to_string(i + 1), std::to_string(Point.iLine), Number("%.6g", R.dX), Number("%.6g", R.dY),
-                      Number("%.6g", R.dLength), Point.szName);
+        if (P.Role == a_Role)
+        {
+            szText += ResidualRow({std::to_string(i + 1), std::to_string(Point.iLine), Number("%.6g", P.dX),
+                                   Number("%.6g", P.dY), Number("%.6g", P.dLength)},
+                                  Point.szName);
+        }
     }
     return szText;
 }
 
+static std::string Residuals(const TPoints& a_Points, const TFit& a_Fit)
+{
+    return "\nResiduals, computed less given, in target units\n" +
+           ResidualTable(a_Points, a_Fit, judgement::ROLE_FITTED) +
+           (a_Fit.Judgement.iChecks == 0 ? ""
+                                         : "\nCheck points, not fitted: computed less given, in target units\n" +
+                                               ResidualTable(a_Points, a_Fit, judgement::ROLE_CHECK));
+}
+
 static std::string Statistics(const TPoints& a_Points, const TFit& a_Fit)
 {
-    const std::string szFreedom = std::to_string(2 * a_Points.vPoints.size()) + " - " +
+    const std::string szFreedom = std::to_string(2 * a_Fit.Judgement.iFitted) + " - " +
                                   std::to_string(a_Fit.iUnknowns) + " = " + std::to_string(a_Fit.iFreedom) +
                                   " degrees of freedom";
     return "\nRMS: " +
            (a_Fit.dRms ? Number("%.10g", *a_Fit.dRms) + ", with " + szFreedom
                        : "does not exist, there is no redundancy: " + szFreedom) +
            "\nlargest residual: " + Number("%.6g", a_Fit.vResiduals[a_Fit.iLargest].dLength) + " at " +
-           Label(a_Points.vPoints, a_Fit.iLargest) + "\n";
+           Label(a_Points.vPoints, a_Fit.iLargest) + "\n" +
+           (a_Fit.Judgement.iChecks == 0
+                ? ""
+                : "RMS of the check points: " + Number("%.10g", a_Fit.Judgement.dCheckRms) + "\n");
 }
 
 std::string TextReport(const TPoints& a_Points, const TFit& a_Fit)

@@ -5,20 +5,35 @@
 #include "rows.h"
 #include "text.h"
 
+#include <algorithm>
 #include <cerrno>
 
 namespace fitpoints {
 
-// These bounds limit the memory and the time that any input takes, endless ones included.
+// The bounds of lines and files limit the memory and the time that any input takes, endless ones included.
 static const std::size_t GREATEST_LINE = 64 * 1024;
-static const std::size_t GREATEST_FILE = 256 * 1024 * 1024;
 
-TRowReader::TRowReader(const std::string& a_szFile)
-    : szFile(a_szFile), File(std::fopen(a_szFile.c_str(), "rb"), std::fclose), iLine(0), iBytes(0)
+static const char* const STANDARD_INPUT = "-";
+
+// Standard input stays open: a file that is opened later would take its descriptor.
+static int KeepOpen(std::FILE*)
+{
+    return 0;
+}
+
+std::string InputName(const std::string& a_szFile)
+{
+    return a_szFile == STANDARD_INPUT ? "standard input" : a_szFile;
+}
+
+TRowReader::TRowReader(const std::string& a_szFile, std::size_t a_iGreatestFile)
+    : szFile(InputName(a_szFile)), File(a_szFile == STANDARD_INPUT ? stdin : std::fopen(a_szFile.c_str(), "rb"),
+                                        a_szFile == STANDARD_INPUT ? KeepOpen : std::fclose),
+      iSeparator(','), iGreatestFile(a_iGreatestFile), iLine(0), iBytes(0)
 {
     if (!File)
     {
-        FailWithError(a_szFile, "cannot be read", errno);
+        FailWithError(szFile, "cannot be read", errno);
     }
     csv_init(&Parser, CSV_STRICT | CSV_STRICT_FINI);
 }
@@ -42,7 +57,7 @@ static void CheckBounds(const TRowReader& a_Reader, const std::string& a_szLine)
     {
         Fail(Place(a_Reader), "the line is longer than 64 KiB");
     }
-    if (a_Reader.iBytes > GREATEST_FILE)
+    if (a_Reader.iBytes > a_Reader.iGreatestFile)
     {
         Fail(Place(a_Reader), "the file is longer than 256 MiB");
     }
@@ -101,12 +116,49 @@ static bool IsRow(const std::string& a_szLine)
     return a_szLine.find_first_not_of(" \t") != std::string::npos && a_szLine[0] != '#';
 }
 
+bool ReadRowText(TRowReader& a_Reader, std::string& a_szLine)
+{
+    while (ReadLine(a_Reader, a_szLine))
+    {
+        if (IsRow(a_szLine))
+        {
+            return true;
+        }
+        if (a_Reader.szCrs.empty() && a_szLine.compare(0, 4, "#CRS") == 0)
+        {
+            a_Reader.szCrs = a_szLine;
+        }
+    }
+    return false;
+}
+
 // ---------------------------------------------------------------------------------------------------------------------
 // Fields
 
+char SeparatorOf(const std::string& a_szLine)
+{
+    const char viSeparators[] = {',', ';', '\t'};
+    long viCounts[] = {0, 0, 0};
+    bool bQuoted = false;
+    for (const char iChar : a_szLine)
+    {
+        bQuoted = bQuoted != (iChar == '"');
+        for (int i = 0; i < 3; ++i)
+        {
+            viCounts[i] += !bQuoted && iChar == viSeparators[i] ? 1 : 0;
+        }
+    }
+    return viSeparators[std::max_element(viCounts, viCounts + 3) - viCounts];
+}
+
+std::string SeparatorName(char a_iSeparator)
+{
+    return a_iSeparator == ',' ? "a comma" : a_iSeparator == ';' ? "a semicolon" : "a tab";
+}
+
 struct TRow
 {
-    TFields vszFields;
+    TFields& vszFields;
     int iEnds; // row ends that the parser saw: more than one if a carriage return stands inside the line
 };
 
@@ -120,10 +172,12 @@ static void EndRow(int, void* a_Row)
     ++static_cast<TRow*>(a_Row)->iEnds;
 }
 
-static TFields SplitLine(TRowReader& a_Reader, const std::string& a_szLine)
+void SplitRow(TRowReader& a_Reader, const std::string& a_szLine, TFields& a_vszFields)
 {
-    TRow Row = {{}, 0};
+    a_vszFields.clear();
+    TRow Row = {a_vszFields, 0};
     csv_parser* const Parser = &a_Reader.Parser;
+    csv_set_delim(Parser, static_cast<unsigned char>(a_Reader.iSeparator));
     if (csv_parse(Parser, a_szLine.data(), a_szLine.size(), AddField, EndRow, &Row) != a_szLine.size() ||
         csv_fini(Parser, AddField, EndRow, &Row) != 0)
     {
@@ -133,21 +187,6 @@ static TFields SplitLine(TRowReader& a_Reader, const std::string& a_szLine)
     {
         Fail(Place(a_Reader), "a carriage return stands inside the line");
     }
-    return Row.vszFields;
-}
-
-bool ReadRow(TRowReader& a_Reader, TFields& a_vszFields)
-{
-    std::string szLine;
-    while (ReadLine(a_Reader, szLine))
-    {
-        if (IsRow(szLine))
-        {
-            a_vszFields = SplitLine(a_Reader, szLine);
-            return true;
-        }
-    }
-    return false;
 }
 
 } // namespace fitpoints

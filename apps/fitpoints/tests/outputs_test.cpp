@@ -71,9 +71,9 @@ TEST_F(FitPoints, DrawsSvgWithLabelledAxesAndNames)
 
 TEST_F(FitPoints, DrawsPng)
 {
-    ASSERT_EQ(0, Run({NUV_FITPOINTS_SAMPLE, "--plot", "p.png", "--world", "p.wld", "--method", "affine"}).iCode);
-    EXPECT_EQ("\x89PNG\r\n\x1A\n", Contents("p.png").substr(0, 8));
-    EXPECT_EQ((std::set<std::string>{"p.png", "p.wld"}), Files());
+    ASSERT_EQ(0, Run({NUV_FITPOINTS_SAMPLE, "--plot", "P.PNG", "--world", "p.wld", "--method", "affine"}).iCode);
+    EXPECT_EQ("\x89PNG\r\n\x1A\n", Contents("P.PNG").substr(0, 8));
+    EXPECT_EQ((std::set<std::string>{"P.PNG", "p.wld"}), Files());
 }
 
 TEST_F(FitPoints, PlotsWithStandardInputClosed)

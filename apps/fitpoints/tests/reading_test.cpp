@@ -4,9 +4,11 @@
 
 #include "fixture.h"
 
+#include <fcntl.h>
 #include <gtest/gtest.h>
 #include <nlohmann/json.hpp>
 #include <sstream>
+#include <unistd.h>
 
 namespace fitpoints_tests {
 namespace {
@@ -40,8 +42,9 @@ TEST_F(FitPoints, ReadsGeoreferencerFilesOfEveryForm)
         const json Fit = RunJson({"p.anything"});
         EXPECT_EQ("qgis", Fit["format"]);
         EXPECT_EQ(4, Fit["n"]);
-        EXPECT_EQ(1, Fit["skipped"]);
-        const json& P = Fit["points"][3];
+        EXPECT_EQ(1, Fit["check_points"]);
+        EXPECT_EQ("check", Fit["points"][3]["role"]);
+        const json& P = Fit["points"][4];
         EXPECT_EQ(100.5, P["x"]);
         EXPECT_EQ(-300.5, P["y"]);
         EXPECT_EQ(500010.5, P["X"]);
@@ -61,6 +64,87 @@ TEST_F(FitPoints, ReadsByteOrderMarkQuotesBlanksAndPlusSigns)
     EXPECT_EQ("\xC3\xA9", Fit["points"][1]["name"]);
     EXPECT_EQ(0.5, Fit["points"][1]["y"]);
     EXPECT_EQ(8, Fit["points"][1]["Y"]);
+}
+
+// The same four points in every form that is read. One of them is a check point where the form can say so.
+TEST_F(FitPoints, ReadsSeparatorsDecimalCommasAndColumnsInAnyOrder)
+{
+    const std::vector<std::string> vszForms = {
+        "name,x,y,X,Y\na,0.5,0,100,7\nb,1,0,101,7\nc,1,1,101,8\nd,0,1,100,9.5\n",
+        "name;x;y;X;Y\na;0,5;0;100;7\nb;1;0;101;7\nc;1;1;101;8\nd;0;1;100;9,5\n",
+        "name\tx\ty\tX\tY\na\t0.5\t0\t100\t7\nb\t1\t0\t101\t7\nc\t1\t1\t101\t8\nd\t0\t1\t100\t9,5\n",
+        "Y,X,height,y,x,id\n7,100,3,0,0.5,a\n7,101,,0,1,b\n8,101,5 m,1,1,c\n9.5,100,3,1,0,d\n",
+        "x;y;X;Y;name;check\n0.5;0;100;7;a;0\n1;0;101;7;b;1\n1;1;101;8;\"c\";0\n0;1;100;9.5;d;0\n",
+        "mapX,mapY,sourceX,sourceY,name\n100,7,0.5,0,a\n101,7,1,0,b\n101,8,1,1,c\n100,9.5,0,1,d\n"};
+    for (std::size_t i = 0; i < vszForms.size(); ++i)
+    {
+        SCOPED_TRACE(vszForms[i]);
+        std::string szText = vszForms[i];
+        if (i == 2)
+        {
+            szText.replace(szText.find("0.5"), 3, "0,5");
+        }
+        Write("p.txt", szText);
+        const json Fit = RunJson({"p.txt", "--method", "conformal"});
+        EXPECT_EQ(i == 4 ? 3 : 4, Fit.at("n"));
+        const json& First = Fit.at("points").front();
+        const json& Last = Fit.at("points").back();
+        EXPECT_EQ("a", First.at("name"));
+        EXPECT_EQ(0.5, First.at("x"));
+        EXPECT_EQ(100, First.at("X"));
+        EXPECT_EQ("d", Last.at("name"));
+        EXPECT_EQ(4, Last.at("point"));
+        EXPECT_EQ(9.5, Last.at("Y"));
+        EXPECT_EQ(i == 3 ? json({"height"}) : json::array(), Fit.at("columns_not_read"));
+        EXPECT_EQ(i == 3, Run({"p.txt"}).szOut.find("columns that are not read: 'height'\n") != std::string::npos);
+    }
+}
+
+TEST_F(FitPoints, ReadsTheArgumentsOfGdal)
+{
+    Write("p.txt", "gdal_translate -of GTiff -a_srs EPSG:2056 -gcp 0 0 100 200 -gcp 1 0 101 200 7.5 \\\n"
+                   "  -gcp 1 1 101.5 -199 \\\n  -gcp 0 1e0 100 199 in.tif out.tif\n");
+    const json Fit = RunJson({"p.txt", "--method", "affine"});
+    EXPECT_EQ("gcp", Fit.at("format"));
+    ASSERT_EQ(4, Fit.at("n"));
+    EXPECT_EQ(101.5, Fit["points"][2].at("X"));
+    EXPECT_EQ(-199, Fit["points"][2].at("Y"));
+    EXPECT_EQ(2, Fit["points"][2].at("line"));
+    EXPECT_EQ(1, Fit["points"][3].at("y"));
+}
+
+TEST_F(FitPoints, ReadsStandardInput)
+{
+    Write("p.csv", Square);
+    Prepare = [] { dup2(open("p.csv", O_RDONLY), STDIN_FILENO); };
+    EXPECT_EQ(4, RunJson({"-"}).at("n"));
+    EXPECT_NE(std::string::npos, Run({"-"}).szOut.find("file:    standard input (CSV)\n"));
+    Write("p.csv", Header + "1,2,3\n");
+    ExpectFailure({"-"}, "standard input:2: 3 fields where the header has 4");
+}
+
+// The check point (50, 50) is 3 and 4 units off. The transformation of the other points is the identity.
+TEST_F(FitPoints, CheckPointsAreComparedButNotFitted)
+{
+    Write("p.csv", "check,x,y,X,Y\n0,0,0,0,0\n1,50,50,53,46\n0,100,0,100,0\n0,100,100,100,100\n0,0,100,0,100\n"
+                   "1,10,10,10,10\n");
+    const json Fit = RunJson({"p.csv", "--method", "affine"});
+    EXPECT_EQ(4, Fit.at("n"));
+    EXPECT_NEAR(0, Fit.at("rms"), 1e-12);
+    EXPECT_EQ(2, Fit.at("check_points"));
+    const json& Check = Fit["points"][1];
+    EXPECT_EQ("check", Check.at("role"));
+    EXPECT_EQ("fitted", Fit["points"][2].at("role"));
+    EXPECT_EQ(2, Check.at("point"));
+    EXPECT_EQ(3, Check.at("line"));
+    EXPECT_NEAR(-3, Check.at("dX"), 1e-12);
+    EXPECT_NEAR(4, Check.at("dY"), 1e-12);
+    EXPECT_NEAR(5, Check.at("length"), 1e-12);
+    EXPECT_NEAR(2.5, Fit.at("check_rms"), 1e-12); // sqrt((9 + 16) / 4): two points have four coordinates
+    const std::string szText = Run({"p.csv", "--method", "affine"}).szOut;
+    EXPECT_NE(std::string::npos, szText.find("points:  4 used, 2 check points\n"));
+    EXPECT_NE(std::string::npos, szText.find("      2      3             -3              4              5\n"));
+    EXPECT_NE(std::string::npos, szText.find("RMS of the check points: 2.5\n"));
 }
 
 struct TBadInput
@@ -89,7 +173,8 @@ TEST_P(BadInput, OneLineExitCodeTwoAndOutputsUntouched)
 }
 
 const std::string Good = "0,0,0,0\n1,0,1,0\n";
-const std::string Columns = ", not [name,]x,y,X,Y or mapX,mapY,sourceX,sourceY,enable[,dX,dY,residual]";
+const std::string Columns = ", without x,y,X,Y and without sourceX,sourceY,mapX,mapY";
+const std::string Semicolons = "x;y;X;Y\n";
 
 INSTANTIATE_TEST_SUITE_P(
     All, BadInput,
@@ -97,10 +182,31 @@ INSTANTIATE_TEST_SUITE_P(
         TBadInput{"Empty", "", ": the file is empty"},
         TBadInput{"OnlyComments", "# a\n\n", ": the file has no header line"},
         TBadInput{"OnlyHeader", Header, ": no points: a transformation needs at least 2"},
-        TBadInput{"WrongColumns", "# c\nx,y,z,t\n0,0,0,0\n", ":2: the columns are 'x,y,z,t'" + Columns},
+        TBadInput{"WrongColumns", "# c\nx,y,z,t\n0,0,0,0\n", ":2: the columns are 'x,y,z,t': X and Y are missing"},
+        TBadInput{"MissingColumn", "Y;x;y;h\n", ":1: the columns are 'Y;x;y;h': X is missing"},
+        TBadInput{"MissingMapColumn", "mapX,sourceX,sourceY\n",
+                  ":1: the columns are 'mapX,sourceX,sourceY': mapY is missing"},
+        TBadInput{"ColumnTwice", "x,x,y,X,Y\n", ":1: the column x stands twice"},
+        TBadInput{"SeparatedByBars", "name|x|y|X|Y\na|0|0|0|0\n",
+                  ":1: the columns are separated by '|': the separator must be a comma, a semicolon or a tab"},
+        TBadInput{"SeparatedByBlanks", "x  y  X  Y\n0 0 0 0\n",
+                  ":1: the columns are separated by blanks: the separator must be a comma, a semicolon or a tab"},
+        TBadInput{"RowsWithAnotherSeparator", Header + "0;0;0;0\n",
+                  ":2: 1 field where the header has 4: the separator is a semicolon, that of the header a comma"},
+        TBadInput{"RowsWithDecimalCommas", "x\ty\tX\tY\n1,5,2,5,3,5,4,5\n",
+                  ":2: 1 field where the header has 4: the separator is a comma, that of the header a tab"},
+        TBadInput{"PointBehindComma", Semicolons + "1,5;2;3;4\n1.5;2;3;4\n",
+                  ":3: column x: '1.5' has a decimal point, the numbers before it have decimal commas"},
+        TBadInput{"CommaBehindPoint", Semicolons + "1;2;3.5;1,234\n",
+                  ":2: column Y: '1,234' has a decimal comma, the numbers before it have decimal points"},
+        TBadInput{"TwoCommas", Semicolons + "1,234,5;2;3;4\n", ":2: column x: '1,234,5' is not a decimal number"},
+        TBadInput{"CommaAndPoint", Semicolons + "1.234,5;2;3;4\n", ":2: column x: '1.234,5' is not a decimal number"},
+        TBadInput{"CheckTwo", "x,y,X,Y,check\n0,0,0,0,yes\n", ":2: column check: 'yes' is neither 0 nor 1"},
+        TBadInput{"GcpWithoutNumbers", "-gcp 1 2 3\n", ":1: column Y of -gcp is empty"},
+        TBadInput{"GcpWithText", "-gcp 1 2 3 4\n-gcp 1 2 3m 4\n", ":2: column X of -gcp: '3m' is not a decimal number"},
+        TBadInput{"GcpWithSixNumbers", "-gcp 1 2 3 4 5 6\n", ":1: -gcp has more than pixel, line, X, Y and Z: '6'"},
+        TBadInput{"GcpLineWithout", "-gcp 1 2 3 4\nmap.tif\n", ":2: the line has no -gcp"},
         TBadInput{"NoHeader", "1,2,3,4\n5,6,7,8\n", ":1: the columns are '1,2,3,4'" + Columns},
-        TBadInput{"HalfOfTheLastColumns", "mapX,mapY,sourceX,sourceY,enable,dX\n",
-                  ":1: the columns are 'mapX,mapY,sourceX,sourceY,enable,dX'" + Columns},
         TBadInput{"TooFewFields", Header + Good + "1,2,3\n", ":4: 3 fields where the header has 4"},
         TBadInput{"TooManyFields", Header + "# c\n1,2,3,4,5\n", ":3: 5 fields where the header has 4"},
         TBadInput{"TrailingComma", Header + "1,2,3,4,\n", ":2: 5 fields where the header has 4"},
