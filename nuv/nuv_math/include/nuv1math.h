@@ -6,9 +6,13 @@
 #define NUV_NUV1MATH_H
 
 /** @file
- *  The public interface of nuv1math: everything that the library exports, in namespace nuv.
+ *  The public interface of nuv1math: everything that the library exports, in namespace nuv. The page of conventions
+ *  stands first; the description of a function states only what is its own. */
+
+/** @page conventions Conventions
+ *  These rules hold for every function, unless its description says otherwise.
  *
- *  @par Which fit
+ *  @section which_fit Which fit
  *  | wanted                                                | function            | points    |
  *  |-------------------------------------------------------|---------------------|-----------|
  *  | the richest transformation that the points support    | CalcCoefs           | 2 or more |
@@ -21,53 +25,58 @@
  *  the result maps coordinates that are reduced in this way. Look at the residuals afterwards: no fit reports points
  *  that fit badly.
  *
- *  @par Control points and units
+ *  @image html three-kinds.svg "What the three kinds can do to a square grid"
+ *
+ *  @section control_points Control points, residuals and units
  *  Control points are points whose coordinates are known in a source and in a target system. They are passed as four
  *  arrays of equal length: a_vdX and a_vdY hold x and y in the source system; a_vdXa and a_vdYa hold X and Y of the
- *  same points in the target system. Every fit maps the source onto the target and minimises the sum of the squared
- *  residuals; all points have the same weight. Coordinates are in any units. Scales are target units per source unit.
- *  Angles are in radians and grow counter-clockwise, from the x axis towards the y axis.
+ *  same points in the target system. Every fit maps the source onto the target. The residual of a point is its computed
+ *  position (the mapped source point) less its given target position. The fits minimise the sum of the squared
+ *  residuals in X and Y; all points have the same weight.
  *
- *  @par Result codes
+ *  Coordinates are in any units. Scales are target units per source unit. Angles are in radians and grow
+ *  counter-clockwise, from the x axis towards the y axis.
+ *
+ *  @image html residuals.svg "A residual leads from the given to the computed position"
+ *
+ *  @section result_codes Result codes
  *  The library throws nothing and logs nothing. A function that can fail reports this by its return value; the two
  *  exceptions are InitCholLowTri (null pointers) and AffineUntransform (see there).
  *  | value     | name              | meaning                                                                          |
  *  |-----------|-------------------|----------------------------------------------------------------------------------|
  *  |         1 |                   | success: all outputs are written                                                 |
  *  | 0 or more |                   | polynomial Roots, SolveLinTrig, SolveQuadTrig: how many solutions are written    |
- *  |        -1 | RET_IMPOSSIBLE    | no result: too few points (conformal, affine), equal source points (conformal),  |
- *  |           |                   | a degenerate record, or an equation or system without solution                   |
- *  |        -2 | RET_INDETERMINATE | no unique result: a singular system that is not found inconsistent, an equation  |
- *  |           |                   | that every value solves, or an omographic fit that has too few points or cannot  |
- *  |           |                   | be solved                                                                        |
+ *  |        -1 | RET_IMPOSSIBLE    | no result: too few points, a degenerate input, or no solution                    |
+ *  |        -2 | RET_INDETERMINATE | no unique result: singular equations, or every value solves                      |
  *
- *  Functions that return bool return true for success. An output that was written before a failure was found stays
- *  written. Each function lists these outputs; it leaves all others untouched.
+ *  Each function states when it returns -1 or -2. Too few points give -1 in the conformal and affine fits and -2 in the
+ *  omographic one. Functions that return bool return true for success. An output that was written before a failure was
+ *  found stays written. Each function lists these outputs; it leaves all others untouched.
  *
- *  @par Degeneracy tolerance
+ *  @section tolerance Degeneracy tolerance
  *  "v is zero" means -1e-12 <= v <= 1e-12 below, both ends included, unless another test is stated. The tolerance is
  *  absolute: it does not depend on the size of the data. Choose units in which the scales are at least 1e-5. A NaN is
  *  never zero.
  *
- *  @par Special values
+ *  @section special_values Special values
  *  No function checks its arguments for NaN or infinity. Such values take part in the arithmetic and in the tests, and
  *  the result code can be any. The length of a vector (a scale) is computed from the ratio of its components: the
  *  vector (NaN, 0) has the length 0; (0, NaN) and two infinities have the length NaN.
  *
- *  @par Aliasing
+ *  @section aliasing Aliasing
  *  An output must not overlap an input or another output, unless the function says otherwise. Arrays that are only
  *  read may overlap each other. An argument that is passed by value may come from a variable that is also an output.
  *
- *  @par Threads
+ *  @section threads Threads
  *  The functions for random numbers share one state in the process, without a lock. Every other function touches only
  *  its arguments and its own scratch memory: it may run on several threads at once if their outputs are different.
  *
- *  @par Memory
+ *  @section memory Memory
  *  Arrays and records belong to the caller. Only these functions allocate: InitCholLowTri (for the caller), CalcCoefs
  *  (one array of a_iPoints doubles, and only for a similarity that reverses the orientation), the polynomial Roots, and
  *  SolveQuadTrig when it solves a quartic. They release all memory before they return, except InitCholLowTri.
  *
- *  @par The same bits everywhere
+ *  @section same_bits The same bits everywhere
  *  The library performs all operations on doubles in a fixed order, without contraction and without excess precision.
  *  Results that are made of additions, subtractions, multiplications, divisions, square roots and conversions of
  *  integers have the same bits on every platform. This requires that the calling thread rounds to nearest and does not
@@ -76,15 +85,14 @@
  *  angles, and Randn, use the platform's sin, cos, tan, asin, acos, atan, atan2 and log, which differ between platforms
  *  in the last place or two.
  *
- *  @par Broken invariants
+ *  @section broken_invariants Broken invariants
  *  Some checks guard conditions that hold for all arguments. One check guards a condition that the caller must ensure
- *  (see AffineUntransform). When a check fails, the library shows the text "<source>:<line> assertion
- *  failure:\n<condition>" and then ends the process with exit code 0. On Windows the text is in a message box. On POSIX
+ *  (see AffineUntransform). When a check fails, the library shows a text of two lines, "SOURCE:LINE assertion failure:"
+ *  and the condition, and then ends the process with exit code 0. On Windows the text is in a message box. On POSIX
  *  systems it goes to standard error, and the library waits for a line of input if standard input is a terminal.
  */
 
-/** @def NUV1MATH_API
- *  Exports the functions when the library itself is built (NUV1MATH_BUILD), and imports them otherwise. */
+/* NUV1MATH_API exports the functions when the library itself is built (NUV1MATH_BUILD), and imports them otherwise. */
 #if defined(_WIN32)
 #if defined(NUV1MATH_BUILD)
 #define NUV1MATH_API __declspec(dllexport)
@@ -106,7 +114,9 @@ const int RET_IMPOSSIBLE = -1;
 /** No unique result: see the table of result codes. */
 const int RET_INDETERMINATE = -2;
 
-/** An affine transformation: X = a x + b y + c, Y = d x + e y + f. */
+/** @ingroup affine
+ *  An affine transformation:
+ *  @f[ X = a x + b y + c, \quad Y = d x + e y + f @f] */
 struct TAffineCoefs
 {
     double dA; /**< a: coefficient of x in X */
@@ -117,10 +127,14 @@ struct TAffineCoefs
     double dF; /**< f: translation of Y, target units */
 };
 
-/** A conformal transformation (a similarity that keeps the orientation): X = A x + B y + Tx, Y = -B x + A y + Ty with
- *  A = s cos(theta) and B = -s sin(theta). The record also holds the linear part of the inverse; after a fit with
+/** @ingroup conformal
+ *  A conformal transformation (a similarity that keeps the orientation):
+ *  @f[ X = A x + B y + T_x, \quad Y = -B x + A y + T_y, \quad A = s \cos\theta, \quad B = -s \sin\theta @f]
+ *  with the scale s and the rotation theta. The record also holds the linear part of the inverse; after a fit with
  *  a_bRigidInverse these two fields are A and -B instead. Every function uses the fields as they are and recomputes
- *  none from the others. */
+ *  none from the others.
+ *
+ *  @image html conformal-parameters.svg "Scale and rotation of a conformal transformation" */
 struct TConformalCoefs
 {
     double dA;    /**< A = s cos(theta): coefficient of x in X and of y in Y */
@@ -131,7 +145,9 @@ struct TConformalCoefs
     double dInvB; /**< sin(theta)/s = -B/(A^2 + B^2): the dB of the inverse */
 };
 
-/** An omographic (projective) transformation: X = (A x + B y + C)/W, Y = (D x + E y + F)/W with W = G x + H y + 1.
+/** @ingroup omographic
+ *  An omographic (projective) transformation:
+ *  @f[ X = \frac{A x + B y + C}{W}, \quad Y = \frac{D x + E y + F}{W}, \quad W = G x + H y + 1 @f]
  *  With G = H = 0 it is affine.
  *
  *  Limits: the constant of W is fixed at 1. A transformation that takes the source origin to infinity (W = 0 at
@@ -150,7 +166,8 @@ struct TOmographicParams
     double dH; /**< H: coefficient of y in the denominator */
 };
 
-/** The kinds of transformation among which CalcCoefs chooses, from the poorest to the richest. */
+/** @ingroup fits
+ *  The kinds of transformation among which CalcCoefs chooses, from the poorest to the richest. */
 enum enumMethodUsed
 {
     METHOD_CONFORMAL = 0, /**< similarity, four coefficients, at least 2 points (CalcConformalCoefs) */
@@ -158,7 +175,9 @@ enum enumMethodUsed
     METHOD_OMOGRAPHIC = 2 /**< projective, eight coefficients, at least 4 points (CalcOmographicCoefs) */
 };
 
-/** @name Transformation from control points
+/** @defgroup fits Transformation from control points
+ *  Least-squares fits of the three kinds, and the choice among them. The page of conventions states what control points
+ *  and residuals are.
  *  @{ */
 
 /** Computes the richest transformation that the control points support. The result is one record for all kinds.
@@ -183,14 +202,17 @@ enum enumMethodUsed
  *  @param a_vdXa             X in the target system, a_iPoints values
  *  @param a_vdYa             Y in the target system, a_iPoints values
  *  @param a_bSameOrientation used by the conformal kind only. True: the similarity keeps the orientation of the axes.
- *                            False: it reverses the orientation, by a reflection of the target's Y axis: X = A x + B y
- *                            + C, Y = B x - A y + F (image rows that grow downwards, against a Y that grows upwards)
+ *                            False: it reverses the orientation, by a reflection of the target's Y axis:
+ *                            X = A x + B y + C, Y = B x - A y + F (image rows that grow downwards, against a Y that
+ *                            grows upwards)
  *  @param a_Requested        the richest kind that the caller accepts
  *  @param a_Used             out: the kind of the result
  *  @param a_Params           out: the transformation; dG = dH = 0 for the affine and conformal kinds
  *  @return true: a_Used and a_Params hold a transformation. False: a_iPoints < 2, or every allowed kind failed, or the
  *          array for a_bSameOrientation = false could not be allocated. a_Used is then untouched. a_Params is untouched
- *          too, unless the omographic fit was tried: it then holds values that must not be used. */
+ *          too, unless the omographic fit was tried: it then holds values that must not be used.
+ *
+ *  @image html mirroring.svg "A negative sy, and a similarity that reverses the orientation" */
 NUV1MATH_API bool CalcCoefs(int a_iPoints, const double* a_vdX, const double* a_vdY, const double* a_vdXa,
                             const double* a_vdYa, bool a_bSameOrientation, enumMethodUsed a_Requested,
                             enumMethodUsed& a_Used, TOmographicParams& a_Params);
@@ -209,9 +231,11 @@ NUV1MATH_API bool CalcCoefs(int a_iPoints, const double* a_vdX, const double* a_
  *  - The test for equal source points is absolute. It also rejects points whose spread is below about 1e-6 units. It
  *    can miss equal points if their mean is rounded by more than that (three points at 1e11 + 0.1).
  *
- *  Method: closed form about the centroids. With centred coordinates, S = sum(dx^2 + dy^2), A = sum(dX dx + dY dy)/S,
- *  B = sum(dX dy - dY dx)/S. A common offset of the coordinates only adds the rounding of the means, which grows with
- *  the offset and the number of points. Source: the four-parameter (Helmert) transformation, as in C. D. Ghilani,
+ *  Method: closed form about the centroids. With the coordinates dx, dy, dX, dY that count from the means,
+ *  @f[ S = \sum (dx^2 + dy^2), \quad A = \frac{\sum (dX\,dx + dY\,dy)}{S},
+ *      \quad B = \frac{\sum (dX\,dy - dY\,dx)}{S} @f]
+ *  A common offset of the coordinates only adds the rounding of the means, which grows with the offset and the number
+ *  of points. Source: the four-parameter (Helmert) transformation, as in C. D. Ghilani,
  *  Adjustment Computations, chapter on coordinate transformations; and S. Umeyama, IEEE Trans. Pattern Anal. Mach.
  *  Intell. 13 (1991) 376-380, for the same minimum in any dimension.
  *
@@ -230,15 +254,15 @@ NUV1MATH_API int CalcConformalCoefs(unsigned int a_iPoints, const double* a_vdX,
 
 /** Fits an affine transformation. It minimises the sums of squared residuals in X and in Y independently.
  *
- *  Limits: **the fit does not detect source points on one line, nor fewer than three different source points.** It then
- *  returns 1 with very large or meaningless coefficients. The determinant ae - db does not reveal this. A caller that
- *  cannot exclude such points must test them before the fit: let r be the spread (root mean square) of the source
- *  points across their best line, divided by their spread along it. The errors of a, b, d and e, relative to the
- *  largest of them, are
- *  - typically 3e-17/r^2 to 3e-16/r^2, and at most 3e-15/r^2, for up to 1000 points;
- *  - typically 1e-15/r^2 for 10 000 points and 4e-15/r^2 for 100 000 points, up to ten times that.
- *  No digit is left below r = 3e-8. Target points on one line show in a determinant that is tiny beside the squares of
- *  the coefficients.
+ *  Limits:
+ *  - **The fit does not detect source points on one line, nor fewer than three different source points.** It then
+ *    returns 1 with very large or meaningless coefficients. The determinant ae - db does not reveal this. A caller that
+ *    cannot exclude such points must test them before the fit.
+ *  - Let r be the spread (root mean square) of the source points across their best line, divided by their spread along
+ *    it. The errors of a, b, d and e, relative to the largest of them, are typically 3e-17/r^2 to 3e-16/r^2, and at
+ *    most 3e-15/r^2, for up to 1000 points. They are typically 1e-15/r^2 for 10 000 points and 4e-15/r^2 for 100 000
+ *    points, up to ten times that. No digit is left below r = 3e-8.
+ *  - Target points on one line show in a determinant that is tiny beside the squares of the coefficients.
  *
  *  Method: normal equations in coordinates that are centred on their means, so that a common offset costs no more than
  *  the rounding of the coordinates; 3x3 Gaussian elimination with row pivoting, which replaces a pivot of exactly zero
@@ -267,12 +291,12 @@ NUV1MATH_API int CalcAffineCoefs(unsigned int a_iPoints, const double* a_vdX, co
  *    badly.
  *  - The points determine the eight coefficients only if there are four of them of which no three lie on a line.
  *    Otherwise the fit can report this, or return 1 with arbitrary values.
+ *  - So test the coefficients for finiteness and look at the residuals.
  *
- *  Test the coefficients for finiteness and look at the residuals.
- *
- *  Method: the equations multiplied by the denominator, X = Ax + By + C - GXx - HXy and the like for Y, are linear in
- *  the eight coefficients. Their normal equations are solved by Cholesky factorisation, with the bits that
- *  UpdateNormMatrixLowTri (for each point the X equation, then the Y equation), CholeskyLowTri and SolveCholLowTri
+ *  Method: the equations multiplied by the denominator,
+ *  @f[ X = A x + B y + C - G X x - H X y, \quad Y = D x + E y + F - G Y x - H Y y @f]
+ *  are linear in the eight coefficients. Their normal equations are solved by Cholesky factorisation, with the bits
+ *  that UpdateNormMatrixLowTri (for each point the X equation, then the Y equation), CholeskyLowTri and SolveCholLowTri
  *  give. At most four Gauss-Newton iterations on the true residuals follow. They end when every correction is below
  *  1e-8 in absolute value, or when an iteration cannot be factorised; the coefficients reached before it then remain.
  *  Neither this nor the end after four iterations is an error. Source: R. Hartley, A. Zisserman, Multiple View
@@ -292,8 +316,8 @@ NUV1MATH_API int CalcOmographicCoefs(int a_iPoints, const double* a_vdX, const d
 
 /** @} */
 
-/** @name Affine transformations
- *  The geometric parameters of an affine transformation are
+/** @defgroup affine Affine transformations
+ *  An affine transformation has coefficients (TAffineCoefs) and geometric parameters. The parameters are
  *  - sx: the scale along the source x axis;
  *  - theta: the rotation of the image of the x axis;
  *  - sy: the scale of the source y axis, measured perpendicularly to the image of the x axis;
@@ -301,8 +325,10 @@ NUV1MATH_API int CalcOmographicCoefs(int a_iPoints, const double* a_vdX, const d
  *    from the perpendicular towards the image of the x axis;
  *  - tx, ty: the translations.
  *
- *  a = sx cos(theta), b = sy (cos(theta) tan(phi) - sin(theta)), c = tx,
- *  d = sx sin(theta), e = sy (sin(theta) tan(phi) + cos(theta)), f = ty.
+ *  @f[ a = s_x \cos\theta, \quad b = s_y (\cos\theta \tan\varphi - \sin\theta), \quad c = t_x @f]
+ *  @f[ d = s_x \sin\theta, \quad e = s_y (\sin\theta \tan\varphi + \cos\theta), \quad f = t_y @f]
+ *
+ *  @image html affine-parameters.svg "The unit square and its image: sx, sy, theta and phi"
  *  @{ */
 
 /** Computes affine coefficients from geometric parameters. A skew of +-pi/2 is not refused: tan(phi), about 1.6e16
@@ -345,10 +371,11 @@ NUV1MATH_API int AffineCoefsToInvCoefs(const TAffineCoefs& a_Coefs, TAffineCoefs
 
 /** Maps a target point back to the source: solves a x + b y = X - c, d x + e y = Y - f by the two-unknown Roots.
  *
- *  Limit: **the process ends (see Broken invariants) if the determinant ae - db is zero and e (X - c) - b (Y - f) is
- *  not.** This includes regular transformations whose scales multiply to 1e-12 or less (pixels of 0.1 m in degrees). If
- *  both are zero, the result is (0, 0), even if the equations contradict each other, as they can when all coefficients
- *  are 0. If the determinant can be zero, call AffineCoefsToInvCoefs or Roots instead: they report it.
+ *  Limit: **the process ends if the determinant ae - db is zero and e (X - c) - b (Y - f) is not** (see Broken
+ *  invariants in the conventions). This includes regular transformations whose scales multiply to 1e-12 or less (pixels
+ *  of 0.1 m in degrees). If both are zero, the result is (0, 0), even if the equations contradict each other, as they
+ *  can when all coefficients are 0. If the determinant can be zero, call AffineCoefsToInvCoefs or Roots instead: they
+ *  report it.
  *
  *  @param a_Coefs the transformation
  *  @param a_dXa   X of the target point
@@ -360,7 +387,8 @@ NUV1MATH_API void AffineUntransform(const TAffineCoefs& a_Coefs, double a_dXa, d
 
 /** @} */
 
-/** @name Conformal transformations
+/** @defgroup conformal Conformal transformations
+ *  Parameters, coefficients and inverse of a similarity that keeps the orientation (TConformalCoefs).
  *  @{ */
 
 /** Computes conformal coefficients from scale, rotation and translations.
@@ -401,7 +429,8 @@ NUV1MATH_API void ConformalCoefsToAffineCoefs(const TConformalCoefs& a_Coefs, TA
 
 /** @} */
 
-/** @name Omographic transformations
+/** @defgroup omographic Omographic transformations
+ *  The record TOmographicParams holds every kind of transformation. CalcOmographicCoefs and CalcCoefs compute it.
  *  @{ */
 
 /** Converts an affine transformation to an omographic one: the six coefficients in order, dG = dH = 0.
@@ -412,14 +441,17 @@ NUV1MATH_API void AffineCoefsToOmographicCoefs(const TAffineCoefs& a_Affine, TOm
 
 /** @} */
 
-/** @name Normal equations and Cholesky, packed
+/** @defgroup packed Normal equations and Cholesky, packed
  *  Linear least squares for n unknowns x. Each observation states a.x = l, with the coefficients a and the observed
- *  value l. The functions accumulate the normal matrix N = sum(a a^T) and the right-hand side u = sum(a l), factorise
- *  N = L L^T, and solve N x = u. Every observation has weight 1; for weight w multiply its coefficients and its value
+ *  value l. The functions accumulate the normal matrix N and the right-hand side u, factorise N, and solve for x:
+ *  @f[ N = \sum a a^T, \quad u = \sum a l, \quad N = L L^T, \quad N x = u @f]
+ *  Every observation has weight 1; for weight w multiply its coefficients and its value
  *  by sqrt(w).
  *
  *  A packed matrix holds the lower triangle of a symmetric n x n matrix, row by row, in n(n+1)/2 doubles. Element
  *  (i, j) with j <= i, counted from 0, is at i(i+1)/2 + j. The same array first holds N and then L.
+ *
+ *  @image html packed-triangle.svg "Where the elements of a packed matrix of four unknowns are"
  *
  *  Order of calls: InitCholLowTri (or the caller's own arrays, filled with zeros); UpdateNormMatrixLowTri for each
  *  observation; CholeskyLowTri; SolveCholLowTri if that returned true; DeleteCholLowTri.
@@ -489,10 +521,12 @@ NUV1MATH_API void SolveCholLowTri(int a_iUnknowns, const double* a_vdFactor, dou
 
 /** @} */
 
-/** @name Linear systems
+/** @defgroup linear Linear systems
+ *  Two equations with two unknowns. Cholesky factorisation solves larger systems.
  *  @{ */
 
-/** Solves a11 x + a12 y = b1, a21 x + a22 y = b2 by Cramer's rule.
+/** Solves two linear equations by Cramer's rule:
+ *  @f[ a_{11} x + a_{12} y = b_1, \quad a_{21} x + a_{22} y = b_2 @f]
  *
  *  Limits: the tolerances are absolute, so a well-conditioned system with small coefficients counts as singular: scale
  *  the equations. In a singular system only the numerator of x, a22 b1 - a12 b2, is tested, and not that of y: if all
@@ -513,7 +547,7 @@ NUV1MATH_API int Roots(double a_dA11, double a_dA12, double a_dA21, double a_dA2
 
 /** @} */
 
-/** @name Cholesky, dense
+/** @defgroup dense Cholesky, dense
  *  The same factorisation and solution on a full n x n matrix, stored row by row: element (i, j), counted from 0, is at
  *  i n + j. The functions read and write only the lower triangle with the diagonal; the strict upper triangle may hold
  *  anything and keeps it. Order of calls: Cholesky; SolveChol with the same array if that returned true.
@@ -541,7 +575,8 @@ NUV1MATH_API void SolveChol(int a_iN, const double* a_vdFactor, double* a_vdVect
 
 /** @} */
 
-/** @name Polynomials
+/** @defgroup polynomials Polynomials
+ *  Real roots of polynomials of any degree. Read the limits: roots can be missing without notice.
  *  @{ */
 
 /** Computes the real roots of a polynomial with real coefficients, as eigenvalues of its companion matrix.
@@ -587,7 +622,7 @@ NUV1MATH_API int Roots(unsigned int iDegree, const double* vdA, double* a_vdRoot
 
 /** @} */
 
-/** @name Trigonometric equations
+/** @defgroup trigonometric Trigonometric equations
  *  Angles are in [0, 2 pi], both ends included; -0.0 occurs. Coefficients are compared exactly.
  *
  *  Limit: squares and products of the coefficients must neither overflow nor underflow (magnitudes of about 1e-150 to
@@ -595,7 +630,8 @@ NUV1MATH_API int Roots(unsigned int iDegree, const double* vdA, double* a_vdRoot
  *  coefficients can give NaN angles.
  *  @{ */
 
-/** Finds the angles t that solve a cos(t) + b sin(t) + c = 0.
+/** Finds the angles t that solve the equation
+ *  @f[ a \cos t + b \sin t + c = 0 @f]
  *
  *  Limits: near a tangent solution, where a^2 + b^2 is close to c^2, rounding decides between no, one and two angles.
  *  A tangent solution is found twice if a = 0, and once if b = 0 or if rounding leaves the discriminant exactly 0.
@@ -613,7 +649,8 @@ NUV1MATH_API int Roots(unsigned int iDegree, const double* vdA, double* a_vdRoot
  *          result is not positive. */
 NUV1MATH_API int SolveLinTrig(double a_dA, double a_dB, double a_dC, double* const a_vdAngles);
 
-/** Finds the angles t that solve a cos^2(t) + b sin^2(t) + c sin(t) cos(t) + d cos(t) + e sin(t) + f = 0.
+/** Finds the angles t that solve the equation
+ *  @f[ a \cos^2 t + b \sin^2 t + c \sin t \cos t + d \cos t + e \sin t + f = 0 @f]
  *
  *  Limits:
  *  - A quartic is solved unless d = e = 0, or c = 0 and a = b. The limits of the polynomial Roots then hold: **tangent
@@ -642,20 +679,20 @@ NUV1MATH_API int SolveQuadTrig(double a_dA, double a_dB, double a_dC, double a_d
 
 /** @} */
 
-/** @name Random numbers
+/** @defgroup random Random numbers
  *  **The generator has one state for the whole process, which all threads share without a lock:** callers that draw on
  *  several threads must serialise their calls. Loading the library seeds it with -1, so every process starts with the
  *  same sequence.
  *
- *  Limits: the values are spread more evenly than chance, and their leading digits repeat after 259200 values.
+ *  Limits:
+ *  - The values are spread more evenly than chance, and their leading digits repeat after 259200 values.
  *  - A chi-square test at 1 % on 100 equal cells rejects 6 % of all seeds at 500 values, 15 % at 1000 and half at 3000,
  *    always because the counts are too even.
  *  - The variance of the mean of n values, divided by that of independent values, is 0.95 for n = 1000, 0.84 for 3000
  *    and 0.2 for 10 000 (Randn: 1.0, 0.96 and 0.43).
  *  - Pairs of consecutive values pass chi-square tests up to 50 000 pairs and fail them at 200 000.
- *
- *  So draw at most 1000 values where their scatter itself matters, as in a statistical test, and at most 100 000 to
- *  compute an average. Do not use them for cryptography.
+ *  - So draw at most 1000 values where their scatter itself matters, as in a statistical test, and at most 100 000 to
+ *    compute an average. Do not use them for cryptography.
  *
  *  Method: three linear congruential generators (moduli 259200, 134456, 243000). Two of them form a value; the third
  *  draws it from a table of 97. Source: C. Bays, S. D. Durham, ACM Trans. Math. Softw. 2 (1976) 59-64; for the normal

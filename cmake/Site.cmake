@@ -1,0 +1,33 @@
+# SPDX-License-Identifier: MIT
+#
+# The pages of the library as a site of HTML files. The target `site` makes it in the directory site/html of the build.
+# It needs doxygen, nodejs and katex; without them there is no target. The component `doc` installs it if it was made.
+
+find_package(Python3 COMPONENTS Interpreter)
+find_program(NUV1MATH_DOXYGEN doxygen)
+find_program(NUV1MATH_NODE node)
+mark_as_advanced(NUV1MATH_DOXYGEN NUV1MATH_NODE)
+
+if(NOT Python3_Interpreter_FOUND OR NOT NUV1MATH_DOXYGEN OR NOT NUV1MATH_NODE)
+  if(NUV1MATH_BUILD_SITE)
+    message(FATAL_ERROR "The site needs Python 3, doxygen, nodejs and katex")
+  endif()
+  return()
+endif()
+
+set(in_all "")
+if(NUV1MATH_BUILD_SITE)
+  set(in_all ALL)
+endif()
+
+file(GLOB site_inputs CONFIGURE_DEPENDS ${PROJECT_SOURCE_DIR}/docs/*.* ${PROJECT_SOURCE_DIR}/docs/*/*.*
+  ${PROJECT_SOURCE_DIR}/examples/*.cpp ${PROJECT_SOURCE_DIR}/examples/expected/*.txt
+  ${PROJECT_SOURCE_DIR}/scripts/pages/*.py)
+set(site_index ${PROJECT_BINARY_DIR}/site/html/index.html)
+add_custom_command(OUTPUT ${site_index} VERBATIM
+  COMMAND ${Python3_EXECUTABLE} -B ${PROJECT_SOURCE_DIR}/scripts/pages/build_site.py ${PROJECT_BINARY_DIR}/site
+  DEPENDS ${site_inputs} ${PROJECT_SOURCE_DIR}/nuv/nuv_math/include/nuv1math.h ${PROJECT_SOURCE_DIR}/CMakeLists.txt
+  COMMENT "Making the site of the library's pages")
+add_custom_target(site ${in_all} DEPENDS ${site_index})
+
+install(DIRECTORY ${PROJECT_BINARY_DIR}/site/html DESTINATION ${CMAKE_INSTALL_DOCDIR} COMPONENT doc OPTIONAL)

@@ -1,0 +1,105 @@
+#!/usr/bin/env python3
+"""build_site: makes the pages of the library as a site of HTML files, from the public header and the documents.
+
+Copyright (c) 2026 the nuv1math authors
+SPDX-License-Identifier: MIT
+
+    build_site.py DIRECTORY       replaces DIRECTORY/html; DIRECTORY/input holds what doxygen reads
+
+Needs doxygen, and katex with nodejs for the formulas. Fails, and leaves the old site, if doxygen gives a warning or if
+a link of the new site leads nowhere. The same inputs give the same bytes.
+"""
+
+import html
+import json
+import os
+import pathlib
+import re
+import shutil
+import subprocess
+import sys
+
+import site_inputs
+import site_links
+from markdown import ROOT, fail
+
+FORMULA = re.compile(r"\\\((.*?)\\\)|\\\[(.*?)\\\]", re.DOTALL)
+TYPESET = """
+const katex = require("katex");
+const formulas = JSON.parse(require("fs").readFileSync(0, "utf8"));
+const options = display => ({output: "mathml", displayMode: display, strict: "error", trust: true});
+process.stdout.write(JSON.stringify(formulas.map(([tex, display]) => katex.renderToString(tex, options(display)))));
+"""
+
+
+def version():
+    found = re.search(r"project\(nuv1math VERSION ([\d.]+)", (ROOT / "CMakeLists.txt").read_text())
+    return found[1] if found else fail("CMakeLists.txt states no version")
+
+
+def run_doxygen(folder, inputs, images):
+    """Makes the site in folder/html. Every warning ends the program."""
+    settings = (ROOT / "docs/site/Doxyfile").read_text() + "\n".join([
+        "",
+        f"PROJECT_NUMBER = {version()}",
+        f"OUTPUT_DIRECTORY = {folder}",
+        "INPUT = " + " ".join(map(str, inputs)),
+        f"EXAMPLE_PATH = {ROOT / 'examples'}",
+        "IMAGE_PATH = " + " ".join(map(str, images)),
+        f"STRIP_FROM_PATH = {folder}",
+    ])
+    run = subprocess.run(["doxygen", "-"], input=settings, capture_output=True, text=True, cwd=ROOT)
+    if run.returncode or run.stderr:
+        fail(f"doxygen: exit code {run.returncode}\n{run.stderr.strip()}")
+
+
+def typeset(pages):
+    """Replaces the formulas of all pages, which are TeX, by MathML, which browsers draw without a script or a font."""
+    texts = {page: page.read_text() for page in pages}
+    keys = {match.group(0): (match[1] or match[2], match[1] is None)
+            for text in texts.values() for match in FORMULA.finditer(text)}
+    plain = [(re.sub(r"\\(cos|sin|tan)(\^2)? *", r"\\,\\\1\2\\,", html.unescape(tex)), display)
+             for tex, display in keys.values()] # MathML without its font leaves no space about these
+    node = dict(os.environ, NODE_PATH="/usr/share/nodejs") # where Debian's katex is
+    run = subprocess.run(["node", "-e", TYPESET], input=json.dumps(plain), capture_output=True, text=True, env=node)
+    if run.returncode:
+        fail(f"katex: {run.stderr.strip()}")
+    drawn = [re.sub(r"<annotation .*?</annotation>", "", formula, flags=re.DOTALL) for formula in json.loads(run.stdout)]
+    for page, text in texts.items():
+        page.write_text(FORMULA.sub(lambda match: dict(zip(keys, drawn))[match.group(0)], text))
+
+
+def tidy(pages):
+    """Removes what doxygen writes and these pages do not need."""
+    for page in pages:
+        page.write_text(re.sub(r' <a href="[^"]*">More\.\.\.</a>', "", page.read_text()))
+
+
+def main():
+    if len(sys.argv) != 2:
+        sys.exit("usage: build_site.py DIRECTORY")
+    folder = pathlib.Path(sys.argv[1]).resolve()
+    for program in ("doxygen", "node"):
+        if not shutil.which(program):
+            fail(f"the program {program} is missing")
+    unfinished = folder / "new"
+    shutil.rmtree(unfinished, ignore_errors=True)
+    unfinished.mkdir(parents=True)
+    inputs = site_inputs.write_inputs(unfinished / "input")
+    run_doxygen(unfinished, inputs, site_inputs.IMAGES)
+    site = unfinished / "html"
+    pages = sorted(site.glob("*.html"))
+    typeset(pages)
+    tidy(pages)
+    site_links.remove_unused(site)
+    broken = site_links.broken_links(site)
+    if broken:
+        fail("links that lead nowhere:\n" + "\n".join(broken))
+    for name in ("input", "html"):
+        shutil.rmtree(folder / name, ignore_errors=True)
+        (unfinished / name).rename(folder / name)
+    shutil.rmtree(unfinished)
+
+
+if __name__ == "__main__":
+    main()

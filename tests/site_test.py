@@ -1,0 +1,106 @@
+#!/usr/bin/env python3
+"""site_test.py: the site of the pages: complete, with links that lead somewhere, the same bytes each time.
+
+Copyright (c) 2026 the nuv1math authors
+SPDX-License-Identifier: MIT
+"""
+
+import pathlib
+import re
+import subprocess
+import sys
+import tempfile
+import unittest
+
+ROOT = pathlib.Path(__file__).resolve().parent.parent
+sys.path[:0] = [str(ROOT / "scripts/pages"), str(ROOT / "tests/tools")]
+sys.dont_write_bytecode = True
+import build_site
+import site_links
+from binary import EXPORTS
+
+GROUPS = ("fits", "affine", "conformal", "omographic", "packed", "linear", "dense", "polynomials", "trigonometric",
+          "random")
+
+
+def make_site(folder):
+    subprocess.run([sys.executable, "-B", ROOT / "scripts/pages/build_site.py", folder], check=True)
+    return {path.name: path.read_bytes() for path in pathlib.Path(folder, "html").iterdir()}
+
+
+class Site(unittest.TestCase):
+    @classmethod
+    def setUpClass(cls):
+        with tempfile.TemporaryDirectory() as folder:
+            cls.files = make_site(folder)
+        cls.pages = {name: data.decode() for name, data in cls.files.items() if name.endswith(".html")}
+
+    def test_is_the_same_bytes_in_another_directory(self):
+        with tempfile.TemporaryDirectory() as folder:
+            self.assertEqual(make_site(folder), self.files)
+
+    def test_describes_every_function_once_in_ten_groups(self):
+        described = [name for group in GROUPS
+                     for name in re.findall(r'<td class="memname">[^<]*nuv::(\w+) </td>', self.pages[f"group__{group}.html"])]
+        self.assertEqual(sorted(described), sorted(re.match(r"nuv::(\w+)", name)[1] for name in EXPORTS))
+
+    def test_shows_signatures_as_users_write_them(self):
+        self.assertEqual([name for name, text in self.pages.items() if "NUV1MATH_API" in text], [])
+
+    def test_lists_the_limits_of_all_functions(self):
+        header = (ROOT / "nuv/nuv_math/include/nuv1math.h").read_text()
+        self.assertEqual(self.pages["limits.html"].count('id="_limits'), len(re.findall(r"^ \*  Limits?:", header, re.M)))
+
+    def test_needs_no_script_and_no_other_site(self):
+        for name, text in self.pages.items():
+            self.assertNotIn("<script", text, name)
+            self.assertEqual(re.findall(r'(?:src|data|rel="stylesheet" href)="https?:[^"]*', text), [], name)
+
+    def test_leaves_no_formula_and_no_command_as_it_is_typed(self):
+        for name, text in self.pages.items():
+            prose = re.sub(r'<div class="fragment">.*?</div><!-- fragment -->', "", text, flags=re.DOTALL)
+            self.assertEqual(re.findall(r"\\[a-z(\[]\w*|@(?:f|ref|param|image|limits)\b", prose), [], name)
+
+    def test_is_small(self):
+        self.assertLess(sum(map(len, self.files.values())), 1000000)
+
+
+class Links(unittest.TestCase):
+    def site(self, folder, **pages):
+        for name, text in pages.items():
+            pathlib.Path(folder, f"{name}.html").write_text(text)
+        return pathlib.Path(folder)
+
+    def test_that_lead_nowhere_are_found(self):
+        with tempfile.TemporaryDirectory() as folder:
+            site = self.site(folder, index='<a href="b.html#here">x</a><a href="b.html#gone">x</a><img src="no.svg">',
+                             b='<p id="here"><a href="#gone">x</a><a href="index.html">x</a>')
+            self.assertEqual(site_links.broken_links(site),
+                             ["b.html: #gone: no such anchor", "index.html: b.html#gone: no such anchor",
+                              "index.html: no.svg: no such file"])
+
+    def test_nothing_but_what_they_reach_stays(self):
+        with tempfile.TemporaryDirectory() as folder:
+            site = self.site(folder, index='<a href="a.html#x">x</a>', a="", b='<a href="a.html">x</a>')
+            site_links.remove_unused(site)
+            self.assertEqual(sorted(path.name for path in site.iterdir()), ["a.html", "index.html"])
+
+
+class Warnings(unittest.TestCase):
+    def run_on(self, text):
+        with tempfile.TemporaryDirectory() as folder:
+            header = pathlib.Path(folder, "header.h")
+            header.write_text(text)
+            build_site.run_doxygen(pathlib.Path(folder), [header], [])
+
+    def test_end_the_build(self):
+        good = "/** @defgroup g Group\n * @{ */\n/** Works.\n * @param a_i in */\nvoid Work(int a_i);\n/** @} */\n"
+        self.run_on(good)
+        for bad in (good.replace("a_i in", "a_j in"), good.replace("Works.", "@ref nowhere"),
+                    good.replace("Works.", "@image html none.svg")):
+            with self.assertRaisesRegex(SystemExit, "doxygen: exit code"):
+                self.run_on(bad)
+
+
+if __name__ == "__main__":
+    unittest.main(argv=[sys.argv[0], "-v"])
