@@ -88,7 +88,7 @@ def list_functions():
     for comment, name, arguments in COMMENT.findall(HEADER.read_text()):
         group = re.match(r" @defgroup (\w+) (.*)", comment)
         if group:
-            lines += ["", f'<h2>@ref {group[1]} "{group[2]}"</h2>', "", "| Function | What it does |", "|---|---|"]
+            lines += ["", f'| @ref {group[1]} "{group[2]}" | |', "|---|---|"]
         elif name:
             functions.append(name)
             lines.append(function_line(comment, name, arguments))
