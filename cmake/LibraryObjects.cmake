@@ -2,13 +2,12 @@
 #
 # The library's sources, and how every build of them is compiled.
 
-set(NUV1MATH_INCLUDE_DIR ${PROJECT_SOURCE_DIR}/nuv/nuv_math/include)
 set(NUV1MATH_SOURCE_DIR ${PROJECT_SOURCE_DIR}/nuv/nuv1math/src)
 
 set(NUV1MATH_SOURCES TRIG.cpp affine.cpp affinefit.cpp affineparams.cpp assertion.cpp cholesky.cpp
   fast/choleskyfast.cpp omographic.cpp poly.cpp random.cpp)
 list(TRANSFORM NUV1MATH_SOURCES PREPEND ${NUV1MATH_SOURCE_DIR}/)
-set(NUV1MATH_MODULE ${NUV1MATH_SOURCE_DIR}/module.cpp)
+set(NUV1MATH_MODULE ${NUV1MATH_SOURCE_DIR}/module.cpp) # the entry of a DLL
 set(NUV1MATH_PLATFORM ${NUV1MATH_SOURCE_DIR}/platform_posix.cpp)
 if(WIN32)
   set(NUV1MATH_PLATFORM ${NUV1MATH_SOURCE_DIR}/platform_windows.cpp)
@@ -56,21 +55,26 @@ function(nuv1math_compile name)
   endif()
 endfunction()
 
-# The whole library as objects of the given name.
+# The whole library as objects of the given name, for a shared library or, after STATIC, for a static one.
 function(nuv1math_add_objects name)
   set(platform ${NUV1MATH_PLATFORM})
   if(NUV1MATH_WINCE_IMAGE) # an image for Windows CE is compiled by a compiler for Linux
-    set(platform ${NUV1MATH_SOURCE_DIR}/platform_windows.cpp)
+    set(platform ${NUV1MATH_SOURCE_DIR}/platform_windows.cpp ${NUV1MATH_MODULE})
+  elseif(WIN32 AND NOT "STATIC" IN_LIST ARGN)
+    list(APPEND platform ${NUV1MATH_MODULE})
   endif()
-  nuv1math_compile(${name} ${NUV1MATH_SOURCES} ${NUV1MATH_MODULE} ${platform})
+  nuv1math_compile(${name} ${NUV1MATH_SOURCES} ${platform})
+  if("STATIC" IN_LIST ARGN)
+    target_compile_definitions(${name} PUBLIC NUV1MATH_STATIC)
+  endif()
 endfunction()
 
 # The static library nuv1math_<form>: the functions in namespace nuv_<form>, so that a test program can link it beside the
 # library itself. nuv/nuv1math/src/fast/forms.h tells which definition selects which form.
 function(nuv1math_add_form form)
   nuv1math_compile(nuv1math_${form}_objects ${NUV1MATH_SOURCES} ${NUV1MATH_PLATFORM})
-  target_compile_definitions(nuv1math_${form}_objects PRIVATE nuv=nuv_${form} ${ARGN})
+  target_compile_definitions(nuv1math_${form}_objects PRIVATE NUV1MATH_STATIC nuv=nuv_${form} ${ARGN})
   add_library(nuv1math_${form} STATIC EXCLUDE_FROM_ALL $<TARGET_OBJECTS:nuv1math_${form}_objects>)
   target_include_directories(nuv1math_${form} PUBLIC ${NUV1MATH_INCLUDE_DIR} ${NUV1MATH_SOURCE_DIR})
-  target_compile_definitions(nuv1math_${form} INTERFACE NUV1MATH_BUILD) # nothing is imported from a DLL
+  target_compile_definitions(nuv1math_${form} INTERFACE NUV1MATH_STATIC)
 endfunction()

@@ -26,7 +26,7 @@ file(GLOB site_inputs CONFIGURE_DEPENDS ${PROJECT_SOURCE_DIR}/docs/*.* ${PROJECT
 set(site_index ${PROJECT_BINARY_DIR}/site/html/index.html)
 add_custom_command(OUTPUT ${site_index} VERBATIM
   COMMAND ${Python3_EXECUTABLE} -B ${PROJECT_SOURCE_DIR}/scripts/pages/build_site.py ${PROJECT_BINARY_DIR}/site
-  DEPENDS ${site_inputs} ${PROJECT_SOURCE_DIR}/nuv/nuv_math/include/nuv1math.h ${PROJECT_SOURCE_DIR}/CMakeLists.txt
+  DEPENDS ${site_inputs} ${NUV1MATH_INCLUDE_DIR}/nuv1math.h
   COMMENT "Making the site of the library's pages")
 add_custom_target(site ${in_all} DEPENDS ${site_index})
 

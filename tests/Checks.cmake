@@ -35,12 +35,15 @@ if(CMAKE_CROSSCOMPILING)
   return()
 endif()
 
-nuv_add_check(sources slow)   # how the sources compile
-nuv_add_check(installed slow) # how an installed library is used
-nuv_add_check(links quick)    # what the documents name exists
+nuv_add_check(sources slow) # how the sources compile
+nuv_add_check(links quick)  # what the documents name exists
 if(NUV1MATH_DOXYGEN AND NUV1MATH_NODE)
-  nuv_add_check(site quick)   # the pages for a browser
+  nuv_add_check(site quick) # the pages for a browser
 endif()
+
+# The exports of the DLL for programs of Microsoft's compiler are what the header gives.
+nuv_add_test(windows_exports quick Python3::Interpreter
+  ${PROJECT_SOURCE_DIR}/cmake/windows/make_exports.py --check)
 
 # The binary interface is compared with the kept one, which is of x86-64. It is read from debugging information.
 if(CMAKE_SYSTEM_PROCESSOR STREQUAL "x86_64" AND CMAKE_BUILD_TYPE STREQUAL "RelWithDebInfo")

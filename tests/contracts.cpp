@@ -3,7 +3,7 @@
 // SPDX-License-Identifier: MIT
 //
 // In the language of the library, so that a device's compiler checks it too. tests/abi.xml fixes the same of the built
-// library, and tests/exports.txt its names. What is here changes only together with the SOVERSION.
+// library, and tests/exports.txt its names. What is here changes only together with the major version.
 
 #include "nuv1math.h"
 

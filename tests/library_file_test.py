@@ -14,7 +14,7 @@ import unittest
 
 sys.path.insert(0, str(pathlib.Path(__file__).resolve().parent / "tools"))
 sys.dont_write_bytecode = True
-from binary import EXPORTS, exported_symbols, is_elf, needed_libraries, output_of, readable
+from binary import EXPORTS, ROOT, exported_symbols, is_elf, needed_libraries, output_of, readable
 
 LIBRARY = os.environ["NUV1MATH_LIBRARY"]
 PROCESSOR = os.environ["NUV1MATH_PROCESSOR"]
@@ -50,6 +50,22 @@ class Interface(unittest.TestCase):
         # The Windows CE image also exports each function under Microsoft's name; its own test compares the two.
         symbols = [symbol for symbol in exported_symbols(LIBRARY) if not symbol.startswith("?")]
         self.assertEqual(sorted(readable(symbols)), EXPORTS)
+
+    @unittest.skipIf(IS_ELF or PROCESSOR == "wince", "not a DLL of desktop Windows")
+    def test_exports_each_function_under_the_name_of_microsofts_compiler_too(self):
+        machine = "x86" if PROCESSOR == "x86" else "x64"
+        listed = re.findall(r'"(.+)" =', (ROOT / f"cmake/windows/exports-{machine}.def").read_text())
+        self.assertEqual(len(listed), len(EXPORTS))
+        self.assertEqual(sorted(symbol for symbol in exported_symbols(LIBRARY) if symbol.startswith("?")), sorted(listed))
+
+    @unittest.skipIf(IS_ELF or PROCESSOR == "wince", "not a DLL of desktop Windows")
+    def test_has_a_version_resource(self):
+        numbers = dict(re.findall(r"^#define NUV1MATH_VERSION_([A-Z]+) (\d+)$",
+                                  (ROOT / "nuv/nuv_math/include/nuv1math.h").read_text(), re.MULTILINE))
+        version = ".".join(numbers[part] for part in ("MAJOR", "MINOR", "PATCH"))
+        resources = output_of("llvm-readobj", "--coff-resources", LIBRARY)
+        self.assertIn("Type: VERSIONINFO", resources)
+        self.assertIn(f"ProductVersion\0{version}\0".encode("utf-16-le"), pathlib.Path(LIBRARY).read_bytes())
 
     def test_needs_only_libraries_of_the_system(self):
         platform = "elf" if IS_ELF else "wince" if PROCESSOR == "wince" else "windows"

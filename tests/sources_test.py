@@ -19,7 +19,8 @@ from binary import EXPORTS, ROOT
 
 SOURCES = ROOT / "nuv/nuv1math/src"
 HEADERS = ROOT / "nuv/nuv_math/include"
-PORTABLE = sorted(path for path in SOURCES.rglob("*.cpp") if path.name != "platform_windows.cpp")
+WINDOWS = {"module.cpp", "platform_windows.cpp"}
+PORTABLE = sorted(path for path in SOURCES.rglob("*.cpp") if path.name not in WINDOWS)
 DIALECTS = [(compiler, standard) for compiler in ("g++", "clang++") for standard in ("c++98", "c++20")]
 
 

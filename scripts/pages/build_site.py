@@ -33,8 +33,9 @@ process.stdout.write(JSON.stringify(formulas.map(([tex, display]) => katex.rende
 
 
 def version():
-    found = re.search(r"project\(nuv1math VERSION ([\d.]+)", (ROOT / "CMakeLists.txt").read_text())
-    return found[1] if found else fail("CMakeLists.txt states no version")
+    numbers = re.findall(r"^#define NUV1MATH_VERSION_[A-Z]+ (\d+)$",
+                         (ROOT / "nuv/nuv_math/include/nuv1math.h").read_text(), re.MULTILINE)
+    return ".".join(numbers) if len(numbers) == 3 else fail("nuv1math.h states no version")
 
 
 def run_doxygen(folder, inputs, images):

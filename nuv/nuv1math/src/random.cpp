@@ -2,6 +2,7 @@
 // Copyright (c) 2026 the nuv1math authors
 // SPDX-License-Identifier: MIT
 
+#include "random.h"
 #include "functionsimp.h"
 #include "nuv1math.h"
 
@@ -130,6 +131,26 @@ double Randn()
 double Randn(double a_dMean, double a_dSigma)
 {
     return Randn() * a_dSigma + a_dMean;
+}
+
+// ---------------------------------------------------------------------------------------------------------------------
+// Seeding at load
+// ---------------------------------------------------------------------------------------------------------------------
+
+static const int SEED_AT_LOAD = -1; // so every process starts with the same sequence
+
+// A Windows DLL is seeded by its entry in module.cpp. Elsewhere the loader calls this function. It stands beside the
+// state, because a linker takes both or neither from the static library. The priority is the first that programs may
+// use, so the objects of a program that is linked with the static library find the generator seeded.
+#if !defined(_WIN32) || defined(NUV1MATH_STATIC)
+#if !defined(__GNUC__)
+#error "random.cpp does not know how to run code at load with this compiler"
+#endif
+__attribute__((constructor(101))) // equivalent: any priority will do in a shared library
+#endif
+void SeedAtLoad()
+{
+    SetRandomSeed(SEED_AT_LOAD);
 }
 
 } // namespace nuv

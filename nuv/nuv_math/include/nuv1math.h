@@ -92,8 +92,21 @@
  *  systems it goes to standard error, and the library waits for a line of input if standard input is a terminal.
  */
 
-/* NUV1MATH_API exports the functions when the library itself is built (NUV1MATH_BUILD), and imports them otherwise. */
-#if defined(_WIN32)
+/** The version of this header. The major number is also that of the library file (libnuv1math.so.1): programs that are
+ *  compiled with a header work with every later library of the same major number. */
+#define NUV1MATH_VERSION_MAJOR 1
+/** Raised when functions are added or results change. */
+#define NUV1MATH_VERSION_MINOR 0
+/** Raised when nothing but defects and speed change. */
+#define NUV1MATH_VERSION_PATCH 0
+/** The version as one number for comparisons: 10203 is version 1.2.3. */
+#define NUV1MATH_VERSION (NUV1MATH_VERSION_MAJOR * 10000 + NUV1MATH_VERSION_MINOR * 100 + NUV1MATH_VERSION_PATCH)
+
+/* NUV1MATH_API exports the functions when the library itself is built (NUV1MATH_BUILD), and imports them otherwise. A
+ * program that is linked with the static library defines NUV1MATH_STATIC; the CMake target and pkg-config do so. */
+#if defined(NUV1MATH_STATIC)
+#define NUV1MATH_API
+#elif defined(_WIN32)
 #if defined(NUV1MATH_BUILD)
 #define NUV1MATH_API __declspec(dllexport)
 #else
@@ -174,6 +187,12 @@ enum enumMethodUsed
     METHOD_AFFINE = 1,    /**< affine, six coefficients, at least 3 points (CalcAffineCoefs) */
     METHOD_OMOGRAPHIC = 2 /**< projective, eight coefficients, at least 4 points (CalcOmographicCoefs) */
 };
+
+/** @cond */
+/* CalcCoefs writes an enumMethodUsed of the size of int. With -fshort-enums, the default of bare-metal ARM compilers, the
+ * caller would reserve one byte for it. */
+typedef char nuv1math_needs_the_option_fno_short_enums[sizeof(enumMethodUsed) == sizeof(int) ? 1 : -1];
+/** @endcond */
 
 /** @defgroup fits Transformation from control points
  *  Least-squares fits of the three kinds, and the choice among them. The page of conventions states what control points
