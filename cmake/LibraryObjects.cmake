@@ -5,7 +5,7 @@
 set(NUV1MATH_SOURCE_DIR ${PROJECT_SOURCE_DIR}/nuv/nuv1math/src)
 
 set(NUV1MATH_SOURCES TRIG.cpp affine.cpp affinefit.cpp affineparams.cpp assertion.cpp cholesky.cpp
-  fast/choleskyfast.cpp omographic.cpp poly.cpp random.cpp)
+  fast/arithmetic.cpp fast/choleskyfast.cpp omographic.cpp poly.cpp random.cpp)
 list(TRANSFORM NUV1MATH_SOURCES PREPEND ${NUV1MATH_SOURCE_DIR}/)
 set(NUV1MATH_MODULE ${NUV1MATH_SOURCE_DIR}/module.cpp) # the entry of a DLL
 set(NUV1MATH_PLATFORM ${NUV1MATH_SOURCE_DIR}/platform_posix.cpp)

@@ -42,7 +42,7 @@ static int SolveQuadratic(double a_dA, double a_dB, double a_dC, double* a_pRoot
         {
             return !IsZero(a_dC) ? RET_IMPOSSIBLE : RET_INDETERMINATE;
         }
-        *a_pRoot1 = -(a_dC / a_dB);
+        *a_pRoot1 = -Quotient(a_dC, a_dB);
         return 1;
     }
     const double dDiscriminant = a_dB * a_dB - a_dA * a_dC * 4.0;
@@ -52,21 +52,21 @@ static int SolveQuadratic(double a_dA, double a_dB, double a_dC, double* a_pRoot
     }
     if (IsZero(dDiscriminant))
     {
-        *a_pRoot1 = *a_pRoot2 = -(a_dB / (a_dA * 2.0));
+        *a_pRoot1 = *a_pRoot2 = -Quotient(a_dB, a_dA * 2.0);
         return 1;
     }
-    const double dRoot = sqrt(dDiscriminant);
+    const double dRoot = SquareRoot(dDiscriminant);
     if (IsBelowZero(a_dB)) // a NaN makes both roots NaN in either branch
     {
         const double dSum = dRoot - a_dB;
-        *a_pRoot1 = dSum / (a_dA * 2.0);
-        *a_pRoot2 = a_dC * 2.0 / dSum;
+        *a_pRoot1 = Quotient(dSum, a_dA * 2.0);
+        *a_pRoot2 = Quotient(a_dC * 2.0, dSum);
     }
     else
     {
         const double dSum = dRoot + a_dB;
-        *a_pRoot1 = -(dSum / (a_dA * 2.0));
-        *a_pRoot2 = a_dC * -2.0 / dSum;
+        *a_pRoot1 = -Quotient(dSum, a_dA * 2.0);
+        *a_pRoot2 = Quotient(a_dC * -2.0, dSum);
     }
     return 2;
 }
@@ -97,7 +97,7 @@ static void StoreOpposites(double a_dAngle, double* a_vdAngles)
 // b sin(t) + c = 0, b not 0. The two equal angles of sin(t) = +-1 are not merged.
 static int SolveSine(double a_dB, double a_dC, double* a_vdAngles)
 {
-    const double dSine = -(a_dC / a_dB);
+    const double dSine = -Quotient(a_dC, a_dB);
     if (fabs(dSine) > 1.0)
     {
         return RET_IMPOSSIBLE;
@@ -119,7 +119,7 @@ static int SolveSine(double a_dB, double a_dC, double* a_vdAngles)
 // a cos(t) + c = 0, a not 0.
 static int SolveCosine(double a_dA, double a_dC, double* a_vdAngles)
 {
-    const double dCosine = -(a_dC / a_dA);
+    const double dCosine = -Quotient(a_dC, a_dA);
     if (fabs(dCosine) > 1.0)
     {
         return RET_IMPOSSIBLE;

@@ -31,7 +31,7 @@ int AffineCoefsToInvCoefs(const TAffineCoefs& a_Coefs, TAffineCoefs& a_Inverse)
     }
     // The fields are stored one by one in this order. If input and output are the same record, which is not supported,
     // the wrong values are the same on every platform.
-    const double dReciprocal = 1.0 / dDet;
+    const double dReciprocal = Quotient(1.0, dDet);
     a_Inverse.dA = dReciprocal * a_Coefs.dE;
     a_Inverse.dB = -(a_Coefs.dB * dReciprocal);
     a_Inverse.dC = (a_Coefs.dF * a_Coefs.dB - a_Coefs.dE * a_Coefs.dC) * dReciprocal;
@@ -122,7 +122,7 @@ static bool SolveUpperTriRow(double a_dDiagonal, double a_dRest, double& a_dX)
     }
     if (!IsZero(a_dDiagonal))
     {
-        a_dX = a_dRest / a_dDiagonal;
+        a_dX = Quotient(a_dRest, a_dDiagonal);
         return true;
     }
     if (IsNegligible(a_dRest))
@@ -215,7 +215,7 @@ static void NormaliseRow(const TGaussSystem& a_System, ptrdiff_t k)
     {
         dPivot = PIVOT_REPLACEMENT;
     }
-    const double dReciprocal = 1.0 / dPivot;
+    const double dReciprocal = Quotient(1.0, dPivot);
     dPivot = 1.0;
     if (IsOne(dReciprocal)) // equivalent: a product with 1 is the same
     {

@@ -35,10 +35,10 @@ static NUV_HOST_INLINE void CalcMeans(const TControlPoints& a_Points, TMeans& a_
         dYa = a_Points.vdYa[i] + dYa;
     }
     const double dCount = static_cast<double>(a_Points.iCount);
-    a_Means.dX = dX / dCount;
-    a_Means.dY = dY / dCount;
-    a_Means.dXa = dXa / dCount;
-    a_Means.dYa = dYa / dCount;
+    a_Means.dX = Quotient(dX, dCount);
+    a_Means.dY = Quotient(dY, dCount);
+    a_Means.dXa = Quotient(dXa, dCount);
+    a_Means.dYa = Quotient(dYa, dCount);
 }
 
 void CalcMean(unsigned int a_iCount, const double* a_vdValues, double& a_dMean)
@@ -201,8 +201,8 @@ static void StoreConformalInverse(bool a_bRigidInverse, TConformalCoefs& a_Coefs
     }
     const double dScale = CalcHypot(a_Coefs.dA, a_Coefs.dB);
     const double dScale2 = dScale * dScale;
-    a_Coefs.dInvA = a_Coefs.dA / dScale2;
-    a_Coefs.dInvB = (-1.0 / dScale2) * a_Coefs.dB; // -dB / dScale2 rounds once less
+    a_Coefs.dInvA = Quotient(a_Coefs.dA, dScale2);
+    a_Coefs.dInvB = Quotient(-1.0, dScale2) * a_Coefs.dB; // -dB / dScale2 rounds once less
 }
 
 int FitConformal(const TControlPoints& a_Points, bool a_bRigidInverse, TConformalCoefs& a_Coefs)
@@ -219,7 +219,7 @@ int FitConformal(const TControlPoints& a_Points, bool a_bRigidInverse, TConforma
     {
         return RET_IMPOSSIBLE;
     }
-    const double dReciprocal = 1.0 / Sums.dS;
+    const double dReciprocal = Quotient(1.0, Sums.dS);
     const double dA = dReciprocal * Sums.dSa;
     const double dB = dReciprocal * Sums.dSb;
     a_Coefs.dTx = (Means.dXa - dA * Means.dX) - dB * Means.dY;

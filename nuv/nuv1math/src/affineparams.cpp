@@ -53,7 +53,7 @@ int AffineCoefsToParam(const TAffineCoefs& a_Coefs, double& a_dSx, double& a_dSy
     {
         return RET_IMPOSSIBLE;
     }
-    const double dReciprocal = 1.0 / dSx;
+    const double dReciprocal = Quotient(1.0, dSx);
     const double dU = a_Coefs.dA * dReciprocal; // cos(theta)
     const double dV = a_Coefs.dD * dReciprocal; // sin(theta)
     a_dTheta = CalcDirection(dU, dV);
@@ -64,7 +64,7 @@ int AffineCoefsToParam(const TAffineCoefs& a_Coefs, double& a_dSx, double& a_dSy
     {
         return RET_IMPOSSIBLE;
     }
-    a_dPhi = atan((a_Coefs.dE * dV + a_Coefs.dB * dU) / dSy);
+    a_dPhi = atan(Quotient(a_Coefs.dE * dV + a_Coefs.dB * dU, dSy));
     a_dTx = a_Coefs.dC;
     a_dTy = a_Coefs.dF;
     return RET_SUCCESS;
@@ -88,7 +88,7 @@ void ConformalParamsToCoefs(double a_dScale, double a_dAngle, double a_dTx, doub
     const double dSin = sin(a_dAngle);
     a_Coefs.dA = dCos * a_dScale;
     a_Coefs.dB = -(dSin * a_dScale);
-    const double dReciprocal = 1.0 / a_dScale;
+    const double dReciprocal = Quotient(1.0, a_dScale);
     a_Coefs.dInvA = dReciprocal * dCos;
     a_Coefs.dInvB = dReciprocal * dSin;
     a_Coefs.dTx = a_dTx;
@@ -107,8 +107,8 @@ int ConformalCoefsToParam(const TConformalCoefs& a_Coefs, double& a_dScale, doub
         a_dAngle = 0.0;
         return RET_IMPOSSIBLE;
     }
-    const double dU = a_Coefs.dA / dScale;
-    const double dV = (-1.0 / dScale) * a_Coefs.dB; // -dB / dScale rounds once less
+    const double dU = Quotient(a_Coefs.dA, dScale);
+    const double dV = Quotient(-1.0, dScale) * a_Coefs.dB; // -dB / dScale rounds once less
     a_dAngle = CalcDirection(dU, dV);
     return RET_SUCCESS;
 }

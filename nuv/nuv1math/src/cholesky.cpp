@@ -118,7 +118,7 @@ static double CalcRadicand(ptrdiff_t i, const double* a_vdRow)
 static void FactoriseColumn(ptrdiff_t i, ptrdiff_t a_iN, ptrdiff_t a_iStride, ptrdiff_t a_iGrowth, double a_dDiagonal,
                             double* a_vdRowI)
 {
-    const double dReciprocal = 1.0 / a_dDiagonal;
+    const double dReciprocal = Quotient(1.0, a_dDiagonal);
     double* vdRowJ = a_vdRowI;
     for (ptrdiff_t j = i + 1; j < a_iN; ++j)
     {
@@ -149,7 +149,7 @@ static bool Factorise(ptrdiff_t a_iN, const TTriangleRows& a_Rows, double* a_vdM
         {
             return false;
         }
-        const double dRoot = sqrt(dRadicand);
+        const double dRoot = SquareRoot(dRadicand);
         vdRow[i] = dRoot;
         if (i + 1 < a_iN) // the last column has nothing below its diagonal and forms no reciprocal
         {
@@ -178,7 +178,7 @@ static void SubstituteForward(ptrdiff_t a_iN, const TTriangleRows& a_Rows, const
         {
             dRest -= vdRow[k] * a_vdVector[k];
         }
-        a_vdVector[i] = dRest / vdRow[i];
+        a_vdVector[i] = Quotient(dRest, vdRow[i]);
         vdRow += iStride;
         iStride += a_Rows.iGrowth;
     }
@@ -204,7 +204,7 @@ void SolveChol(int a_iN, const double* a_vdFactor, double* a_vdVector)
             pElement += iN;
             dRest -= *pElement * a_vdVector[k];
         }
-        a_vdVector[i] = dRest / dDiagonal;
+        a_vdVector[i] = Quotient(dRest, dDiagonal);
     }
 }
 
@@ -227,7 +227,7 @@ void SolveCholLowTri(int a_iUnknowns, const double* a_vdFactor, double* a_vdVect
     {
         const ptrdiff_t k = iEnd - 1;
         const double* const vdRow = a_vdFactor + RowStart(PACKED_ROWS, k);
-        const double dSolution = a_vdVector[k] / vdRow[k];
+        const double dSolution = Quotient(a_vdVector[k], vdRow[k]);
         a_vdVector[k] = dSolution;
         for (ptrdiff_t i = 0; i < k; ++i)
         {

@@ -70,8 +70,8 @@ static void FormRefinementRows(const double* a_vdCoefs, double a_dX, double a_dY
     const double dU = (a_dX * a_vdCoefs[COEF_A] + a_dY * a_vdCoefs[COEF_B]) + a_vdCoefs[COEF_C];
     const double dV = (a_dX * a_vdCoefs[COEF_D] + a_dY * a_vdCoefs[COEF_E]) + a_vdCoefs[COEF_F];
     const double dW = (a_dX * a_vdCoefs[COEF_G] + a_dY * a_vdCoefs[COEF_H]) + 1.0;
-    const double dInvW = 1.0 / dW;
-    const double dInvW2 = 1.0 / (dW * dW); // not the square of dInvW, which rounds differently
+    const double dInvW = Quotient(1.0, dW);
+    const double dInvW2 = Quotient(1.0, dW * dW); // not the square of dInvW, which rounds differently
     const double dX2 = a_dX * dInvW2;
     const double dY2 = a_dY * dInvW2;
     a_vdRow[ROW_P] = a_dX * dInvW;

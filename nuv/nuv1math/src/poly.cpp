@@ -113,7 +113,7 @@ static bool BalanceRowAndColumn(double* const* A, int a_iN, int i)
         dFactor *= 0.5;
         dColumn *= 0.25;
     }
-    const double dReciprocal = 1.0 / dFactor;
+    const double dReciprocal = Quotient(1.0, dFactor);
     if (!((dColumn + dRow) * dReciprocal < BALANCE_GAIN * dNorm))
     {
         return false;
@@ -191,7 +191,7 @@ static void EliminateHessenbergColumn(double* const* A, int a_iN, int m, double 
         {
             continue;
         }
-        dFactor /= a_dPivot;
+        dFactor = Quotient(dFactor, a_dPivot);
         At(A, i, m - 1) = dFactor;
         for (int j = m; j <= a_iN; ++j)
         {
@@ -285,7 +285,7 @@ static void StorePair(const TShift& a_Block, double a_dShifted, int nn, double* 
 {
     const double dP = 0.5 * (a_Block.dY - a_Block.dX);
     const double dQ = dP * dP + a_Block.dW;
-    double dZ = sqrt(fabs(dQ));
+    double dZ = SquareRoot(fabs(dQ));
     const double dX = a_Block.dX + a_dShifted;
     if (dQ >= 0.0) // two real ones
     {
@@ -293,7 +293,7 @@ static void StorePair(const TShift& a_Block, double a_dShifted, int nn, double* 
         a_vdReal[nn - 2] = a_vdReal[nn - 1] = dX + dZ;
         if (!IsZero(dZ))
         {
-            a_vdReal[nn - 1] = dX - a_Block.dW / dZ;
+            a_vdReal[nn - 1] = dX - Quotient(a_Block.dW, dZ);
         }
         a_vdImaginary[nn - 2] = a_vdImaginary[nn - 1] = 0.0;
     }
@@ -328,10 +328,10 @@ static int FindSweepStart(double* const* A, int l, int nn, const TShift& a_Shift
         const double dZ = At(A, m, m);
         const double dR = a_Shift.dX - dZ;
         const double dS = a_Shift.dY - dZ;
-        const double dP = (dR * dS - a_Shift.dW) / At(A, m + 1, m) + At(A, m, m + 1);
+        const double dP = Quotient(dR * dS - a_Shift.dW, At(A, m + 1, m)) + At(A, m, m + 1);
         const double dQ = At(A, m + 1, m + 1) - dZ - dR - dS;
         const double dBelow = At(A, m + 2, m + 1);
-        const double dScale = 1.0 / (fabs(dP) + fabs(dQ) + fabs(dBelow)); // equivalent: a common factor cancels
+        const double dScale = Quotient(1.0, fabs(dP) + fabs(dQ) + fabs(dBelow)); // equivalent: a common factor cancels
         a_First.dP = dP * dScale;
         a_First.dQ = dQ * dScale;
         a_First.dR = dBelow * dScale;
@@ -416,7 +416,7 @@ static double LoadReflectedVector(double* const* A, int k, int nn, TReflectedVec
     const double dScale = fabs(a_V.dP) + fabs(a_V.dQ) + fabs(a_V.dR);
     if (!IsZero(dScale))
     {
-        const double dReciprocal = 1.0 / dScale;
+        const double dReciprocal = Quotient(1.0, dScale);
         a_V.dP *= dReciprocal;
         a_V.dQ *= dReciprocal;
         a_V.dR *= dReciprocal;
@@ -429,7 +429,7 @@ static double LoadReflectedVector(double* const* A, int k, int nn, TReflectedVec
 static void SweepStep(double* const* A, int k, int m, int l, int nn, TReflectedVector a_V)
 {
     const double dScale = k != m ? LoadReflectedVector(A, k, nn, a_V) : 0.0;
-    const double dLength = sqrt(a_V.dP * a_V.dP + a_V.dQ * a_V.dQ + a_V.dR * a_V.dR);
+    const double dLength = SquareRoot(a_V.dP * a_V.dP + a_V.dQ * a_V.dQ + a_V.dR * a_V.dR);
     const double dS = a_V.dP < 0.0 ? -dLength : dLength; // by value: -0.0 is not negative
     if (IsZero(dS))
     {
@@ -444,8 +444,8 @@ static void SweepStep(double* const* A, int k, int m, int l, int nn, TReflectedV
         At(A, k, k - 1) = -At(A, k, k - 1);
     }
     const double dP = a_V.dP + dS;
-    const double dInvS = 1.0 / dS;
-    const double dInvP = 1.0 / dP;
+    const double dInvS = Quotient(1.0, dS);
+    const double dInvP = Quotient(1.0, dP);
     const TReflection H = {dP * dInvS, a_V.dQ * dInvS, a_V.dR * dInvS, a_V.dQ * dInvP, a_V.dR * dInvP};
     ReflectRows(A, k, nn, H);
     ReflectColumns(A, k, l, nn, H);
@@ -543,7 +543,7 @@ static void FillCompanionMatrix(size_t a_iDegree, const double* a_vdA, double* a
     {
         a_vdMatrix[k * a_iDegree + k + 1] = 1.0;
     }
-    const double dFactor = -1.0 / a_vdA[0]; // a quotient for each coefficient would round differently
+    const double dFactor = Quotient(-1.0, a_vdA[0]); // a quotient for each coefficient would round differently
     for (size_t j = 0; j < a_iDegree; ++j)
     {
         a_vdMatrix[j * a_iDegree] = a_vdA[j + 1] * dFactor;
@@ -681,7 +681,7 @@ int Roots(double a_dA11, double a_dA12, double a_dA21, double a_dA22, double a_d
     {
         return IsNegligible(dNumeratorX) ? RET_INDETERMINATE : RET_IMPOSSIBLE;
     }
-    const double dReciprocal = 1.0 / dDet;
+    const double dReciprocal = Quotient(1.0, dDet);
     a_dX = dNumeratorX * dReciprocal;
     a_dY = (a_dA11 * a_dB2 - a_dA21 * a_dB1) * dReciprocal;
     return RET_SUCCESS;

@@ -40,11 +40,15 @@
 #error "nuv1math needs doubles with the low word first"
 #endif
 
+#if defined(__SOFTFP__) || defined(_WIN32_WCE)
+#define NUV_SOFTWARE_FLOATING_POINT
+#endif
+
 namespace nuv {
 
 // True where a floating-point operation is a call of tens of instructions. There it pays to look at the bits of an
 // operand first, or to leave an operation out. With floating-point hardware an operation is cheaper than a branch.
-#if defined(__SOFTFP__) || defined(_WIN32_WCE)
+#ifdef NUV_SOFTWARE_FLOATING_POINT
 const bool SOFTWARE_FLOATING_POINT = true;
 #else
 const bool SOFTWARE_FLOATING_POINT = false;

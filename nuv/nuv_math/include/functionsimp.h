@@ -6,6 +6,7 @@
 #define NUV_FUNCTIONSIMP_H
 
 #include "assertion.h"
+#include "fast/arithmetic.h"
 #include "floatingpoint.h"
 
 #include <math.h>
@@ -117,13 +118,13 @@ inline double CalcHypot(double a_dA, double a_dB)
     const double dB = fabs(a_dB);
     if (dA > dB)
     {
-        const double dRatio = dB / dA;
-        return sqrt(dRatio * dRatio + 1.0) * dA;
+        const double dRatio = Quotient(dB, dA);
+        return SquareRoot(dRatio * dRatio + 1.0) * dA;
     }
     if (!IsZero(dB))
     {
-        const double dRatio = dA / dB;
-        return sqrt(dRatio * dRatio + 1.0) * dB;
+        const double dRatio = Quotient(dA, dB);
+        return SquareRoot(dRatio * dRatio + 1.0) * dB;
     }
     return 0.0;
 }

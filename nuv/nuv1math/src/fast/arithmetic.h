@@ -1,0 +1,39 @@
+// arithmetic.h: the division and the square root of the library. Internal, not installed.
+// Copyright (c) 2026 the nuv1math authors
+// SPDX-License-Identifier: MIT
+//
+// All sources that the device runs divide and take roots by these two functions. With floating-point hardware they are
+// the plain operations. Where an operation is a call, they are integer forms, which give the same bits in a sixth to a
+// thirtieth of the instructions.
+
+#ifndef NUV_FAST_ARITHMETIC_H
+#define NUV_FAST_ARITHMETIC_H
+
+#include "fast/forms.h"
+#include "floatingpoint.h"
+
+#include <math.h>
+
+namespace nuv {
+
+// The quotient and the root, correctly rounded, by integer operations.
+double QuotientByIntegers(double a_dDividend, double a_dDivisor);
+double SquareRootByIntegers(double a_dRadicand);
+
+const bool INTEGERS_PAY = FASTER_FORMS && SOFTWARE_FLOATING_POINT;
+
+// a / b.
+inline double Quotient(double a_dDividend, double a_dDivisor)
+{
+    return INTEGERS_PAY ? QuotientByIntegers(a_dDividend, a_dDivisor) : a_dDividend / a_dDivisor;
+}
+
+// sqrt(x).
+inline double SquareRoot(double a_dRadicand)
+{
+    return INTEGERS_PAY ? SquareRootByIntegers(a_dRadicand) : sqrt(a_dRadicand);
+}
+
+} // namespace nuv
+
+#endif // NUV_FAST_ARITHMETIC_H
