@@ -1,4 +1,4 @@
-// cholesky.cpp: factorisation and solution, dense and packed, and the update of normal equations.
+// cholesky.cpp: factorisation, solution and both, dense and packed, and the update of normal equations.
 // Copyright (c) 2026 the nuv1math authors
 // SPDX-License-Identifier: MIT
 
@@ -8,6 +8,10 @@
 #include "nuv1math.h"
 
 #include <Eigen/Cholesky>
+#ifdef NUV_BENCH_OPENCV
+#include <opencv2/core.hpp>
+#include <opencv2/core/hal/hal.hpp>
+#endif
 #ifdef NUV_BENCH_GSL
 #include <gsl/gsl_blas.h>
 #include <gsl/gsl_linalg.h>
@@ -214,6 +218,99 @@ static void AddDenseSolve(const TSystemPointer& a_pSystem)
     Solve.Floors(a_pSystem->vdPacked.size(), SolveOperations(n), n + FactorChain(n));
 }
 
+// The peers of the whole solution that know the number of unknowns when they are compiled.
+template <int N> static void AddFixedSystem(TContest& a_Contest, const TSystemPointer& a_pSystem)
+{
+    using TVector = Eigen::Matrix<double, N, 1>;
+    a_Contest.Peer(
+        "Eigen LLT of a fixed size", TOLERANCE, TVector(TVector::Zero()),
+        [a_pSystem](TVector& x)
+        {
+            const Eigen::LLT<Eigen::Matrix<double, N, N> > Llt(
+                Eigen::Map<const Eigen::Matrix<double, N, N> >(a_pSystem->vdFull.data()));
+            x = Llt.solve(Eigen::Map<const TVector>(a_pSystem->vdRhs.data()));
+        },
+        [](const TVector& x) { return TValues(x.data(), x.data() + N); });
+}
+
+static void AddDenseSystem(const TSystemPointer& a_pSystem)
+{
+    const int n = a_pSystem->n;
+    const std::size_t iStep = n;
+    // A system as one array: the matrix, then the right-hand side. Both are overwritten.
+    TValues vdSystem = a_pSystem->vdFull;
+    vdSystem.insert(vdSystem.end(), a_pSystem->vdRhs.begin(), a_pSystem->vdRhs.end());
+    const auto pSource = std::make_shared<const TValues>(vdSystem);
+    const TWork vdWork(pSource->size());
+    const auto TellSolution = [=](const TWork& a_vd) { return TValues(a_vd.end() - n, a_vd.end()); };
+    const auto On = [=](auto a_Function)
+    { return OnCopy(pSource, [=](double* a_vd) { a_Function(a_vd, a_vd + iStep * iStep); }); };
+
+    TContest Both("Cholesky and SolveChol", n);
+    Both.Ours("Cholesky and SolveChol", vdWork,
+              On(
+                  [n](double* a_vdMatrix, double* a_vdVector)
+                  {
+                      nuv::Cholesky(n, a_vdMatrix);
+                      nuv::SolveChol(n, a_vdMatrix, a_vdVector);
+                  }),
+              TellSolution);
+    Both.Peer("Eigen LLT", TOLERANCE, vdWork,
+              On(
+                  [n](double* a_vdMatrix, double* a_vdVector)
+                  {
+                      Eigen::Map<Eigen::MatrixXd> L(a_vdMatrix, n, n);
+                      Eigen::Map<Eigen::VectorXd> x(a_vdVector, n);
+                      Eigen::LLT<Eigen::Ref<Eigen::MatrixXd> >(L).solveInPlace(x);
+                  }),
+              TellSolution);
+    if (n == 3)
+    {
+        AddFixedSystem<3>(Both, a_pSystem);
+    }
+    if (n == 8)
+    {
+        AddFixedSystem<8>(Both, a_pSystem);
+    }
+#ifdef NUV_BENCH_OPENCV
+    Both.Peer("OpenCV hal::Cholesky64f", TOLERANCE, vdWork,
+              On([n, iStep](double* a_vdMatrix, double* a_vdVector)
+                 { cv::hal::Cholesky64f(a_vdMatrix, iStep * sizeof(double), n, a_vdVector, sizeof(double), 1); }),
+              TellSolution);
+    Both.Peer("OpenCV solve", TOLERANCE, vdWork,
+              On(
+                  [n](double* a_vdMatrix, double* a_vdVector)
+                  {
+                      cv::Mat x(n, 1, CV_64F, a_vdVector);
+                      cv::solve(cv::Mat(n, n, CV_64F, a_vdMatrix), x, x, cv::DECOMP_CHOLESKY);
+                  }),
+              TellSolution);
+#endif
+#ifdef NUV_BENCH_GSL
+    Both.Peer("GSL gsl_linalg_cholesky_decomp1, svx", TOLERANCE, vdWork,
+              On(
+                  [iStep](double* a_vdMatrix, double* a_vdVector)
+                  {
+                      gsl_matrix_view L = gsl_matrix_view_array(a_vdMatrix, iStep, iStep);
+                      gsl_vector_view x = gsl_vector_view_array(a_vdVector, iStep);
+                      gsl_linalg_cholesky_decomp1(&L.matrix);
+                      gsl_linalg_cholesky_svx(&L.matrix, &x.vector);
+                  }),
+              TellSolution);
+#endif
+    for (const TLapack& Lapack : Lapacks())
+    {
+        Both.Peer(Lapack.Name() + " dpotrf, dpotrs", TOLERANCE, vdWork,
+                  On(
+                      [n, &Lapack](double* a_vdMatrix, double* a_vdVector)
+                      {
+                          Lapack.Potrf('L', n, a_vdMatrix);
+                          Lapack.Potrs('L', n, a_vdMatrix, a_vdVector);
+                      }),
+                  TellSolution);
+    }
+}
+
 // The rectangular full packed form (LAPACK) of a lower triangle that is packed row by row.
 static TValues ToRectangular(const TLapack& a_Lapack, int n, const TValues& a_vdPacked)
 {
@@ -350,6 +447,9 @@ static void AddUpdate(int n)
 
 void RegisterFamily()
 {
+#ifdef NUV_BENCH_OPENCV
+    NameVersion("OpenCV", CV_VERSION);
+#endif
 #ifdef NUV_BENCH_GSL
     NameVersion("GSL", gsl_version);
 #endif
@@ -358,6 +458,7 @@ void RegisterFamily()
         const auto pSystem = std::make_shared<const TSystem>(n);
         AddDenseFactor(pSystem);
         AddDenseSolve(pSystem);
+        AddDenseSystem(pSystem);
         AddPacked(pSystem);
     }
     for (const int n : {8, 32, 100})
