@@ -46,7 +46,8 @@ constexpr double Specials[] = {0.0,       -0.0,       1.0,     -1.0,  Inf,    -I
     return ::testing::AssertionSuccess();
 }
 
-// Every size up to some tiles, and the sizes around the widths and depths of panels.
+// Every size up to some tiles, then those from which vectors of eight pay, and the sizes around the widths and depths of
+// panels.
 std::vector<std::size_t> Sizes()
 {
     std::vector<std::size_t> Result;
@@ -55,6 +56,10 @@ std::vector<std::size_t> Sizes()
         Result.push_back(i);
     }
 #if !defined(__arm__) // software floating point has no tiles
+    for (std::size_t i = 79; i <= 88; ++i)
+    {
+        Result.push_back(i);
+    }
     for (const std::size_t iAround : {128, 144, 160, 272})
     {
         for (std::size_t i = iAround - 1; i <= iAround + 1; ++i)

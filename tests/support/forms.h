@@ -3,7 +3,8 @@
 // SPDX-License-Identifier: MIT
 //
 // The build compiles the library once for each form, with another name in place of nuv for the namespace. So the public
-// header is read once for each name. NUV_FORM_PAIRS and NUV_FORM_DEVICE are defined where these forms are built.
+// header is read once for each name. NUV_FORM_PAIRS, NUV_FORM_FOURS and NUV_FORM_DEVICE are defined where these forms
+// are built.
 
 #ifndef NUV_TESTS_SUPPORT_FORMS_H
 #define NUV_TESTS_SUPPORT_FORMS_H
@@ -17,6 +18,12 @@
 #ifdef NUV_FORM_PAIRS
 #undef NUV_NUV1MATH_H
 #define nuv nuv_pairs
+#include "nuv1math.h"
+#undef nuv
+#endif
+#ifdef NUV_FORM_FOURS
+#undef NUV_NUV1MATH_H
+#define nuv nuv_fours
 #include "nuv1math.h"
 #undef nuv
 #endif
@@ -97,6 +104,9 @@ inline const std::vector<TForm> FasterForms = {
     NUV_TESTS_FORM(nuv),
 #ifdef NUV_FORM_PAIRS
     NUV_TESTS_FORM(nuv_pairs),
+#endif
+#ifdef NUV_FORM_FOURS
+    NUV_TESTS_FORM(nuv_fours),
 #endif
 #ifdef NUV_FORM_DEVICE
     NUV_TESTS_FORM(nuv_device),

@@ -124,12 +124,13 @@ namespace {
 enum
 {
     TILE_ROWS = 8,
-    TILE_COLUMNS = 4,
+    TILE_COLUMNS = TILE_ROWS,
     BLOCK_TILES = TILE_COLUMNS, // one beside each diagonal of a tile
     BLOCK_ROWS = BLOCK_TILES * TILE_ROWS,
-    PANEL_TILES = 4,                            // equivalent: any number gives the same bits
+    PANEL_TILES = 2,                            // equivalent: any number gives the same bits
     PANEL_COLUMNS = PANEL_TILES * TILE_COLUMNS, // equivalent: no more than BLOCK_ROWS; fewer give the same bits
     PANEL_DEPTH = 128,                          // equivalent: any depth gives the same bits
+    EIGHTS_PAY_FROM = 80,                       // equivalent: unknowns; vectors of either width give the same bits
     CACHED_MATRIX = 160                         // equivalent: up to so many unknowns the cache holds the matrix
 };
 
@@ -137,22 +138,24 @@ enum
 struct TTile
 {
     double vvdRest[TILE_ROWS][TILE_COLUMNS];
-};
+} __attribute__((aligned(64)));
 
 // The columns of the matrix from iFirst on, with what all their rows need.
 struct TPanel
 {
     TTriangleRows Rows;
     double* vdMatrix;
+    bool bEights;
     ptrdiff_t iFirst;
-    double vdReciprocals[PANEL_COLUMNS];
     double vvdFactors[PANEL_TILES][(PANEL_DEPTH + PANEL_COLUMNS) * TILE_COLUMNS]; // by tile; element k of its columns
-};
+    double vdReciprocals[PANEL_COLUMNS];
+} __attribute__((aligned(64)));
 
 // The products that a tile subtracts: factors iFrom to iFrom + iCount - 1 of some rows with those of the tile's
 // columns.
 struct TProducts
 {
+    bool bEights; // whether vectors of eight pay
     ptrdiff_t iFrom;
     ptrdiff_t iCount;
     ptrdiff_t iRows;
@@ -169,67 +172,66 @@ struct TDiagonal
 
 } // namespace
 
-// The rows of a tile from a_iFirst on, as vectors, and back.
-// host only: each processor runs the instance of one width
-template <typename TVector, int ROWS, int VECTORS>
-static NUV_INLINE void LoadRows(const TTile& a_Tile, ptrdiff_t a_iFirst, TVector (&a_vvRest)[ROWS][VECTORS])
-{
-    NUV_UNROLL for (int r = 0; r < ROWS; ++r)
-    {
-        NUV_UNROLL for (ptrdiff_t c = 0; c < VECTORS; ++c)
-        {
-            Load(&a_Tile.vvdRest[a_iFirst + r][c * TILE_COLUMNS / VECTORS], a_vvRest[r][c]);
-        }
-    }
-}
-
-// host only: each processor runs the instance of one width
-template <typename TVector, int ROWS, int VECTORS>
-static NUV_INLINE void StoreRows(const TVector (&a_vvRest)[ROWS][VECTORS], ptrdiff_t a_iFirst, TTile& a_Tile)
-{
-    NUV_UNROLL for (int r = 0; r < ROWS; ++r)
-    {
-        NUV_UNROLL for (ptrdiff_t c = 0; c < VECTORS; ++c)
-        {
-            Store(a_vvRest[r][c], &a_Tile.vvdRest[a_iFirst + r][c * TILE_COLUMNS / VECTORS]);
-        }
-    }
-}
-
-// Subtracts the products from the rows iFirst to iFirst + 2 LANES - 1 of a tile. As many sums fit the registers. A sum
-// waits for its own last difference; several independent sums together keep the adders busy. The sum of a diagonal
-// element advances beside them at little cost.
-// host only: each processor runs the instance of one width
-template <typename TVector, bool DIAGONAL>
-static NUV_INLINE void SubtractFromRowsBy(const TProducts& a_Products, ptrdiff_t a_iFirst, TTile& a_Tile,
-                                          TDiagonal& a_Diagonal)
+// What is left of LANES rows of a tile, as vectors. As many sums fit the registers.
+template <typename TVector> struct TRest
 {
     enum
     {
         LANES = sizeof(TVector) / sizeof(double),
-        ROWS = 2 * LANES,
-        VECTORS = TILE_COLUMNS / LANES
+        SQUARES = TILE_COLUMNS / LANES // a row has one vector of each square of elements
     };
-    const double* vvdRows[ROWS];
-    TVector vvRest[ROWS][VECTORS];
-    NUV_UNROLL for (int r = 0; r < ROWS; ++r)
+    TVector vvSquares[SQUARES][LANES];
+};
+
+// host only: each processor runs the instance of one width
+template <typename TVector> static NUV_INLINE void LoadRow(const double* a_vdFrom, int r, TRest<TVector>& a_Rest)
+{
+    NUV_UNROLL for (int s = 0; s < TRest<TVector>::SQUARES; ++s)
+    {
+        Load(a_vdFrom + s * TRest<TVector>::LANES, a_Rest.vvSquares[s][r]);
+    }
+}
+
+// host only: each processor runs the instance of one width
+template <typename TVector> static NUV_INLINE void StoreRow(const TRest<TVector>& a_Rest, int r, double* a_vdTo)
+{
+    NUV_UNROLL for (int s = 0; s < TRest<TVector>::SQUARES; ++s)
+    {
+        Store(a_Rest.vvSquares[s][r], a_vdTo + s * TRest<TVector>::LANES);
+    }
+}
+
+// Subtracts the products from the rows of a tile from iFirst on. A sum waits for its own last difference; several
+// independent sums together keep the adders busy. The sum of a diagonal element advances beside them at little cost.
+// host only: each processor runs the instance of one width
+template <bool DIAGONAL, typename TVector>
+static NUV_INLINE void SubtractFromRows(const TProducts& a_Products, ptrdiff_t a_iFirst, TRest<TVector>& a_Rest,
+                                        TDiagonal& a_Diagonal)
+{
+    enum
+    {
+        LANES = TRest<TVector>::LANES,
+        SQUARES = TRest<TVector>::SQUARES
+    };
+    const double* vvdRows[LANES];
+    NUV_UNROLL for (int r = 0; r < LANES; ++r)
     {
         vvdRows[r] = a_Products.vvdRows[a_iFirst + r] + a_Products.iFrom;
     }
-    LoadRows(a_Tile, a_iFirst, vvRest);
+    TRest<TVector> Rest = a_Rest;
     double dRadicand = DIAGONAL ? a_Diagonal.dRadicand : 0.0;
     for (ptrdiff_t k = 0; k < a_Products.iCount; ++k)
     {
-        TVector vColumns[VECTORS];
-        NUV_UNROLL for (int c = 0; c < VECTORS; ++c)
+        TVector vColumns[SQUARES];
+        NUV_UNROLL for (int s = 0; s < SQUARES; ++s)
         {
-            Load(a_Products.vdColumns + k * TILE_COLUMNS + c * LANES, vColumns[c]);
+            Load(a_Products.vdColumns + k * TILE_COLUMNS + s * LANES, vColumns[s]);
         }
-        NUV_UNROLL for (int r = 0; r < ROWS; ++r)
+        NUV_UNROLL for (int r = 0; r < LANES; ++r)
         {
-            NUV_UNROLL for (int c = 0; c < VECTORS; ++c)
+            NUV_UNROLL for (int s = 0; s < SQUARES; ++s)
             {
-                vvRest[r][c] -= vColumns[c] * vvdRows[r][k];
+                Rest.vvSquares[s][r] -= vColumns[s] * vvdRows[r][k];
             }
         }
         if (DIAGONAL)
@@ -241,41 +243,59 @@ static NUV_INLINE void SubtractFromRowsBy(const TProducts& a_Products, ptrdiff_t
     {
         a_Diagonal.dRadicand = dRadicand;
     }
-    StoreRows(vvRest, a_iFirst, a_Tile);
+    a_Rest = Rest;
 }
 
-// Subtracts the products from the rows of a tile.
+// Subtracts the products from a tile, and the squares of a diagonal element beside its first rows.
 // host only: each processor runs the instance of one width
-template <typename TVector> static NUV_INLINE void SubtractProductsBy(const TProducts& a_Products, TTile& a_Tile)
+template <bool DIAGONAL, typename TVector>
+static NUV_INLINE void SubtractFromTile(const TProducts& a_Products, TTile& a_Tile, TDiagonal& a_Diagonal)
 {
-    const int ROWS = 2 * sizeof(TVector) / sizeof(double);
-    TDiagonal None = {NULL, 0.0};
-    for (int iFirst = 0; iFirst < TILE_ROWS && iFirst < a_Products.iRows; iFirst += ROWS)
+    enum
     {
-        SubtractFromRowsBy<TVector, false>(a_Products, iFirst, a_Tile, None);
+        LANES = TRest<TVector>::LANES
+    };
+    for (ptrdiff_t iFirst = 0; iFirst < TILE_ROWS && iFirst < a_Products.iRows; iFirst += LANES)
+    {
+        TRest<TVector> Rest;
+        NUV_UNROLL for (int r = 0; r < LANES; ++r)
+        {
+            LoadRow(a_Tile.vvdRest[iFirst + r], r, Rest);
+        }
+        if (DIAGONAL && iFirst == 0)
+        {
+            SubtractFromRows<true>(a_Products, 0, Rest, a_Diagonal);
+        }
+        else
+        {
+            SubtractFromRows<false>(a_Products, iFirst, Rest, a_Diagonal);
+        }
+        NUV_UNROLL for (int r = 0; r < LANES; ++r)
+        {
+            StoreRow(Rest, r, a_Tile.vvdRest[iFirst + r]);
+        }
     }
 }
 
-// host only: the processor has one width of vectors
-NUV_BY_WIDTH(SubtractProducts, (const TProducts& a_Products, TTile& a_Tile), (a_Products, a_Tile))
-
-// The same, and the squares of a diagonal element beside the first rows.
 // host only: each processor runs the instance of one width
 template <typename TVector>
-static NUV_INLINE void SubtractProductsAndSquaresBy(const TProducts& a_Products, TTile& a_Tile, TDiagonal& a_Diagonal)
+static NUV_INLINE void SubtractProductsBy(const TProducts& a_Products, TTile& a_Tile, TDiagonal* a_pDiagonal)
 {
-    const int ROWS = 2 * sizeof(TVector) / sizeof(double);
     TDiagonal None = {NULL, 0.0};
-    SubtractFromRowsBy<TVector, true>(a_Products, 0, a_Tile, a_Diagonal);
-    for (int iFirst = ROWS; iFirst < TILE_ROWS && iFirst < a_Products.iRows; iFirst += ROWS)
+    if (a_pDiagonal != NULL)
     {
-        SubtractFromRowsBy<TVector, false>(a_Products, iFirst, a_Tile, None);
+        SubtractFromTile<true, TVector>(a_Products, a_Tile, *a_pDiagonal);
+    }
+    else
+    {
+        SubtractFromTile<false, TVector>(a_Products, a_Tile, None);
     }
 }
 
 // host only: the processor has one width of vectors
-NUV_BY_WIDTH(SubtractProductsAndSquares, (const TProducts& a_Products, TTile& a_Tile, TDiagonal& a_Diagonal),
-             (a_Products, a_Tile, a_Diagonal))
+NUV_BY_WIDTH_OR_EIGHT(SubtractProducts, a_Products.bEights,
+                      (const TProducts& a_Products, TTile& a_Tile, TDiagonal* a_pDiagonal),
+                      (a_Products, a_Tile, a_pDiagonal))
 
 static ptrdiff_t Lesser(ptrdiff_t a_iFirst, ptrdiff_t a_iSecond)
 {
@@ -338,76 +358,136 @@ static void LoadDiagonalTile(double* const* a_vvdRows, ptrdiff_t c, ptrdiff_t a_
     }
 }
 
-// Stores the first columns of one row of a tile.
-static inline void StoreRow(const double* a_vdFrom, ptrdiff_t a_iColumns, double* a_vdTo)
-{
-    if (a_iColumns == TILE_COLUMNS) // equivalent: both loops store the same
-    {
-        NUV_UNROLL for (int q = 0; q < TILE_COLUMNS; ++q)
-        {
-            a_vdTo[q] = a_vdFrom[q];
-        }
-        return;
-    }
-    for (ptrdiff_t q = 0; q < a_iColumns; ++q)
-    {
-        a_vdTo[q] = a_vdFrom[q];
-    }
-}
+namespace {
 
-// Finishes rows a_iFirst to a_iRows - 1 of the tile whose columns begin at c: subtracts the products with the tile's
-// own columns, scales and stores. a_vvdDiagonal has the rows of the tile on the diagonal.
-static void FinishTile(const TPanel& a_Panel, ptrdiff_t c, ptrdiff_t a_iColumns, double* const* a_vvdDiagonal,
-                       const TTile& a_Tile, ptrdiff_t a_iFirst, ptrdiff_t a_iRows, double* const* a_vvdRows)
+// What finishes tiles: the columns from c on, up to iColumnEnd, and the rows on the diagonal from row c on.
+struct TFinish
 {
-    double vdReciprocals[TILE_COLUMNS];
-    double vvdFactors[TILE_COLUMNS][TILE_COLUMNS];
+    bool bEights;
+    ptrdiff_t c;
+    ptrdiff_t iColumnEnd;
+    double* const* vvdDiagonal;
+    const double* vdReciprocals;
+};
+
+} // namespace
+
+// Finishes rows of a tile that are below the diagonal: subtracts the products with the tile's own columns, and scales.
+// The rows become the elements of vectors, so that each column follows the one before without shuffles.
+// host only: each processor runs the instance of one width
+template <typename TVector> static NUV_INLINE void FinishRest(const TFinish& a_Finish, TRest<TVector>& a_Rest)
+{
+    enum
+    {
+        LANES = TRest<TVector>::LANES,
+        SQUARES = TRest<TVector>::SQUARES
+    };
+    NUV_UNROLL for (int s = 0; s < SQUARES; ++s)
+    {
+        Transpose(a_Rest.vvSquares[s]);
+    }
     NUV_UNROLL for (int q = 0; q < TILE_COLUMNS; ++q)
     {
-        vdReciprocals[q] = a_Panel.vdReciprocals[c - a_Panel.iFirst + q];
-        NUV_UNROLL for (int k = 0; k < q; ++k) // equivalent: nothing reads the diagonal
+        const double* const vdFactors = a_Finish.vvdDiagonal[q] + a_Finish.c;
+        TVector Column = a_Rest.vvSquares[q / LANES][q % LANES];
+        NUV_UNROLL for (int k = 0; k < q; ++k)
         {
-            vvdFactors[q][k] = q < a_iColumns ? a_vvdDiagonal[q][c + k] : 0.0; // equivalent: the column is not stored
+            Column -= a_Rest.vvSquares[k / LANES][k % LANES] * vdFactors[k];
         }
+        a_Rest.vvSquares[q / LANES][q % LANES] = Column * a_Finish.vdReciprocals[q];
     }
-    for (ptrdiff_t r = a_iFirst; r < a_iRows; ++r)
+    NUV_UNROLL for (int s = 0; s < SQUARES; ++s)
     {
-        double vdFinal[TILE_COLUMNS];
-        NUV_UNROLL for (int q = 0; q < TILE_COLUMNS; ++q)
-        {
-            double dRest = a_Tile.vvdRest[r][q];
-            NUV_UNROLL for (int k = 0; k < q; ++k)
-            {
-                dRest -= vdFinal[k] * vvdFactors[q][k];
-            }
-            vdFinal[q] = dRest * vdReciprocals[q];
-        }
-        StoreRow(vdFinal, a_iColumns, a_vvdRows[r] + c);
+        Transpose(a_Rest.vvSquares[s]);
     }
 }
 
+// Stores the first a_iColumns elements of rows of a tile.
+// host only: each processor runs the instance of one width
+template <typename TVector>
+static NUV_INLINE void StoreRest(const TRest<TVector>& a_Rest, ptrdiff_t c, ptrdiff_t a_iColumns,
+                                 double* const* a_vvdRows)
+{
+    NUV_UNROLL for (int r = 0; r < TRest<TVector>::LANES; ++r)
+    {
+        if (a_iColumns >= TILE_COLUMNS) // equivalent: both store the same
+        {
+            StoreRow(a_Rest, r, a_vvdRows[r] + c);
+            continue;
+        }
+        double vdRow[TILE_COLUMNS];
+        StoreRow(a_Rest, r, vdRow);
+        for (ptrdiff_t q = 0; q < a_iColumns; ++q)
+        {
+            a_vvdRows[r][c + q] = vdRow[q];
+        }
+    }
+}
+
+// Finishes a tile of a block and stores it.
+// host only: each processor runs the instance of one width
+template <typename TVector>
+static NUV_INLINE void FinishTileBy(const TFinish& a_Finish, const TTile& a_Tile, ptrdiff_t a_iRows,
+                                    double* const* a_vvdRows)
+{
+    for (ptrdiff_t iFirst = 0; iFirst < TILE_ROWS && iFirst < a_iRows; iFirst += TRest<TVector>::LANES)
+    {
+        TRest<TVector> Rest;
+        NUV_UNROLL for (int r = 0; r < TRest<TVector>::LANES; ++r)
+        {
+            LoadRow(a_Tile.vvdRest[iFirst + r], r, Rest);
+        }
+        FinishRest(a_Finish, Rest);
+        StoreRest(Rest, a_Finish.c, a_Finish.iColumnEnd - a_Finish.c, a_vvdRows + iFirst);
+    }
+}
+
+// host only: the processor has one width of vectors
+NUV_BY_WIDTH_OR_EIGHT(FinishTile, a_Finish.bEights,
+                      (const TFinish& a_Finish, const TTile& a_Tile, ptrdiff_t a_iRows, double* const* a_vvdRows),
+                      (a_Finish, a_Tile, a_iRows, a_vvdRows))
+
+// One pass over the rows of a tile: subtracts the products, and finishes the elements if a_bLast is set. Otherwise the
+// sums are stored in the matrix.
+// host only: each processor runs the instance of one width
+template <typename TVector>
+static NUV_INLINE void PassRowsBy(const TProducts& a_Products, const TFinish& a_Finish, bool a_bLast,
+                                  double* const* a_vvdRows)
+{
+    TDiagonal None = {NULL, 0.0};
+    for (ptrdiff_t iFirst = 0; iFirst < TILE_ROWS && iFirst < a_Products.iRows; iFirst += TRest<TVector>::LANES)
+    {
+        TRest<TVector> Rest;
+        NUV_UNROLL for (int r = 0; r < TRest<TVector>::LANES; ++r)
+        {
+            LoadRow(a_vvdRows[iFirst + r] + a_Finish.c, r, Rest);
+        }
+        SubtractFromRows<false>(a_Products, iFirst, Rest, None);
+        if (a_bLast)
+        {
+            FinishRest(a_Finish, Rest);
+        }
+        StoreRest(Rest, a_Finish.c, a_Finish.iColumnEnd - a_Finish.c, a_vvdRows + iFirst);
+    }
+}
+
+// host only: the processor has one width of vectors
+NUV_BY_WIDTH_OR_EIGHT(PassRows, a_Finish.bEights,
+                      (const TProducts& a_Products, const TFinish& a_Finish, bool a_bLast, double* const* a_vvdRows),
+                      (a_Products, a_Finish, a_bLast, a_vvdRows))
+
 // One pass over TILE_ROWS rows (a_iRows of them exist): the panel's columns up to a_iColumnEnd subtract their products
-// from factor k0 on. The last pass finishes the elements; the others store the sums in the matrix.
+// from factor k0 on. The last pass finishes the elements.
 static void FinishRowsPass(TPanel& a_Panel, double* const* a_vvdDiagonal, ptrdiff_t a_iColumnEnd, ptrdiff_t k0,
                            bool a_bLast, ptrdiff_t a_iRows, double* const* a_vvdRows)
 {
     for (ptrdiff_t c = a_Panel.iFirst; c < a_iColumnEnd; c += TILE_COLUMNS)
     {
-        const ptrdiff_t iColumns = Lesser(TILE_COLUMNS, a_iColumnEnd - c);
-        const ptrdiff_t iDepth = (a_bLast ? c : k0 + PANEL_DEPTH) - k0;
-        const TProducts Products = {k0, iDepth, a_iRows, a_vvdRows, FactorsOf(a_Panel, c)};
-        TTile Tile;
-        LoadTile(a_vvdRows, c, Tile);
-        SubtractProducts(Products, Tile);
-        if (a_bLast)
-        {
-            FinishTile(a_Panel, c, iColumns, a_vvdDiagonal + (c - a_Panel.iFirst), Tile, 0, a_iRows, a_vvdRows);
-            continue;
-        }
-        for (ptrdiff_t r = 0; r < a_iRows; ++r)
-        {
-            StoreRow(Tile.vvdRest[r], iColumns, a_vvdRows[r] + c);
-        }
+        const ptrdiff_t iTile = c - a_Panel.iFirst;
+        const TProducts Products = {a_Panel.bEights, k0,        (a_bLast ? c : k0 + PANEL_DEPTH) - k0,
+                                    a_iRows,         a_vvdRows, FactorsOf(a_Panel, c)};
+        const TFinish Finish = {a_Panel.bEights, c, a_iColumnEnd, a_vvdDiagonal + iTile, a_Panel.vdReciprocals + iTile};
+        PassRows(Products, Finish, a_bLast, a_vvdRows);
     }
 }
 
@@ -457,14 +537,12 @@ static void SubtractAll(TPanel& a_Panel, ptrdiff_t c, double* const* a_vvdDiagon
         {
             Pack(a_vvdDiagonal, k0, k0 + iDepth, vdFactors);
         }
-        const TProducts Products = {k0, iDepth, a_iRows, a_vvdRows, vdFactors};
-        if (a_pDiagonal == NULL)
+        const TProducts Products = {a_Panel.bEights, k0, iDepth, a_iRows, a_vvdRows, vdFactors};
+        SubtractProducts(Products, a_Tile, a_pDiagonal);
+        if (a_pDiagonal != NULL)
         {
-            SubtractProducts(Products, a_Tile);
-            continue;
+            a_pDiagonal->vdSquares -= iDepth;
         }
-        SubtractProductsAndSquares(Products, a_Tile, *a_pDiagonal);
-        a_pDiagonal->vdSquares -= iDepth;
     }
 }
 
@@ -542,10 +620,10 @@ static ptrdiff_t FactoriseBlock(TPanel& a_Panel, ptrdiff_t c, ptrdiff_t a_iRowEn
             ++iDone;
         }
     }
-    for (ptrdiff_t iFirst = 0; iFirst < iRows; iFirst += TILE_ROWS) // equivalent: a tile of no rows does nothing
+    const TFinish Finish = {a_Panel.bEights, c, c + iDone, vvdRows, a_Panel.vdReciprocals + (c - a_Panel.iFirst)};
+    for (ptrdiff_t iFirst = TILE_ROWS; iFirst < iRows; iFirst += TILE_ROWS) // the tile on the diagonal is finished
     {
-        FinishTile(a_Panel, c, iDone, vvdRows, vTiles[iFirst / TILE_ROWS], iFirst == 0 ? iColumns : 0,
-                   Lesser(TILE_ROWS, iRows - iFirst), vvdRows + iFirst);
+        FinishTile(Finish, vTiles[iFirst / TILE_ROWS], iRows - iFirst, vvdRows + iFirst);
     }
     return c + iDone;
 }
@@ -555,7 +633,8 @@ bool FactoriseByTiles(ptrdiff_t a_iN, const TTriangleRows& a_Rows, double* a_vdM
     TPanel Panel;
     Panel.Rows = a_Rows;
     Panel.vdMatrix = a_vdMatrix;
-    for (int i = 0; i < PANEL_COLUMNS; ++i) // equivalent: columns that fail read these values, and do not use them
+    Panel.bEights = a_iN >= EIGHTS_PAY_FROM; // equivalent: vectors of either width give the same bits
+    for (int i = 0; i < PANEL_COLUMNS; ++i)  // equivalent: columns that fail read these values, and do not use them
     {
         Panel.vdReciprocals[i] = 0.0; // equivalent: columns that fail read theirs, and do not use it
     }

@@ -6,13 +6,13 @@
 // the order of its operations. The files of this directory have forms that give the same bits faster. The plain
 // function hands its work over in one line, where a faster form exists and pays:
 //   software floating point   leaves out operations whose result is known (the device);
-//   vectors                   computes two doubles at once, or four on a processor that has such vectors.
-// The head of a faster form tells what it gains. Times are those of one Intel Xeon with vectors of four.
+//   vectors                   computes two doubles at once, or four or eight on a processor that has such vectors.
+// The head of a faster form tells what it gains. Times are those of one Intel Xeon with vectors of eight.
 //
 // The tests compile the library once more in each of these forms, in namespaces of their own, and compare them all with
 // the plain one:
 //   NUV_PLAIN_FORMS           no faster form at all
-//   NUV_NO_WIDE_VECTORS       vectors of two only, on a processor that has wider ones
+//   NUV_WIDEST_VECTORS        vectors of two doubles, or of up to four, on a processor that has wider ones
 //   __SOFTFP__                the forms for software floating point; a compiler for such a processor defines it
 
 #ifndef NUV_FAST_FORMS_H

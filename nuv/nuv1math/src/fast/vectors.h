@@ -51,51 +51,137 @@ static NUV_INLINE void Store(const double& a_dValue, double* a_vdTo)
 #define NUV_UNROLL _Pragma("GCC unroll 8")
 #endif
 
-// Vectors of four doubles, where the processor has them. Not on 64-bit Windows: its stack is aligned to two doubles,
-// and GCC stores vectors of four there as if it were aligned to four (GCC bug 54412).
-#if defined(__x86_64__) && !defined(_WIN32) && !defined(NUV_NO_WIDE_VECTORS)
-#define NUV_WIDE_VECTORS
+// The widest vectors that the library is compiled for; a processor with narrower ones takes those. NUV_WIDEST_VECTORS
+// limits it to fewer doubles. No more than two on 64-bit Windows: its stack is aligned to two doubles, and GCC stores
+// wider vectors there as if it were aligned to them (GCC bug 54412).
+#if !defined(__x86_64__) || defined(_WIN32)
+#undef NUV_WIDEST_VECTORS
+#define NUV_WIDEST_VECTORS 2
+#elif !defined(NUV_WIDEST_VECTORS)
+#define NUV_WIDEST_VECTORS 8
 #endif
 
 namespace nuv {
 
 typedef double TPair __attribute__((vector_size(2 * sizeof(double))));
+typedef double TFour __attribute__((vector_size(4 * sizeof(double))));
+typedef double TEight __attribute__((vector_size(8 * sizeof(double))));
+
+// Swaps the elements between two vectors that a transposition swaps: STEP is the distance of the vectors' numbers. Each
+// element of the first whose number has the bit STEP changes places with the element STEP before it in the second.
+template <int STEP> static NUV_INLINE void SwapAcross(TPair& a_First, TPair& a_Second)
+{
+    const TPair First = a_First;
+    a_First = __builtin_shufflevector(First, a_Second, 0, 2);
+    a_Second = __builtin_shufflevector(First, a_Second, 1, 3);
+}
+
+template <int STEP> static NUV_INLINE void SwapAcross(TFour& a_First, TFour& a_Second)
+{
+    const TFour First = a_First;
+    if (STEP == 1)
+    {
+        a_First = __builtin_shufflevector(First, a_Second, 0, 4, 2, 6);
+        a_Second = __builtin_shufflevector(First, a_Second, 1, 5, 3, 7);
+        return;
+    }
+    a_First = __builtin_shufflevector(First, a_Second, 0, 1, 4, 5);
+    a_Second = __builtin_shufflevector(First, a_Second, 2, 3, 6, 7);
+}
+
+template <int STEP> static NUV_INLINE void SwapAcross(TEight& a_First, TEight& a_Second)
+{
+    const TEight First = a_First;
+    if (STEP == 1)
+    {
+        a_First = __builtin_shufflevector(First, a_Second, 0, 8, 2, 10, 4, 12, 6, 14);
+        a_Second = __builtin_shufflevector(First, a_Second, 1, 9, 3, 11, 5, 13, 7, 15);
+    }
+    else if (STEP == 2)
+    {
+        a_First = __builtin_shufflevector(First, a_Second, 0, 1, 8, 9, 4, 5, 12, 13);
+        a_Second = __builtin_shufflevector(First, a_Second, 2, 3, 10, 11, 6, 7, 14, 15);
+    }
+    else
+    {
+        a_First = __builtin_shufflevector(First, a_Second, 0, 1, 2, 3, 8, 9, 10, 11);
+        a_Second = __builtin_shufflevector(First, a_Second, 4, 5, 6, 7, 12, 13, 14, 15);
+    }
+}
+
+template <int STEP, int LANES, typename TVector> static NUV_INLINE void SwapAcrossAll(TVector (&a_vRows)[LANES])
+{
+    NUV_UNROLL for (int r = 0; r + STEP < LANES; ++r)
+    {
+        if ((r & STEP) == 0)
+        {
+            SwapAcross<STEP>(a_vRows[r], a_vRows[r + STEP]);
+        }
+    }
+}
+
+// Replaces the rows of a square of as many vectors as each has elements by its columns.
+template <int LANES, typename TVector> static NUV_INLINE void Transpose(TVector (&a_vRows)[LANES])
+{
+    SwapAcrossAll<1>(a_vRows);
+    SwapAcrossAll<2>(a_vRows);
+    SwapAcrossAll<4>(a_vRows);
+}
 
 } // namespace nuv
 
 // NUV_BY_WIDTH(Name, (parameters), (arguments)) defines the function Name. It runs the template NameBy<TVector> with
-// the widest vectors that the processor has. NameBy is NUV_INLINE, so each width is compiled with its own instructions.
-// This is the only place that asks the processor what it has.
-#ifdef NUV_WIDE_VECTORS
+// vectors of two, or of four where the processor has them. NameBy is NUV_INLINE, so each width is compiled with its own
+// instructions.
+#define NUV_BY_WIDTH(a_Name, a_Parameters, a_Arguments) NUV_BY_WIDTH_OR_EIGHT(a_Name, false, a_Parameters, a_Arguments)
 
-namespace nuv {
-typedef double TFour __attribute__((vector_size(4 * sizeof(double))));
-} // namespace nuv
-
-#define NUV_BY_WIDTH(a_Name, a_Parameters, a_Arguments)                                                                \
-    __attribute__((target("avx2"))) static void a_Name##ByFours a_Parameters                                           \
+// The same, and with vectors of eight where the processor has them and the condition holds. They pay in long work only:
+// the processor lowers its clock for them, also for what follows (5 % on one Intel Xeon).
+// These two are the only place that asks the processor what it has.
+#define NUV_BY_WIDTH_OR_EIGHT(a_Name, a_bEightPays, a_Parameters, a_Arguments)                                         \
+    NUV_BY_EIGHTS(a_Name, a_Parameters, a_Arguments)                                                                   \
+    NUV_BY_FOURS(a_Name, a_Parameters, a_Arguments)                                                                    \
+    NUV_NOT_INLINE static void a_Name##ByPairs a_Parameters                                                            \
     {                                                                                                                  \
-        a_Name##By<TFour> a_Arguments;                                                                                 \
+        a_Name##By<TPair> a_Arguments;                                                                                 \
     }                                                                                                                  \
     static void a_Name a_Parameters                                                                                    \
     {                                                                                                                  \
-        if (__builtin_cpu_supports("avx2"))                                                                            \
-        {                                                                                                              \
-            a_Name##ByFours a_Arguments;                                                                               \
-            return;                                                                                                    \
-        }                                                                                                              \
-        a_Name##By<TPair> a_Arguments;                                                                                 \
+        NUV_IF_EIGHTS(a_Name, a_bEightPays, a_Arguments)                                                               \
+        NUV_IF_FOURS(a_Name, a_Arguments)                                                                              \
+        a_Name##ByPairs a_Arguments;                                                                                   \
     }
 
-#else
-
-#define NUV_BY_WIDTH(a_Name, a_Parameters, a_Arguments)                                                                \
-    static void a_Name a_Parameters                                                                                    \
+// One width of it: the function whose instructions are a_szTarget, and the call where the processor has them.
+#define NUV_BY_VECTORS(a_Name, a_Width, a_szTarget, a_TVector, a_Parameters, a_Arguments)                              \
+    __attribute__((target(a_szTarget))) static void a_Name##a_Width a_Parameters                                       \
     {                                                                                                                  \
-        a_Name##By<TPair> a_Arguments;                                                                                 \
+        a_Name##By<a_TVector> a_Arguments;                                                                             \
+    }
+#define NUV_IF_VECTORS(a_Name, a_Width, a_szTarget, a_bPays, a_Arguments)                                              \
+    if ((a_bPays) && __builtin_cpu_supports(a_szTarget))                                                               \
+    {                                                                                                                  \
+        a_Name##a_Width a_Arguments;                                                                                   \
+        return;                                                                                                        \
     }
 
-#endif // NUV_WIDE_VECTORS
+#if NUV_WIDEST_VECTORS >= 4
+#define NUV_BY_FOURS(a_Name, a_Parameters, a_Arguments)                                                                \
+    NUV_BY_VECTORS(a_Name, ByFours, "avx2", TFour, a_Parameters, a_Arguments)
+#define NUV_IF_FOURS(a_Name, a_Arguments) NUV_IF_VECTORS(a_Name, ByFours, "avx2", true, a_Arguments)
+#else
+#define NUV_BY_FOURS(a_Name, a_Parameters, a_Arguments)
+#define NUV_IF_FOURS(a_Name, a_Arguments)
+#endif
+
+#if NUV_WIDEST_VECTORS >= 8
+#define NUV_BY_EIGHTS(a_Name, a_Parameters, a_Arguments)                                                               \
+    NUV_BY_VECTORS(a_Name, ByEights, "avx512f", TEight, a_Parameters, a_Arguments)
+#define NUV_IF_EIGHTS(a_Name, a_bPays, a_Arguments) NUV_IF_VECTORS(a_Name, ByEights, "avx512f", a_bPays, a_Arguments)
+#else
+#define NUV_BY_EIGHTS(a_Name, a_Parameters, a_Arguments)
+#define NUV_IF_EIGHTS(a_Name, a_bPays, a_Arguments)
+#endif
 
 #endif // NUV_VECTORS
 
