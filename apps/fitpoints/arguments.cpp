@@ -3,6 +3,7 @@
 // SPDX-License-Identifier: MIT
 
 #include "arguments.h"
+#include "exports.h"
 #include "output_file.h"
 #include "text.h"
 
@@ -17,29 +18,44 @@ static const char* const DESCRIPTION =
     "conformal (2 points or more), affine (3) or omographic (projective, 4).";
 
 static const char* const FOOTER =
-    "FILE is a CSV file with the header x,y,X,Y or name,x,y,X,Y (source x, y; target X, Y), or a QGIS georeferencer "
-    "file\n"
-    "(mapX,mapY,sourceX,sourceY,enable[,dX,dY,residual]; pixelX,pixelY in older ones). Lines that start with # are "
-    "comments.\n"
+    "FILE is a CSV file with the columns x, y (source) and X, Y (target), a QGIS georeferencer file (sourceX, sourceY, "
+    "mapX,\n"
+    "mapY), or lines of -gcp pixel line X Y, the arguments of GDAL's programs. - is standard input. The separator is a "
+    "comma,\n"
+    "a semicolon or a tab. The columns name, check and enable are read, too: check points (check 1 or enable 0) are "
+    "not "
+    "fitted.\n"
     "\n"
-    "The world file of a CSV file takes x, y as column and row of pixel centres. In a QGIS file y is minus the row "
-    "and\n"
-    "(0, 0) is the outer corner of the first pixel; the world file is converted to pixel centres.\n"
+    "Outputs named - go to standard output, and then the report is not printed.\n"
+    "\n"
+    "--world, --points, --gcp and --vrt take the source coordinates as those of pixels. x and y of a CSV file are the "
+    "column\n"
+    "and the row of the centre of a pixel. In a QGIS file y is minus the row, and (0, 0) is the outer corner of the "
+    "first pixel.\n"
     "\n"
     "Limits: 64 KiB for a line, 256 MiB for the file, 1000000 points. The program takes at most 1.5 GiB of memory.\n"
     "\n"
     "Exit code: 0, or 2 with one line on standard error. Warnings go to standard error and leave the exit code 0.";
 
+const char* const STANDARD_STREAM = "-";
+
 static const std::map<std::string, nuv::enumMethodUsed> METHODS = {
     {"conformal", nuv::METHOD_CONFORMAL}, {"affine", nuv::METHOD_AFFINE}, {"omographic", nuv::METHOD_OMOGRAPHIC}};
 
-// The texts of options that may be missing.
-struct TOptionTexts
+static void DeclareExports(CLI::App& a_App, TArguments& a_Arguments)
 {
-    std::string szMethod, szPlot, szWorld;
-};
+    a_Arguments.vszExports.resize(EXPORT_COUNT);
+    for (std::size_t i = 0; i < EXPORT_COUNT; ++i)
+    {
+        a_App.add_option(EXPORTS[i].szOption, a_Arguments.vszExports[i], EXPORTS[i].szHelp)->type_name("FILE");
+    }
+    CLI::Option* const pRaster =
+        a_App.add_option("--raster", a_Arguments.szRaster, "the image of --vrt")->type_name("IMAGE");
+    pRaster->needs("--vrt");
+    a_App.get_option("--vrt")->needs(pRaster);
+}
 
-static void DeclareOptions(CLI::App& a_App, TArguments& a_Arguments, TOptionTexts& a_Texts)
+static void DeclareOptions(CLI::App& a_App, TArguments& a_Arguments, std::string& a_szMethod)
 {
     a_App.name("fitpoints");
     a_App.description(DESCRIPTION);
@@ -47,7 +63,7 @@ static void DeclareOptions(CLI::App& a_App, TArguments& a_Arguments, TOptionText
     a_App.set_version_flag("--version", "fitpoints " FITPOINTS_VERSION);
     a_App.add_option("FILE", a_Arguments.szFile, "the control points")->required();
     a_App
-        .add_option("--method", a_Texts.szMethod,
+        .add_option("--method", a_szMethod,
                     "fit this kind, or fail (default: the richest kind that the points support)")
         ->check(CLI::IsMember({"conformal", "affine", "omographic"}))
         ->type_name("KIND");
@@ -55,9 +71,10 @@ static void DeclareOptions(CLI::App& a_App, TArguments& a_Arguments, TOptionText
                    "let the conformal kind reverse the orientation of the axes");
     a_App.add_flag("--raw", a_Arguments.Fit.bRaw, "fit the coordinates as they are, without a local origin");
     a_App.add_flag("--json", a_Arguments.bJson, "print the result as JSON");
-    a_App.add_option("--plot", a_Texts.szPlot, "draw points and residual vectors (needs gnuplot)")
+    a_App.add_flag("--summary", a_Arguments.bSummary, "leave out the table of residuals");
+    a_App.add_option("--plot", a_Arguments.szPlot, "draw points and residual vectors (needs gnuplot)")
         ->type_name("FILE.svg|FILE.png");
-    a_App.add_option("--world", a_Texts.szWorld, "write a world file (conformal and affine kinds)")->type_name("FILE");
+    DeclareExports(a_App, a_Arguments);
 }
 
 // Parses the arguments. False if it has answered --help or --version.
@@ -85,23 +102,15 @@ std::optional<TArguments> ParseArguments(int a_iCount, char** a_vszArguments)
 {
     CLI::App App;
     TArguments Arguments = {};
-    TOptionTexts Texts;
-    DeclareOptions(App, Arguments, Texts);
+    std::string szMethod;
+    DeclareOptions(App, Arguments, szMethod);
     if (!Parse(App, a_iCount, a_vszArguments))
     {
         return std::nullopt;
     }
-    if (App.count("--method") > 0)
+    if (!szMethod.empty())
     {
-        Arguments.Fit.Demanded = METHODS.at(Texts.szMethod);
-    }
-    if (App.count("--plot") > 0)
-    {
-        Arguments.szPlot = Texts.szPlot;
-    }
-    if (App.count("--world") > 0)
-    {
-        Arguments.szWorld = Texts.szWorld;
+        Arguments.Fit.Demanded = METHODS.at(szMethod);
     }
     return Arguments;
 }

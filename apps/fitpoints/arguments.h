@@ -5,7 +5,7 @@
 #ifndef NUV_FITPOINTS_ARGUMENTS_H
 #define NUV_FITPOINTS_ARGUMENTS_H
 
-#include "kinds.h"
+#include "fit.h"
 
 #include <optional>
 #include <string>
@@ -17,8 +17,14 @@ struct TArguments
     std::string szFile;
     TFitOptions Fit;
     bool bJson;
-    std::optional<std::string> szPlot, szWorld; // without a value if the option is not given
+    bool bSummary;                     // no table of residuals
+    std::optional<std::string> szPlot; // this and the next ones have no value if the option is not given
+    std::vector<std::optional<std::string> > vszExports; // parallel to EXPORTS
+    std::optional<std::string> szRaster;
 };
+
+// The name of an output that is standard output, and of an input that is standard input.
+extern const char* const STANDARD_STREAM;
 
 // Reads the command line. Without a value if it has answered --help or --version. Fails if the arguments are wrong.
 std::optional<TArguments> ParseArguments(int a_iCount, char** a_vszArguments);

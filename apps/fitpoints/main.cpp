@@ -3,12 +3,13 @@
 // SPDX-License-Identifier: MIT
 
 #include "arguments.h"
+#include "exports.h"
 #include "fit.h"
 #include "output_file.h"
+#include "pixels.h"
 #include "plot.h"
 #include "report.h"
 #include "text.h"
-#include "world_file.h"
 
 #include <csignal>
 #include <cstdlib>
@@ -21,25 +22,60 @@ namespace fitpoints {
 
 static const int EXIT_FAILED = 2;
 
-// Fails if an output has the same place as the input or the other output, which it would overwrite.
+// The outputs of the command line: the option and the name of each.
+static std::vector<std::pair<std::string, std::string> > NamedOutputs(const TArguments& a_Arguments)
+{
+    std::vector<std::pair<std::string, std::string> > vszOutputs;
+    for (std::size_t i = 0; i < EXPORT_COUNT; ++i)
+    {
+        if (a_Arguments.vszExports[i])
+        {
+            vszOutputs.emplace_back(EXPORTS[i].szOption, *a_Arguments.vszExports[i]);
+        }
+    }
+    if (a_Arguments.szPlot)
+    {
+        vszOutputs.emplace_back("--plot", *a_Arguments.szPlot);
+    }
+    return vszOutputs;
+}
+
+// Fails if an output has the same place as an input or another output, which it would overwrite.
 static void CheckPlaces(const TArguments& a_Arguments)
 {
-    char* const szResolved = realpath(a_Arguments.szFile.c_str(), nullptr);
     std::map<std::string, std::string> Places; // from the place to what stands there
-    if (szResolved != nullptr)
+    const auto AddInput = [&](const std::string& a_szName, const std::string& a_szWhat)
     {
-        Places[szResolved] = "the file of the points";
-        std::free(szResolved);
-    }
-    const auto Check = [&](const std::optional<std::string>& a_szName, const std::string& a_szOption)
-    {
-        if (a_szName && !Places.emplace(OutputPlace(*a_szName), "the output of " + a_szOption).second)
+        char* const szResolved = realpath(a_szName.c_str(), nullptr);
+        if (szResolved != nullptr)
         {
-            Fail(*a_szName, a_szOption + " would write over " + Places[OutputPlace(*a_szName)]);
+            Places[szResolved] = a_szWhat;
+            std::free(szResolved);
         }
     };
-    Check(a_Arguments.szPlot, "--plot");
-    Check(a_Arguments.szWorld, "--world");
+    AddInput(a_Arguments.szFile, "the file of the points");
+    AddInput(a_Arguments.szRaster.value_or(""), "the image of --raster");
+    for (const auto& [szOption, szName] : NamedOutputs(a_Arguments))
+    {
+        const std::string szPlace = szName == STANDARD_STREAM ? szName : OutputPlace(szName);
+        if (!Places.emplace(szPlace, "the output of " + szOption).second)
+        {
+            Fail(szName, szOption + " would write over " + Places[szPlace]);
+        }
+    }
+}
+
+// The option whose output is standard output; empty if that is the report.
+static std::string StandardOutputOption(const TArguments& a_Arguments)
+{
+    for (const auto& [szOption, szName] : NamedOutputs(a_Arguments))
+    {
+        if (szName == STANDARD_STREAM)
+        {
+            return szOption;
+        }
+    }
+    return "";
 }
 
 static void CheckArguments(const TArguments& a_Arguments)
@@ -52,30 +88,70 @@ static void CheckArguments(const TArguments& a_Arguments)
     {
         Fail("FILE", "the name is empty");
     }
+    const std::string szOption = StandardOutputOption(a_Arguments);
+    if (a_Arguments.bJson && !szOption.empty())
+    {
+        Fail("--json", "standard output is that of " + szOption);
+    }
 }
 
-using TOutputs = std::vector<std::unique_ptr<TOutput> >;
-
-// Writes the outputs under temporary names.
-static TOutputs WriteOutputs(const TArguments& a_Arguments, const TPoints& a_Points, const TFit& a_Fit)
+// What is written in the end.
+struct TResults
 {
-    TOutputs vOutputs;
-    if (a_Arguments.szWorld)
+    std::string szStandardOutput;
+    std::vector<std::unique_ptr<TOutput> > vOutputs; // under temporary names
+};
+
+static void AddOutput(const std::string& a_szName, const std::string& a_szText, TResults& a_Results)
+{
+    if (a_szName == STANDARD_STREAM)
     {
-        const std::string szWorld = WorldFile(a_Points, a_Fit);
-        vOutputs.push_back(OpenOutput(*a_Arguments.szWorld));
-        WriteOutput(*vOutputs.back(), szWorld);
+        a_Results.szStandardOutput = a_szText;
+        return;
+    }
+    a_Results.vOutputs.push_back(OpenOutput(a_szName));
+    WriteOutput(*a_Results.vOutputs.back(), a_szText);
+}
+
+static TResults WriteResults(const TArguments& a_Arguments, const TPoints& a_Points, const TFit& a_Fit)
+{
+    TResults Results;
+    for (std::size_t i = 0; i < EXPORT_COUNT; ++i)
+    {
+        if (a_Arguments.vszExports[i])
+        {
+            const std::string szRaster = a_Arguments.szRaster.value_or("");
+            AddOutput(*a_Arguments.vszExports[i], EXPORTS[i].MakeText(a_Points, a_Fit, szRaster), Results);
+        }
     }
     if (a_Arguments.szPlot)
     {
-        vOutputs.push_back(OpenOutput(*a_Arguments.szPlot));
-        DrawPlot(a_Points, a_Fit, *vOutputs.back());
+        Results.vOutputs.push_back(OpenOutput(*a_Arguments.szPlot));
+        DrawPlot(a_Points, a_Fit, *Results.vOutputs.back());
     }
-    for (const std::unique_ptr<TOutput>& Output : vOutputs)
+    for (const std::unique_ptr<TOutput>& Output : Results.vOutputs)
     {
         CloseOutput(*Output);
     }
-    return vOutputs;
+    if (StandardOutputOption(a_Arguments).empty())
+    {
+        Results.szStandardOutput = (a_Arguments.bJson ? JsonReport : TextReport)(a_Points, a_Fit, a_Arguments.bSummary);
+    }
+    return Results;
+}
+
+// Doubts about the outputs, beside those about the fit.
+static void AddOutputWarnings(const TArguments& a_Arguments, const TPoints& a_Points, TFit& a_Fit)
+{
+    for (std::size_t i = 0; i < EXPORT_COUNT; ++i)
+    {
+        if (a_Arguments.vszExports[i] && EXPORTS[i].bPixels && SeemsToCountUpwards(a_Points))
+        {
+            a_Fit.vszWarnings.push_back(std::string(EXPORTS[i].szOption) +
+                                        " takes y of a CSV file as the row of a pixel, but all y are negative: if they "
+                                        "are minus the row, as in QGIS, name the columns sourceX,sourceY,mapX,mapY");
+        }
+    }
 }
 
 static void PrintWarnings(const TPoints& a_Points, const TFit& a_Fit)
@@ -86,16 +162,17 @@ static void PrintWarnings(const TPoints& a_Points, const TFit& a_Fit)
     }
 }
 
-// The report is printed and the outputs are put in place when nothing else can fail any more.
+// The results are printed and put in place when nothing else can fail any more.
 static void Run(const TArguments& a_Arguments)
 {
     CheckArguments(a_Arguments);
     const TPoints Points = ReadPoints(a_Arguments.szFile);
     CheckPlaces(a_Arguments);
-    const TFit Fit = FitPoints(Points, a_Arguments.Fit);
-    const TOutputs vOutputs = WriteOutputs(a_Arguments, Points, Fit);
-    WriteStandardOutput(a_Arguments.bJson ? JsonReport(Points, Fit) : TextReport(Points, Fit));
-    for (const std::unique_ptr<TOutput>& Output : vOutputs)
+    TFit Fit = FitPoints(Points, a_Arguments.Fit);
+    AddOutputWarnings(a_Arguments, Points, Fit);
+    const TResults Results = WriteResults(a_Arguments, Points, Fit);
+    WriteStandardOutput(Results.szStandardOutput);
+    for (const std::unique_ptr<TOutput>& Output : Results.vOutputs)
     {
         PutInPlace(*Output);
     }

@@ -23,7 +23,7 @@ static const char* const CANNOT_WRITE = "cannot be written";
 static const int ENDING_SIGNALS[] = {SIGHUP, SIGINT, SIGTERM};
 
 // The outputs that have a temporary name. It changes only while the ending signals are blocked.
-static const TOutput* g_vOutputs[2] = {};
+static const TOutput* g_vOutputs[8] = {};
 
 // Blocks the ending signals as long as it lives.
 class TBlockedSignals

@@ -9,9 +9,10 @@
 
 namespace fitpoints {
 
-std::string TextReport(const TPoints& a_Points, const TFit& a_Fit);
+// A summary leaves out the residuals of the points.
+std::string TextReport(const TPoints& a_Points, const TFit& a_Fit, bool a_bSummary);
 
-std::string JsonReport(const TPoints& a_Points, const TFit& a_Fit);
+std::string JsonReport(const TPoints& a_Points, const TFit& a_Fit, bool a_bSummary);
 
 } // namespace fitpoints
 

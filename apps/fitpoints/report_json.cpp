@@ -100,9 +100,13 @@ static std::string Dumped(const TJson& a_Json, int a_iIndent)
 }
 
 // A JSON object of a million points would take much memory. So the points are converted one by one, each on a line.
-std::string JsonReport(const TPoints& a_Points, const TFit& a_Fit)
+std::string JsonReport(const TPoints& a_Points, const TFit& a_Fit, bool a_bSummary)
 {
     std::string szText = Dumped(Summary(a_Points, a_Fit), 2);
+    if (a_bSummary)
+    {
+        return szText + "\n";
+    }
     szText.erase(szText.rfind("\n}"));
     szText += ",\n  \"points\": [";
     for (std::size_t i = 0; i < a_Points.vPoints.size(); ++i)

@@ -195,10 +195,10 @@ static std::string Statistics(const TPoints& a_Points, const TFit& a_Fit)
                 : "RMS of the check points: " + Number("%.10g", a_Fit.Judgement.dCheckRms) + "\n");
 }
 
-std::string TextReport(const TPoints& a_Points, const TFit& a_Fit)
+std::string TextReport(const TPoints& a_Points, const TFit& a_Fit, bool a_bSummary)
 {
     return Heading(a_Points, a_Fit) + (a_Fit.bRaw ? "" : LocalFrame(a_Fit)) + OriginalFrame(a_Fit) + Shape(a_Fit) +
-           Residuals(a_Points, a_Fit) + Statistics(a_Points, a_Fit);
+           (a_bSummary ? "" : Residuals(a_Points, a_Fit)) + Statistics(a_Points, a_Fit);
 }
 
 } // namespace fitpoints

@@ -143,7 +143,7 @@ TEST_F(FitPoints, OutputsThatCannotBeWrittenAreRefusedAndTheOtherOneIsNotLeft)
     Refused("dangling", "p.svg", "dangling: cannot be written: No such file or directory");
     Refused("d/", "p.svg", "d/: cannot be written: not a regular file");
     Refused("", "p.svg", "output: cannot be written: no file name");
-    Refused("p.svg", "p.svg", "p.svg: --world would write over the output of --plot");
+    Refused("p.svg", "p.svg", "p.svg: --plot would write over the output of --world");
     Refused("./p.csv", "p.svg", "./p.csv: --world would write over the file of the points");
     EXPECT_EQ(Square, Contents("p.csv"));
 }
