@@ -25,6 +25,15 @@ if(NUV1MATH_BUILD_APPS AND NUV1MATH_MPFR AND NUV1MATH_GMP AND NUV1MATH_BOOST AND
     Python3::Interpreter ${PROJECT_SOURCE_DIR}/scripts/pages/accuracy.py --check $<TARGET_FILE:accuracy>)
 endif()
 
+# What docs/figures show. The test compares the figures with what would be drawn now.
+if(NOT NUV1MATH_SANITIZED AND NOT CMAKE_CROSSCOMPILING)
+  add_executable(figure_geometry tools/figure_geometry.cpp)
+  target_compile_options(figure_geometry PRIVATE -Wall -Wextra)
+  target_link_libraries(figure_geometry PRIVATE nuv::nuv1math)
+  nuv_add_test(figures quick
+    Python3::Interpreter ${PROJECT_SOURCE_DIR}/scripts/pages/figures.py --check $<TARGET_FILE:figure_geometry>)
+endif()
+
 # docs/message-box.png: the assertion report on a desktop that wine shows. Needs xvfb, xauth and imagemagick.
 if(WIN32 AND CMAKE_CROSSCOMPILING_EMULATOR)
   set(show "$0 explorer /desktop=nuv1math,480x240 $1 --gtest_filter=ReportAsMessageBox.RetryEndsTheProcess >/dev/null")

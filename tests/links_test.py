@@ -45,6 +45,8 @@ class Documents(unittest.TestCase):
     def test_public_header_names_no_file_that_is_not_installed(self):
         header = (ROOT / "nuv/nuv_math/include/nuv1math.h").read_text()
         self.assertEqual(re.findall(rf"\b(?:{FOLDERS})/\S+", header), [])
+        figures = {path.name for path in (ROOT / "docs/figures").iterdir()} # the site is installed with them
+        self.assertEqual(set(re.findall(r"\b[\w-]+\.(?:cpp|h|md|txt|py|svg|html)\b", header)) - figures, {"nuv1math.h"})
 
 
 if __name__ == "__main__":

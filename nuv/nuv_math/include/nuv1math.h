@@ -25,7 +25,7 @@
  *  the result maps coordinates that are reduced in this way. Look at the residuals afterwards: no fit reports points
  *  that fit badly.
  *
- *  @image html three-kinds.svg "What the three kinds can do to a square grid"
+ *  @image html three-kinds.svg "What each kind can do to a square grid: its fit to the same four points"
  *
  *  @section control_points Control points, residuals and units
  *  Control points are points whose coordinates are known in a source and in a target system. They are passed as four
