@@ -60,7 +60,8 @@ std::vector<std::size_t> Sizes()
     {
         Result.push_back(i);
     }
-    for (const std::size_t iAround : {128, 144, 160, 272})
+    Result.push_back(401);
+    for (const std::size_t iAround : {128, 160, 192, 224})
     {
         for (std::size_t i = iAround - 1; i <= iAround + 1; ++i)
         {
@@ -197,7 +198,8 @@ TEST_P(FormsSlow, LeaveTheSameAfterAFailureAtEveryDiagonal)
     for (const std::size_t n : Sizes())
     {
         const std::size_t iEffort = Emulated ? 5 : Watched ? 3 : 1;
-        const std::size_t iStep = (n <= 70 ? 1 + n / 30 : 13) * iEffort; // every remainder by the sizes of the tiles
+        const std::size_t iStep =
+            (n <= 70 ? 1 + n / 30 : (13 + n / 16) | 1) * iEffort; // every remainder by the sizes of the tiles
         for (std::size_t i = n % iStep; i < n; i += iStep)
         {
             SCOPED_TRACE(::testing::Message() << n << ", failing at " << i);

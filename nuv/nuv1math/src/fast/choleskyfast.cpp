@@ -127,11 +127,12 @@ enum
     TILE_COLUMNS = TILE_ROWS,
     BLOCK_TILES = TILE_COLUMNS, // one beside each diagonal of a tile
     BLOCK_ROWS = BLOCK_TILES * TILE_ROWS,
-    PANEL_TILES = 2,                            // equivalent: any number gives the same bits
+    PANEL_TILES = 4,                            // equivalent: any number gives the same bits
     PANEL_COLUMNS = PANEL_TILES * TILE_COLUMNS, // equivalent: no more than BLOCK_ROWS; fewer give the same bits
-    PANEL_DEPTH = 128,                          // equivalent: any depth gives the same bits
-    EIGHTS_PAY_FROM = 80,                       // equivalent: unknowns; vectors of either width give the same bits
-    CACHED_MATRIX = 160                         // equivalent: up to so many unknowns the cache holds the matrix
+    PANEL_DEPTH = 64,                           // equivalent: any depth gives the same bits
+    TILE_DEPTH = PANEL_DEPTH + PANEL_COLUMNS,
+    EIGHTS_PAY_FROM = 80, // equivalent: unknowns; vectors of either width give the same bits
+    CACHED_MATRIX = 160   // equivalent: up to so many unknowns the cache holds the matrix
 };
 
 // What is left of a tile's elements when some products are subtracted.
@@ -147,7 +148,7 @@ struct TPanel
     double* vdMatrix;
     bool bEights;
     ptrdiff_t iFirst;
-    double vvdFactors[PANEL_TILES][(PANEL_DEPTH + PANEL_COLUMNS) * TILE_COLUMNS]; // by tile; element k of its columns
+    double vvdFactors[PANEL_TILES][TILE_DEPTH * TILE_COLUMNS]; // by tile; element k of its columns
     double vdReciprocals[PANEL_COLUMNS];
 } __attribute__((aligned(64)));
 
@@ -528,11 +529,14 @@ static void FinishRows(TPanel& a_Panel, ptrdiff_t a_iRow, ptrdiff_t a_iN, ptrdif
 static void SubtractAll(TPanel& a_Panel, ptrdiff_t c, double* const* a_vvdDiagonal, bool a_bPack, ptrdiff_t a_iRows,
                         double* const* a_vvdRows, TTile& a_Tile, TDiagonal* a_pDiagonal)
 {
-    double* const vdFactors = FactorsOf(a_Panel, c);
+    // Factors that the last pass over the rows below needs stay where they are. Otherwise all the scratch is free.
+    const bool bKept = a_Panel.iFirst <= PANEL_DEPTH;
+    double* const vdFactors = bKept ? FactorsOf(a_Panel, c) : a_Panel.vvdFactors[0];
+    const ptrdiff_t iMost = bKept ? TILE_DEPTH : PANEL_TILES * TILE_DEPTH; // equivalent: any depth gives the same bits
     ptrdiff_t iDepth;
     for (ptrdiff_t k0 = 0; k0 < c; k0 += iDepth)
     {
-        iDepth = Lesser(PANEL_DEPTH + PANEL_COLUMNS, c - k0);
+        iDepth = Lesser(iMost, c - k0);
         if (a_bPack || iDepth < c) // equivalent: packing twice gives the same
         {
             Pack(a_vvdDiagonal, k0, k0 + iDepth, vdFactors);
