@@ -12,6 +12,7 @@
 #include "support/triangle.h"
 
 #include <algorithm>
+#include <array>
 #include <memory>
 #include <random>
 
@@ -324,6 +325,81 @@ TEST_P(Forms, FitTransformations)
     CheckFit(PlainForm.pFitConformal, GetParam().pFitConformal, iCases, iCases / 4, NextPoints);
     CheckFit(PlainForm.pFitAffine, GetParam().pFitAffine, iCases, iCases / 4, NextPoints);
     CheckFit(PlainForm.pFitOmographic, GetParam().pFitOmographic, iCases, iCases / 8, NextPoints);
+}
+
+// Points near a projective map, so that the fit has several refinements.
+TControlPoints ProjectivePoints(std::size_t a_iCount, std::mt19937_64& a_Random)
+{
+    std::uniform_real_distribution<double> Coordinate(-1.0, 1.0);
+    TControlPoints Points;
+    for (TValues* const pValues : {&Points.vdX, &Points.vdY, &Points.vdXa, &Points.vdYa})
+    {
+        pValues->reserve(a_iCount); // and no more: the sanitizer knows where the memory ends
+    }
+    for (std::size_t i = 0; i < a_iCount; ++i)
+    {
+        const double x = Coordinate(a_Random), y = Coordinate(a_Random);
+        const double dW = 0.3 * x - 0.2 * y + 1.0;
+        const double dXa = (2.0 * x - y + 3.0) / dW;
+        Points.Add(x, y, dXa + 0.01 * Coordinate(a_Random), (x + y - 1.0) / dW + 0.01 * Coordinate(a_Random));
+    }
+    return Points;
+}
+
+// The arrays end where the points end. The address sanitizer sees a read behind them.
+TEST_P(Forms, FitEveryNumberOfPoints)
+{
+    for (std::size_t n = 0; n <= 70; ++n)
+    {
+        const auto NextPoints = [this, n](int a_iCase)
+        {
+            TControlPoints Points = ProjectivePoints(n, m_Random);
+            for (int iSpecial = 0; n > 0 && iSpecial < a_iCase; ++iSpecial)
+            {
+                std::array<TValues*, 4> Arrays = {&Points.vdX, &Points.vdY, &Points.vdXa, &Points.vdYa};
+                (*Arrays[Below(4)])[Below(n)] = Special();
+            }
+            return Points;
+        };
+        SCOPED_TRACE(n);
+        CheckFit(PlainForm.pFitConformal, GetParam().pFitConformal, 4, n < 2 ? 0 : 1, NextPoints);
+        CheckFit(PlainForm.pFitAffine, GetParam().pFitAffine, 4, n < 3 ? 0 : 1, NextPoints);
+        CheckFit(PlainForm.pFitOmographic, GetParam().pFitOmographic, 4, n < 4 ? 0 : 1, NextPoints);
+        ASSERT_FALSE(HasFailure());
+    }
+}
+
+// Target points whose X vanishes: sums and quotients are zeros of both signs.
+TEST_P(Forms, FitOmographicToVanishingTargets)
+{
+    const auto NextPoints = [this](int a_iCase)
+    {
+        TControlPoints Points = ProjectivePoints(4 + Below(5), m_Random);
+        for (double& dTarget : a_iCase % 2 == 0 ? Points.vdXa : Points.vdYa)
+        {
+            dTarget = Subnormal * (static_cast<double>(Below(5)) - 2.0);
+        }
+        return Points;
+    };
+    const int iCases = CasesHere(2000);
+    CheckFit(PlainForm.pFitOmographic, GetParam().pFitOmographic, iCases, iCases / 8, NextPoints);
+}
+
+// Points of which two or more coincide or all lie on one line: the equations cannot be factorised, or hardly.
+TEST_P(Forms, FitOmographicToDegeneratePoints)
+{
+    const auto NextPoints = [this](int a_iCase)
+    {
+        TControlPoints Points = ProjectivePoints(4 + Below(8), m_Random);
+        for (std::size_t i = 1; i < Points.vdX.size(); ++i)
+        {
+            const double dSlope = static_cast<double>(Below(3)) - 1.0;
+            Points.vdX[i] = a_iCase % 3 == 0 ? Points.vdX[i / 2] : Points.vdX[i];
+            Points.vdY[i] = a_iCase % 3 == 0 ? Points.vdY[i / 2] : a_iCase % 3 == 1 ? dSlope : dSlope * Points.vdX[i];
+        }
+        return Points;
+    };
+    CheckFit(PlainForm.pFitOmographic, GetParam().pFitOmographic, CasesHere(2000), 1, NextPoints);
 }
 
 TEST_P(Forms, FindTheRootsOfPolynomials)

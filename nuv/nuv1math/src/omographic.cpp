@@ -50,51 +50,70 @@ static const double OMOGRAPHIC_CONVERGENCE = 1e-8; // absolute, on every coeffic
 typedef char TCheckOmographicLayout[sizeof(TOmographicParams) == OMOGRAPHIC_UNKNOWNS * sizeof(double) ? 1 : -1];
 
 // A x + B y + C - G X x - H X y = X, D x + E y + F - G Y x - H Y y = Y.
-static void FormLinearRows(double a_dX, double a_dY, double a_dXa, double a_dYa, double* a_vdRow)
+template <typename TValue>
+NUV_INLINE void FormLinearRows(const TValue& a_X, const TValue& a_Y, const TValue& a_Xa, const TValue& a_Ya,
+                               TValue* a_vRow)
 {
-    a_vdRow[ROW_P] = a_dX;
-    a_vdRow[ROW_Q] = a_dY;
-    a_vdRow[ROW_R] = 1.0;
-    a_vdRow[ROW_XG] = -(a_dXa * a_dX);
-    a_vdRow[ROW_XH] = -(a_dXa * a_dY);
-    a_vdRow[ROW_X0] = a_dXa;
-    a_vdRow[ROW_YG] = -(a_dYa * a_dX);
-    a_vdRow[ROW_YH] = -(a_dYa * a_dY);
-    a_vdRow[ROW_Y0] = a_dYa;
+    a_vRow[ROW_P] = a_X;
+    a_vRow[ROW_Q] = a_Y;
+    Fill(1.0, a_vRow[ROW_R]);
+    a_vRow[ROW_XG] = -(a_Xa * a_X);
+    a_vRow[ROW_XH] = -(a_Xa * a_Y);
+    a_vRow[ROW_X0] = a_Xa;
+    a_vRow[ROW_YG] = -(a_Ya * a_X);
+    a_vRow[ROW_YH] = -(a_Ya * a_Y);
+    a_vRow[ROW_Y0] = a_Ya;
 }
 
 // The partial derivatives of U/W and V/W with respect to the eight coefficients, and the residuals, at a_vdCoefs.
-static void FormRefinementRows(const double* a_vdCoefs, double a_dX, double a_dY, double a_dXa, double a_dYa,
-                               double* a_vdRow)
+template <typename TValue>
+NUV_INLINE void FormRefinementRows(const double* a_vdCoefs, const TValue& a_X, const TValue& a_Y, const TValue& a_Xa,
+                                   const TValue& a_Ya, TValue* a_vRow)
 {
-    const double dU = (a_dX * a_vdCoefs[COEF_A] + a_dY * a_vdCoefs[COEF_B]) + a_vdCoefs[COEF_C];
-    const double dV = (a_dX * a_vdCoefs[COEF_D] + a_dY * a_vdCoefs[COEF_E]) + a_vdCoefs[COEF_F];
-    const double dW = (a_dX * a_vdCoefs[COEF_G] + a_dY * a_vdCoefs[COEF_H]) + 1.0;
-    const double dInvW = Quotient(1.0, dW);
-    const double dInvW2 = Quotient(1.0, dW * dW); // not the square of dInvW, which rounds differently
-    const double dX2 = a_dX * dInvW2;
-    const double dY2 = a_dY * dInvW2;
-    a_vdRow[ROW_P] = a_dX * dInvW;
-    a_vdRow[ROW_Q] = a_dY * dInvW;
-    a_vdRow[ROW_R] = dInvW;
-    a_vdRow[ROW_XG] = -(dX2 * dU);
-    a_vdRow[ROW_XH] = -(dY2 * dU);
-    a_vdRow[ROW_X0] = a_dXa - dInvW * dU;
-    a_vdRow[ROW_YG] = -(dX2 * dV);
-    a_vdRow[ROW_YH] = -(dY2 * dV);
-    a_vdRow[ROW_Y0] = a_dYa - dInvW * dV;
+    const TValue U = (a_X * a_vdCoefs[COEF_A] + a_Y * a_vdCoefs[COEF_B]) + a_vdCoefs[COEF_C];
+    const TValue V = (a_X * a_vdCoefs[COEF_D] + a_Y * a_vdCoefs[COEF_E]) + a_vdCoefs[COEF_F];
+    const TValue W = (a_X * a_vdCoefs[COEF_G] + a_Y * a_vdCoefs[COEF_H]) + 1.0;
+    TValue InvW;
+    TValue InvW2;
+    Invert(W, InvW);
+    Invert(TValue(W * W), InvW2); // not the square of InvW, which rounds differently
+    const TValue X2 = a_X * InvW2;
+    const TValue Y2 = a_Y * InvW2;
+    a_vRow[ROW_P] = a_X * InvW;
+    a_vRow[ROW_Q] = a_Y * InvW;
+    a_vRow[ROW_R] = InvW;
+    a_vRow[ROW_XG] = -(X2 * U);
+    a_vRow[ROW_XH] = -(Y2 * U);
+    a_vRow[ROW_X0] = a_Xa - InvW * U;
+    a_vRow[ROW_YG] = -(X2 * V);
+    a_vRow[ROW_YH] = -(Y2 * V);
+    a_vRow[ROW_Y0] = a_Ya - InvW * V;
+}
+
+template <typename TValue>
+NUV_INLINE void FormRowsBy(const TControlPoints& a_Points, unsigned int i, const double* a_vdCoefs, TValue* a_vRow)
+{
+    TValue X;
+    TValue Y;
+    TValue Xa;
+    TValue Ya;
+    Load(a_Points.vdX + i, X);
+    Load(a_Points.vdY + i, Y);
+    Load(a_Points.vdXa + i, Xa);
+    Load(a_Points.vdYa + i, Ya);
+    if (a_vdCoefs == NULL)
+    {
+        FormLinearRows(X, Y, Xa, Ya, a_vRow);
+    }
+    else
+    {
+        FormRefinementRows(a_vdCoefs, X, Y, Xa, Ya, a_vRow);
+    }
 }
 
 void FormRows(const TControlPoints& a_Points, unsigned int i, const double* a_vdCoefs, double* a_vdRow)
 {
-    if (a_vdCoefs == NULL)
-    {
-        FormLinearRows(a_Points.vdX[i], a_Points.vdY[i], a_Points.vdXa[i], a_Points.vdYa[i], a_vdRow);
-    }
-    else
-    {
-        FormRefinementRows(a_vdCoefs, a_Points.vdX[i], a_Points.vdY[i], a_Points.vdXa[i], a_Points.vdYa[i], a_vdRow);
-    }
+    FormRowsBy<double>(a_Points, i, a_vdCoefs, a_vdRow);
 }
 
 // Adds the two rows of point i to the normal equations.
@@ -115,7 +134,7 @@ NUV_NOT_INLINE static void AddPointToEquations(const TControlPoints& a_Points, u
 // Sums up the normal equations: linear ones if a_vdCoefs is null, and otherwise those of a refinement at a_vdCoefs.
 static void FormEquations(const TControlPoints& a_Points, const double* a_vdCoefs, TOmographicSystem& a_System)
 {
-    if (FASTER_FORMS && FormEquationsFromSums(a_Points, a_vdCoefs, a_System))
+    if (FASTER_FORMS && !HAS_VECTORS && FormEquationsFromSums(a_Points, a_vdCoefs, a_System))
     {
         return;
     }
@@ -142,27 +161,37 @@ static double ApplyCorrection(const double* a_vdCorrection, double* a_vdCoefs)
     return dGreatest;
 }
 
+// Forms and solves the equations. The solution replaces their right-hand side. If they cannot be factorised, the result
+// is false, and the right-hand side stays.
+static bool SolveEquations(const TControlPoints& a_Points, const double* a_vdCoefs, TOmographicSystem& a_System)
+{
+    if (HAS_VECTORS && SolveEquationsByVectors(a_Points, a_vdCoefs, a_System.vdVector))
+    {
+        return true;
+    }
+    FormEquations(a_Points, a_vdCoefs, a_System);
+    if (!CholeskyLowTri(OMOGRAPHIC_UNKNOWNS, a_System.vdMatrix))
+    {
+        return false;
+    }
+    SolveCholLowTri(OMOGRAPHIC_UNKNOWNS, a_System.vdMatrix, a_System.vdVector);
+    return true;
+}
+
 // One Gauss-Newton iteration. False if it is the last: its equations cannot be factorised, or it has converged.
 static bool Refine(const TControlPoints& a_Points, double* a_vdCoefs)
 {
     TOmographicSystem System;
-    FormEquations(a_Points, a_vdCoefs, System);
-    if (!CholeskyLowTri(OMOGRAPHIC_UNKNOWNS, System.vdMatrix)) // equivalent: another turn fails in the same way
-    {
-        return false;
-    }
-    SolveCholLowTri(OMOGRAPHIC_UNKNOWNS, System.vdMatrix, System.vdVector);
-    return !(ApplyCorrection(System.vdVector, a_vdCoefs) < OMOGRAPHIC_CONVERGENCE);
+    return SolveEquations(a_Points, a_vdCoefs, System) && // equivalent: another turn fails in the same way
+           !(ApplyCorrection(System.vdVector, a_vdCoefs) < OMOGRAPHIC_CONVERGENCE);
 }
 
 static int FitOmographic(const TControlPoints& a_Points, TOmographicParams& a_Params)
 {
     TOmographicSystem System;
-    FormEquations(a_Points, NULL, System);
-    const bool bSolvable = CholeskyLowTri(OMOGRAPHIC_UNKNOWNS, System.vdMatrix);
+    const bool bSolvable = SolveEquations(a_Points, NULL, System);
     if (bSolvable)
     {
-        SolveCholLowTri(OMOGRAPHIC_UNKNOWNS, System.vdMatrix, System.vdVector);
         for (int k = 0; k < OMOGRAPHIC_ITERATIONS && Refine(a_Points, System.vdVector); ++k)
         {}
     }

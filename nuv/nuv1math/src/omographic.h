@@ -63,6 +63,10 @@ enum
 // the refinement at these eight coefficients.
 void FormRows(const TControlPoints& a_Points, unsigned int i, const double* a_vdCoefs, double* a_vdRow);
 
+// The same for the points from i on, as many as a vector has elements: element l of a value is that of point i + l.
+template <typename TValue>
+void FormRowsBy(const TControlPoints& a_Points, unsigned int i, const double* a_vdCoefs, TValue* a_vRow);
+
 } // namespace nuv
 
 #endif // NUV_OMOGRAPHIC_H

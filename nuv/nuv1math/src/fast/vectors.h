@@ -5,6 +5,7 @@
 #ifndef NUV_FAST_VECTORS_H
 #define NUV_FAST_VECTORS_H
 
+#include "fast/arithmetic.h"
 #include "fast/forms.h"
 
 #include <string.h>
@@ -37,6 +38,28 @@ template <typename TVector> static NUV_INLINE void Store(const TVector& a_Vector
 static NUV_INLINE void Store(const double& a_dValue, double* a_vdTo)
 {
     *a_vdTo = a_dValue;
+}
+
+// Gives every element of a vector the same value.
+template <typename TVector> static NUV_INLINE void Fill(double a_dValue, TVector& a_Vector)
+{
+    a_Vector = TVector() + a_dValue;
+}
+
+static NUV_INLINE void Fill(double a_dValue, double& a_dFilled)
+{
+    a_dFilled = a_dValue;
+}
+
+// One divided by every element.
+template <typename TVector> static NUV_INLINE void Invert(const TVector& a_Vector, TVector& a_Inverse)
+{
+    a_Inverse = 1.0 / a_Vector;
+}
+
+static NUV_INLINE void Invert(const double& a_dValue, double& a_dInverse)
+{
+    a_dInverse = Quotient(1.0, a_dValue);
 }
 
 } // namespace nuv
