@@ -139,18 +139,21 @@ double Randn(double a_dMean, double a_dSigma)
 
 static const int SEED_AT_LOAD = -1; // so every process starts with the same sequence
 
-// A Windows DLL is seeded by its entry in module.cpp. Elsewhere the loader calls this function. It stands beside the
-// state, because a linker takes both or neither from the static library. The priority is the first that programs may
-// use, so the objects of a program that is linked with the static library find the generator seeded.
-#if !defined(_WIN32) || defined(NUV1MATH_STATIC)
-#if !defined(__GNUC__)
-#error "random.cpp does not know how to run code at load with this compiler"
-#endif
-__attribute__((constructor(101))) // equivalent: any priority will do in a shared library
-#endif
 void SeedAtLoad()
 {
     SetRandomSeed(SEED_AT_LOAD);
 }
+
+// A Windows DLL is seeded by its entry in module.cpp. Elsewhere the loader calls this function. It stands beside the
+// state, because a linker takes both or neither from the static library. The priority is the first that programs may
+// use, so the objects of a program that is linked with the static library find the generator seeded.
+#if defined(__GNUC__) && (!defined(_WIN32) || defined(NUV1MATH_STATIC))
+__attribute__((constructor(101))) static void SeedBeforeMain() // equivalent: any priority will do in a shared library
+{
+    SeedAtLoad();
+}
+#elif !defined(_WIN32) || defined(NUV1MATH_STATIC)
+#error "random.cpp does not know how to run code at load with this compiler"
+#endif
 
 } // namespace nuv
