@@ -3,10 +3,10 @@
 // SPDX-License-Identifier: MIT
 
 #include "child_process.h"
+#include "ending_signals.h"
 #include "text.h"
 
 #include <cerrno>
-#include <csignal>
 #include <cstdio>
 #include <memory>
 #include <spawn.h>
@@ -53,7 +53,38 @@ static std::string LastLine(std::FILE* a_File)
     return OneLine(szLast);
 }
 
-// Starts the command with these standard descriptors. This program ignores SIGPIPE; the command does not.
+// Attributes of a new process: its own process group, this signal mask, and SIGPIPE as usual, which this program ignores.
+class TAttributes
+{
+public:
+    explicit TAttributes(const sigset_t& a_Mask)
+    {
+        sigset_t Defaults;
+        sigemptyset(&Defaults);
+        sigaddset(&Defaults, SIGPIPE);
+        posix_spawnattr_init(&m_Attributes);
+        posix_spawnattr_setsigdefault(&m_Attributes, &Defaults);
+        posix_spawnattr_setsigmask(&m_Attributes, &a_Mask);
+        posix_spawnattr_setpgroup(&m_Attributes, 0);
+        posix_spawnattr_setflags(&m_Attributes, POSIX_SPAWN_SETSIGDEF | POSIX_SPAWN_SETSIGMASK | POSIX_SPAWN_SETPGROUP);
+    }
+    ~TAttributes()
+    {
+        posix_spawnattr_destroy(&m_Attributes);
+    }
+    TAttributes(const TAttributes&) = delete;
+    TAttributes& operator=(const TAttributes&) = delete;
+
+    const posix_spawnattr_t* Get() const
+    {
+        return &m_Attributes;
+    }
+
+private:
+    posix_spawnattr_t m_Attributes;
+};
+
+// Starts the command with these standard descriptors. An ending signal kills it and the processes that it starts.
 static pid_t Spawn(const std::vector<std::string>& a_vszCommand, const int (&a_viDescriptors)[3])
 {
     std::vector<char*> vszArguments;
@@ -63,43 +94,49 @@ static pid_t Spawn(const std::vector<std::string>& a_vszCommand, const int (&a_v
     }
     vszArguments.push_back(nullptr);
 
+    const TBlockedSignals Blocked;
+    const TAttributes Attributes(Blocked.Before());
     posix_spawn_file_actions_t Actions;
-    posix_spawnattr_t Attributes;
-    sigset_t Signals;
     posix_spawn_file_actions_init(&Actions);
-    posix_spawnattr_init(&Attributes);
-    sigemptyset(&Signals);
-    sigaddset(&Signals, SIGPIPE);
-    posix_spawnattr_setsigdefault(&Attributes, &Signals);
-    posix_spawnattr_setflags(&Attributes, POSIX_SPAWN_SETSIGDEF);
     for (int i = 0; i < 3; ++i)
     {
         posix_spawn_file_actions_adddup2(&Actions, a_viDescriptors[i], i);
     }
     pid_t iChild = 0;
-    const int iError = posix_spawnp(&iChild, vszArguments[0], &Actions, &Attributes, vszArguments.data(), environ);
-    posix_spawnattr_destroy(&Attributes);
+    const int iError = posix_spawnp(&iChild, vszArguments[0], &Actions, Attributes.Get(), vszArguments.data(), environ);
     posix_spawn_file_actions_destroy(&Actions);
     if (iError != 0)
     {
         FailWithError(a_vszCommand[0], "cannot be run", iError);
     }
+    SetChild(iChild);
     return iChild;
+}
+
+// Waits for the child and returns its status. Its number is forgotten before it can become that of another process.
+static int WaitFor(pid_t a_iChild, const std::string& a_szProgram)
+{
+    siginfo_t Info;
+    while (waitid(P_PID, static_cast<id_t>(a_iChild), &Info, WEXITED | WNOWAIT) < 0)
+    {
+        if (errno != EINTR)
+        {
+            FailWithError(a_szProgram, "cannot be waited for", errno);
+        }
+    }
+    const TBlockedSignals Blocked;
+    SetChild(0);
+    int iStatus = 0;
+    waitpid(a_iChild, &iStatus, 0);
+    return iStatus;
 }
 
 TChildResult RunChild(const std::vector<std::string>& a_vszCommand, const std::string& a_szInput, int a_iOutput)
 {
     const TFile Input = TemporaryFile(a_szInput);
     const TFile Error = TemporaryFile("");
-    const pid_t iChild = Spawn(a_vszCommand, {fileno(Input.get()), a_iOutput, fileno(Error.get())});
-    int iStatus = 0;
-    while (waitpid(iChild, &iStatus, 0) < 0)
-    {
-        if (errno != EINTR)
-        {
-            FailWithError(a_vszCommand[0], "cannot be waited for", errno);
-        }
-    }
+    const int iStatus =
+        WaitFor(Spawn(a_vszCommand, {fileno(Input.get()), a_iOutput, fileno(Error.get())}), a_vszCommand[0]);
     return {WIFEXITED(iStatus) && WEXITSTATUS(iStatus) == 0, LastLine(Error.get())};
 }
 

@@ -3,6 +3,7 @@
 // SPDX-License-Identifier: MIT
 
 #include "arguments.h"
+#include "ending_signals.h"
 #include "exports.h"
 #include "fit.h"
 #include "output_file.h"
@@ -201,7 +202,7 @@ int main(int a_iCount, char** a_vszArguments)
     // Without these signals a reader that is gone and a limit of the file size are errors of write.
     std::signal(SIGPIPE, SIG_IGN);
     std::signal(SIGXFSZ, SIG_IGN);
-    RemoveOutputsOnSignals();
+    CleanUpOnSignals();
     try
     {
         if (const std::optional<TArguments> Arguments = ParseArguments(a_iCount, a_vszArguments))

@@ -3,10 +3,10 @@
 // SPDX-License-Identifier: MIT
 
 #include "output_file.h"
+#include "ending_signals.h"
 #include "text.h"
 
 #include <cerrno>
-#include <csignal>
 #include <cstdio>
 #include <cstdlib>
 #include <sys/stat.h>
@@ -15,83 +15,6 @@
 namespace fitpoints {
 
 static const char* const CANNOT_WRITE = "cannot be written";
-
-// ---------------------------------------------------------------------------------------------------------------------
-// Signals
-// ---------------------------------------------------------------------------------------------------------------------
-
-static const int ENDING_SIGNALS[] = {SIGHUP, SIGINT, SIGTERM};
-
-// The outputs that have a temporary name. It changes only while the ending signals are blocked.
-static const TOutput* g_vOutputs[8] = {};
-
-// Blocks the ending signals as long as it lives.
-class TBlockedSignals
-{
-public:
-    TBlockedSignals()
-    {
-        sigset_t Set;
-        sigemptyset(&Set);
-        for (const int iSignal : ENDING_SIGNALS)
-        {
-            sigaddset(&Set, iSignal);
-        }
-        sigprocmask(SIG_BLOCK, &Set, &m_Before);
-    }
-    ~TBlockedSignals()
-    {
-        sigprocmask(SIG_SETMASK, &m_Before, nullptr);
-    }
-    TBlockedSignals(const TBlockedSignals&) = delete;
-    TBlockedSignals& operator=(const TBlockedSignals&) = delete;
-
-private:
-    sigset_t m_Before;
-};
-
-// Replaces an entry of g_vOutputs. A null pointer is a free entry.
-static void Replace(const TOutput* a_pKnown, const TOutput* a_pNew)
-{
-    for (const TOutput*& pOutput : g_vOutputs)
-    {
-        if (pOutput == a_pKnown)
-        {
-            pOutput = a_pNew;
-            return;
-        }
-    }
-}
-
-static void RemoveAndEnd(int a_iSignal)
-{
-    for (const TOutput* const pOutput : g_vOutputs)
-    {
-        if (pOutput != nullptr)
-        {
-            unlink(pOutput->szTemporary.c_str());
-        }
-    }
-    std::raise(a_iSignal); // SA_RESETHAND has restored the default action, which follows when this function returns
-}
-
-void RemoveOutputsOnSignals()
-{
-    for (const int iSignal : ENDING_SIGNALS)
-    {
-        struct sigaction Action = {};
-        if (sigaction(iSignal, nullptr, &Action) == 0 && Action.sa_handler == SIG_DFL)
-        {
-            Action.sa_handler = RemoveAndEnd;
-            Action.sa_flags = SA_RESETHAND;
-            sigaction(iSignal, &Action, nullptr);
-        }
-    }
-}
-
-// ---------------------------------------------------------------------------------------------------------------------
-// Outputs
-// ---------------------------------------------------------------------------------------------------------------------
 
 TOutput::~TOutput()
 {
@@ -102,8 +25,8 @@ TOutput::~TOutput()
     if (!szTemporary.empty())
     {
         const TBlockedSignals Blocked;
-        Replace(this, nullptr);
         unlink(szTemporary.c_str());
+        ForgetTemporary(szTemporary);
     }
 }
 
@@ -125,16 +48,37 @@ static std::string DirectoryOf(const std::string& a_szPath)
     return a_szPath.substr(0, a_szPath.rfind('/') + 1);
 }
 
+// Fails if the file is the one that standard output or standard error writes into. Both texts would go to the same
+// place, and only one of them would be left.
+static void CheckStandardFiles(const std::string& a_szName, const struct stat& a_Status)
+{
+    for (const int iDescriptor : {STDOUT_FILENO, STDERR_FILENO})
+    {
+        struct stat Standard;
+        if (fstat(iDescriptor, &Standard) == 0 && Standard.st_dev == a_Status.st_dev &&
+            Standard.st_ino == a_Status.st_ino)
+        {
+            Fail(a_szName, std::string(CANNOT_WRITE) + ": it is the file of standard " +
+                               (iDescriptor == STDOUT_FILENO ? "output" : "error"));
+        }
+    }
+}
+
 std::string OutputPlace(const std::string& a_szName)
 {
     struct stat Status;
     if (lstat(a_szName.c_str(), &Status) == 0)
     {
+        if (S_ISLNK(Status.st_mode) && stat(a_szName.c_str(), &Status) != 0 && errno == ENOENT)
+        {
+            Fail(a_szName, std::string(CANNOT_WRITE) + ": it is a symbolic link to a file that does not exist");
+        }
         const std::string szPlace = RealPath(a_szName, a_szName);
         if (stat(szPlace.c_str(), &Status) != 0 || !S_ISREG(Status.st_mode))
         {
             Fail(a_szName, std::string(CANNOT_WRITE) + ": not a regular file");
         }
+        CheckStandardFiles(a_szName, Status);
         return szPlace;
     }
     if (errno != ENOENT)
@@ -173,7 +117,7 @@ static void MakeTemporary(TOutput& a_Output)
         FailWithError(a_Output.szName, CANNOT_WRITE, errno);
     }
     a_Output.szTemporary = szTemporary;
-    Replace(nullptr, &a_Output);
+    AddTemporary(szTemporary);
 }
 
 std::unique_ptr<TOutput> OpenOutput(const std::string& a_szName)
@@ -230,7 +174,7 @@ void PutInPlace(TOutput& a_Output)
     {
         FailWithError(a_Output.szName, CANNOT_WRITE, errno);
     }
-    Replace(&a_Output, nullptr);
+    ForgetTemporary(a_Output.szTemporary);
     a_Output.szTemporary.clear();
 }
 

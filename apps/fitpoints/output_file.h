@@ -25,7 +25,7 @@ struct TOutput
 };
 
 // The final path of an output with this name, without symbolic links. Fails if something other than a regular file is
-// there, or the directory does not exist.
+// there, if it is the file of standard output or standard error, or if the directory does not exist.
 std::string OutputPlace(const std::string& a_szName);
 
 // Creates the temporary file. Fails if the place cannot be written.
@@ -38,10 +38,6 @@ void CloseOutput(TOutput& a_Output);
 
 // Renames a closed output to its final path.
 void PutInPlace(TOutput& a_Output);
-
-// From now on SIGHUP, SIGINT and SIGTERM remove the temporary files before they end the process. An ignored signal
-// remains ignored.
-void RemoveOutputsOnSignals();
 
 // Fails if the text cannot be written.
 void WriteStandardOutput(const std::string& a_szText);

@@ -140,7 +140,7 @@ TEST_F(FitPoints, OutputsThatCannotBeWrittenAreRefusedAndTheOtherOneIsNotLeft)
     Refused("d", "p.svg", "d: cannot be written: not a regular file");
     Refused("p.wld", "d.svg", "d.svg: cannot be written: not a regular file");
     Refused("pipe", "p.svg", "pipe: cannot be written: not a regular file");
-    Refused("dangling", "p.svg", "dangling: cannot be written: No such file or directory");
+    Refused("dangling", "p.svg", "dangling: cannot be written: it is a symbolic link to a file that does not exist");
     Refused("d/", "p.svg", "d/: cannot be written: not a regular file");
     Refused("", "p.svg", "output: cannot be written: no file name");
     Refused("p.svg", "p.svg", "p.svg: --plot would write over the output of --world");
@@ -156,6 +156,26 @@ TEST_F(FitPoints, StandardOutputThatCannotBeWrittenIsAnError)
     EXPECT_EQ("fitpoints: standard output: cannot be written: No space left on device\n", Result.szError);
     EXPECT_EQ((std::set<std::string>{"p.csv"}), Files());
     EXPECT_EQ(2, Run({"--help"}, "/dev/full").iCode);
+}
+
+// Otherwise the output would replace the file that has the report.
+TEST_F(FitPoints, AnOutputIsNotTheFileOfStandardOutputOrStandardError)
+{
+    Write("p.csv", Square);
+    const auto Refused = [&](const std::string& a_szRedirections, const std::string& a_szOutput, const char* a_szWhich)
+    {
+        const std::string szCommand =
+            "'" NUV_FITPOINTS "' p.csv --method affine --world " + a_szOutput + a_szRedirections + "; test $? = 2";
+        EXPECT_EQ(0, std::system(szCommand.c_str())) << szCommand;
+        EXPECT_EQ("fitpoints: " + a_szOutput + ": cannot be written: it is the file of standard " + a_szWhich + "\n",
+                  Contents("error"));
+    };
+    Refused(" >out 2>error", "out", "output");
+    Refused(" >out 2>error", "/dev/stdout", "output");
+    Refused(" >/dev/null 2>error", "error", "error");
+    Refused(" >/dev/null 2>error", "/dev/stderr", "error");
+    Refused(" >>out 2>error", "./out", "output");
+    EXPECT_EQ((std::set<std::string>{"error", "out", "p.csv"}), Files());
 }
 
 } // namespace

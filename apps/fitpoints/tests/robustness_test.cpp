@@ -5,11 +5,13 @@
 #include "fixture.h"
 
 #include <algorithm>
+#include <chrono>
 #include <csignal>
 #include <fcntl.h>
 #include <fstream>
 #include <gtest/gtest.h>
 #include <linux/capability.h>
+#include <optional>
 #include <sys/prctl.h>
 #include <sys/resource.h>
 #include <sys/stat.h>
@@ -219,20 +221,43 @@ protected:
         const pid_t iProgram = Start({"../p.csv", "--method", "affine", "--world", "../p.wld", "--plot", "../p.svg"},
                                      "/dev/null", "/dev/null", (Directory / "bin").string() + ":/usr/bin:/bin");
         EXPECT_EQ(0, chdir(".."));
-        for (int i = 0; i < 6000 && !fs::exists("pid"); ++i)
+        for (int i = 0; i < 60000 && !fs::exists("pid"); ++i)
         {
-            usleep(10000);
+            usleep(1000);
         }
         Before = Files();
         kill(iProgram, a_iSignal);
+        if (SecondAfter)
+        {
+            const auto End = std::chrono::steady_clock::now() + *SecondAfter;
+            while (std::chrono::steady_clock::now() < End) // a sleep would take longer than this
+            {}
+            kill(iProgram, a_iSignal);
+        }
         int iStatus = 0;
         if (waitpid(iProgram, &iStatus, IsSurvived ? WNOHANG : 0) == 0)
         {
             kill(std::stoi(Contents("pid")), SIGKILL);
             waitpid(iProgram, &iStatus, 0);
         }
+        IsGnuplotGone = HasEnded(std::stoi(Contents("pid")));
         kill(std::stoi(Contents("pid")), SIGKILL);
         return iStatus;
+    }
+
+    // Waits up to two seconds for the end of a process. One that nobody has waited for is a zombie.
+    static bool HasEnded(pid_t a_iProcess)
+    {
+        for (int i = 0; i < 200; ++i)
+        {
+            const std::string szStatus = Contents("/proc/" + std::to_string(a_iProcess) + "/stat");
+            if (szStatus.empty() || szStatus.find(") Z ") != std::string::npos)
+            {
+                return true;
+            }
+            usleep(10000);
+        }
+        return false;
     }
 
     // The number of files with temporary names.
@@ -250,6 +275,8 @@ protected:
 
     std::set<std::string> Before; // the files at the time of the signal
     bool IsSurvived = false;
+    bool IsGnuplotGone = false;
+    std::optional<std::chrono::microseconds> SecondAfter; // the signal is sent again after this time
 };
 
 class EndingSignal : public StoppedFitPoints, public ::testing::WithParamInterface<int>
@@ -264,10 +291,27 @@ TEST_P(EndingSignal, LeavesTheOutputsAsTheyWereAndNothingElse)
     EXPECT_EQ(GetParam(), WTERMSIG(iStatus));
     EXPECT_EQ(2u, Temporaries(Before));
     EXPECT_EQ(0u, Temporaries(Files()));
+    EXPECT_TRUE(IsGnuplotGone);
     ExpectOldOutputs();
 }
 
-INSTANTIATE_TEST_SUITE_P(All, EndingSignal, ::testing::Values(SIGHUP, SIGINT, SIGTERM));
+INSTANTIATE_TEST_SUITE_P(All, EndingSignal, ::testing::Values(SIGHUP, SIGINT, SIGQUIT, SIGTERM));
+
+// The second signal comes while the first one is handled.
+TEST_F(StoppedFitPoints, ByTwoQuickSignalsRemovesItsFiles)
+{
+    Prepare = [] { std::signal(SIGINT, SIG_DFL); };
+    for (int i = 0; i < 60; ++i)
+    {
+        fs::remove("pid");
+        fs::remove_all("bin");
+        fs::remove_all("work");
+        SecondAfter = std::chrono::microseconds(3 * i);
+        EXPECT_TRUE(WIFSIGNALED(StopBy(SIGINT)));
+        ASSERT_EQ(0u, Temporaries(Files())) << "second signal after " << 3 * i << " microseconds";
+        ASSERT_TRUE(IsGnuplotGone);
+    }
+}
 
 TEST_F(StoppedFitPoints, BySigkillLeavesTheOutputsAsTheyWere)
 {
