@@ -19,6 +19,7 @@ int main()
     const double dSightX = std::sin(dBearing * dDegree), dSightY = std::cos(dBearing * dDegree);
     const double dNormalX = -dSightY, dNormalY = dSightX;
 
+    //! [solve]
     double vdAngles[2];
     const int iCount = nuv::SolveLinTrig(dRange * dNormalX, dRange * dNormalY,
                                          dNormalX * (dAx - dBx) + dNormalY * (dAy - dBy), vdAngles);
@@ -27,6 +28,8 @@ int main()
         std::puts("the line of sight misses the circle about A");
         return 1;
     }
+    //! [solve]
+    //! [ends]
     int iTargets = 0;
     bool bGood = true;
     for (int i = 0; i < iCount; ++i)
@@ -39,5 +42,6 @@ int main()
         iTargets += dAlong > 0.0 ? 1 : 0;
         bGood = bGood && std::fabs(dAcross) < 1e-9;
     }
+    //! [ends]
     return bGood && iTargets == 1 ? 0 : 1;
 }

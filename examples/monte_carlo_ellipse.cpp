@@ -21,6 +21,7 @@ int main()
     const double dSigmaX = 0.02, dSigmaY = 0.05;
     const nuv::TAffineCoefs True = {0.9, -0.2, 5000.0, 0.3, 1.1, 7000.0};
 
+    //! [trials]
     nuv::SetRandomSeed(2026);
     double dSxx = 0.0, dSxy = 0.0, dSyy = 0.0;
     for (int i = 0; i < iTrials; ++i)
@@ -42,6 +43,7 @@ int main()
         dSxy += dErrorX * dErrorY / iTrials;
         dSyy += dErrorY * dErrorY / iTrials;
     }
+    //! [trials]
     // Eigenvalues and major axis of the covariance matrix.
     const double dMean = (dSxx + dSyy) / 2.0, dRadius = std::hypot((dSxx - dSyy) / 2.0, dSxy);
     const double dMajor = std::sqrt(dMean + dRadius), dMinor = std::sqrt(dMean - dRadius);

@@ -15,11 +15,14 @@ constexpr int BENCHMARK = -1; // the library skips a negative index: this height
 
 int main()
 {
+    //! [lines]
     const int viFrom[LINES] = {BENCHMARK, BENCHMARK, 0, 0, 1, BENCHMARK};
     const int viTo[LINES] = {0, 1, 1, 2, 2, 2};
     const double vdRise[LINES] = {5.102, 2.341, -2.748, 1.231, 3.994, 6.343}; // m
     const double vdLength[LINES] = {4.0, 3.0, 2.0, 3.5, 2.5, 6.0};            // km
+    //! [lines]
 
+    //! [observations]
     double *vdMatrix, *vdHeights;
     nuv::InitCholLowTri(POINTS, &vdMatrix, &vdHeights);
     if (vdMatrix == nullptr)
@@ -35,12 +38,16 @@ int main()
         nuv::UpdateNormMatrixLowTri(POINTS, vdMatrix, vdHeights, 2, vdCoefficients, viColumns,
                                     (vdRise[i] + dKnown) * dRoot);
     }
+    //! [observations]
+    //! [solution]
     if (!nuv::CholeskyLowTri(POINTS, vdMatrix))
     {
         return 1; // the lines do not determine the heights
     }
     nuv::SolveCholLowTri(POINTS, vdMatrix, vdHeights);
+    //! [solution]
 
+    //! [residuals]
     double dSquares = 0.0, dAtLast = 0.0; // at the minimum the weighted residuals at a point add up to 0
     for (int i = 0; i < LINES; ++i)
     {
@@ -51,6 +58,8 @@ int main()
         dAtLast += viTo[i] == POINTS - 1 ? dResidual / vdLength[i] : 0.0;
     }
     const double dSigma = std::sqrt(dSquares / (LINES - POINTS)); // standard deviation of a line of one kilometre
+    //! [residuals]
+    //! [deviations]
     for (int i = 0; i < POINTS; ++i)
     {
         double vdColumn[POINTS] = {};
@@ -58,6 +67,7 @@ int main()
         nuv::SolveCholLowTri(POINTS, vdMatrix, vdColumn); // column i of the inverse; its element i scales the variance
         std::printf("point %d: %.4f m +- %.2f mm\n", i, vdHeights[i], dSigma * std::sqrt(vdColumn[i]) * 1000.0);
     }
+    //! [deviations]
     nuv::DeleteCholLowTri(vdMatrix, vdHeights);
     return dSigma < 0.01 && std::fabs(dAtLast) < 1e-10 ? 0 : 1;
 }

@@ -22,6 +22,7 @@ struct TConic
     }
 };
 
+//! [directions]
 // The directions, counter-clockwise from the x axis.
 std::vector<double> Directions(const TConic& a_Wall, double a_dX, double a_dY, double a_dRange)
 {
@@ -33,6 +34,7 @@ std::vector<double> Directions(const TConic& a_Wall, double a_dX, double a_dY, d
                            (2.0 * W.dC * a_dY + W.dB * a_dX + W.dE) * r, W.At(a_dX, a_dY), vdAngles);
     return {vdAngles, vdAngles + (iCount > 0 ? iCount : 0)};
 }
+//! [directions]
 
 // Prints the ends of the rays; true if there are as many as expected and all lie on the wall.
 bool Report(const char* a_szWall, const TConic& a_Wall, std::size_t a_iExpected)

@@ -65,6 +65,34 @@ class Site(unittest.TestCase):
         self.assertLess(sum(map(len, self.files.values())), 1000000)
 
 
+class Claims(unittest.TestCase):
+    """What pages written by hand say about measured tables."""
+
+    def rows(self, document, *cells):
+        """The numbers of the one row of a table that begins with these cells."""
+        found = [line for line in (ROOT / "docs" / document).read_text().splitlines()
+                 if line.startswith("| " + " | ".join(cells) + " |")]
+        self.assertEqual(len(found), 1, cells)
+        return [float(cell) for cell in found[0].split("|")[1 + len(cells):-1] if re.fullmatch(r" *[\d.]+ *", cell)]
+
+    def test_costs_on_a_device(self):
+        costs = "performance-device.md"
+        affine, omographic = (self.rows(costs, f"`{name}`", "n = 10")[0] for name in ("CalcAffineCoefs", "CalcOmographicCoefs"))
+        self.assertGreater(omographic / affine, 10)
+        self.assertAlmostEqual(affine / self.rows(costs, "`AffineUntransform`", "")[0], 20, delta=5)
+
+    def test_size_on_a_device(self):
+        code, = self.rows("footprint.md", "code")
+        constants, = self.rows("footprint.md", "read-only data")
+        self.assertLessEqual(code + constants, 25 * 1024)
+
+    def test_number_of_polynomials(self):
+        text = (ROOT / "docs/roots.md").read_text()
+        counted = sum(int(number) for number in re.findall(r"^\|[^|]*\| (\d+) \|", text, re.MULTILINE))
+        stated = re.search(r"counted for ([\d ]+) polynomials", (ROOT / "docs/site/measured.md").read_text())
+        self.assertAlmostEqual(int(stated[1].replace(" ", "")), counted, delta=5000)
+
+
 class Links(unittest.TestCase):
     def site(self, folder, **pages):
         for name, text in pages.items():

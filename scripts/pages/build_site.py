@@ -45,7 +45,7 @@ def run_doxygen(folder, inputs, images):
         f"PROJECT_NUMBER = {version()}",
         f"OUTPUT_DIRECTORY = {folder}",
         "INPUT = " + " ".join(map(str, inputs)),
-        f"EXAMPLE_PATH = {ROOT / 'examples'}",
+        f"EXAMPLE_PATH = {ROOT / 'examples'} {ROOT / 'tests/consumers'}",
         "IMAGE_PATH = " + " ".join(map(str, images)),
         f"STRIP_FROM_PATH = {folder}",
     ])
@@ -73,7 +73,8 @@ def typeset(pages):
 def tidy(pages):
     """Removes what doxygen writes and these pages do not need."""
     for page in pages:
-        page.write_text(re.sub(r' <a href="[^"]*">More\.\.\.</a>', "", page.read_text()))
+        text = re.sub(r' <a href="[^"]*">More\.\.\.</a>', "", page.read_text())
+        page.write_text(re.sub(r'^<div class="ttc" .*\n', "", text, flags=re.MULTILINE)) # tooltips, which need scripts
 
 
 def main():
@@ -87,7 +88,7 @@ def main():
     shutil.rmtree(unfinished, ignore_errors=True)
     unfinished.mkdir(parents=True)
     inputs = site_inputs.write_inputs(unfinished / "input")
-    run_doxygen(unfinished, inputs, site_inputs.IMAGES)
+    run_doxygen(unfinished, inputs, [*site_inputs.IMAGES, unfinished / "input"])
     site = unfinished / "html"
     pages = sorted(site.glob("*.html"))
     typeset(pages)

@@ -10,11 +10,12 @@ The header and the documents are written to be read as they are. For the site
   that is not part of the site.
 """
 
-import pathlib
 import re
 
+import plots
 from markdown import ROOT, fail
 
+README = ROOT / "README.md"
 HEADER = ROOT / "nuv/nuv_math/include/nuv1math.h"
 EXPORTS = (ROOT / "tests/exports.txt").read_text().splitlines()
 FUNCTIONS = sorted({line.split("(")[0].removeprefix("nuv::") for line in EXPORTS})
@@ -125,13 +126,34 @@ def show_link(document, text, target):
     return text
 
 
+def show_links(document, text):
+    return re.sub(r"(?<!!)\[([^\]]+)\]\(\s*([^)\s]+)\)",
+                  lambda match: show_link(document, match[1].replace("\n", " "), match[2]), text)
+
+
+def from_readme(match):
+    """A section of README.md, or a part of it that a pattern describes."""
+    section = re.search(rf"^## {match[1]}\n(.*?)(?=^## |\Z)", README.read_text(), re.DOTALL | re.MULTILINE)
+    part = re.search(match[2] or r".*", section[1], re.DOTALL) if section else None
+    if not part:
+        fail(f"README.md has no section {match[0]}")
+    return show_links(README, part[0].strip()) + "\n"
+
+
 def show_document(document, label):
-    text = re.sub(r"<!--.*?-->\n?", "", document.read_text(), flags=re.DOTALL)
+    text = re.sub(r"<!-- README: ([\w ]+?)(?:, (.*?))? -->\n", from_readme, document.read_text())
+    text = re.sub(r"<!--.*?-->\n?", "", text, flags=re.DOTALL)
     title, rest = text.lstrip().split("\n", 1)
     rest = re.sub(r"^(##+) +(.+)$", lambda m: f"{m[1]} {m[2]} {{#{anchor(label, m[2])}}}", rest, flags=re.MULTILINE)
     rest = re.sub(r"!\[(.*?)\]\((?:[^)]*/)?([^)/]+)\)", r'@image html \2 "\1"', rest, flags=re.DOTALL)
-    rest = re.sub(r"(?<!!)\[([^\]]+)\]\(\s*([^)\s]+)\)", lambda m: show_link(document, m[1].replace("\n", " "), m[2]), rest)
+    rest = show_links(document, rest)
     rest = re.sub(rf"`({'|'.join(FUNCTIONS)})`", r'<code>@ref nuv::\1 "\1"</code>', rest)
+    if document.stem in plots.PLOTS: # below the introduction
+        plot = f'@image html {document.stem}.svg "{plots.PLOTS[document.stem][1]}"'
+        introduction, rest = rest.lstrip().split("\n\n", 1)
+        rest = f"\n{introduction}\n\n{plot}\n\n{rest}"
+    if label == "index":
+        rest = re.sub(r"^##", "#", rest, flags=re.MULTILINE)
     head = f"@mainpage {title.lstrip('# ')}" if label == "index" else f"{title} {{#{label}}}"
     return f"{head}\n{rest}"
 
@@ -146,4 +168,6 @@ def write_inputs(folder):
     for document, label in DOCUMENTS.items():
         paths.append(folder / f"{label}.md")
         paths[-1].write_text(show_document(document, label))
+    for name in plots.PLOTS:
+        (folder / f"{name}.svg").write_text(plots.draw(name, (ROOT / f"docs/{name}.md").read_text()))
     return paths

@@ -120,7 +120,8 @@ int main()
 
     const TPoints Noisy = {{0.0, 2.0, 4.0, 0.4, 3.6, 2.2},
                            {0.0, 0.4, 0.0, 2.8, 3.0, 1.8},
-                           {1.6, 2.3, 5.4, 0.3, 3.9, 2.9}, {0.2, 1.6, 1.4, 2.6, 3.9, 2.2}};
+                           {1.6, 2.3, 5.4, 0.3, 3.9, 2.9},
+                           {0.2, 1.6, 1.4, 2.6, 3.9, 2.2}};
     PrintPoints("residuals", Noisy);
     PrintFit("residuals", Noisy, true, nuv::METHOD_CONFORMAL);
 
