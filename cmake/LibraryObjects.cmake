@@ -11,6 +11,8 @@ set(NUV1MATH_MODULE ${NUV1MATH_SOURCE_DIR}/module.cpp) # the entry of a DLL
 set(NUV1MATH_PLATFORM ${NUV1MATH_SOURCE_DIR}/platform_posix.cpp)
 if(WIN32)
   set(NUV1MATH_PLATFORM ${NUV1MATH_SOURCE_DIR}/platform_windows.cpp)
+elseif(CMAKE_SYSTEM_NAME STREQUAL "WASI")
+  set(NUV1MATH_PLATFORM ${NUV1MATH_SOURCE_DIR}/platform_wasm.cpp)
 endif()
 
 # Without floating-point hardware little time is spent between the operations, which are calls. These sources are a tenth

@@ -5,11 +5,12 @@
 #ifndef NUV_TESTS_SUPPORT_RANDOM_SEQUENCES_H
 #define NUV_TESTS_SUPPORT_RANDOM_SEQUENCES_H
 
+#include "stop.h"
+
 #include <cstdio>
 #include <cstdlib>
 #include <fstream>
 #include <map>
-#include <stdexcept>
 #include <string>
 #include <vector>
 
@@ -36,7 +37,7 @@ inline std::map<int, std::vector<double> > ReadRandomSequences()
         }
         if (static_cast<int>(vdDraws.size()) != iDraws)
         {
-            throw std::runtime_error("random_sequences.txt ends early");
+            Stop("random_sequences.txt ends early");
         }
     }
     return Sequences;

@@ -10,6 +10,7 @@
 
 #include "control_points.h"
 #include "expect.h"
+#include "stop.h"
 
 #include <algorithm>
 #include <cinttypes>
@@ -17,7 +18,6 @@
 #include <fstream>
 #include <map>
 #include <sstream>
-#include <stdexcept>
 
 namespace nuv_tests {
 
@@ -241,7 +241,7 @@ private:
     {
         if (!a_bHolds)
         {
-            throw std::runtime_error(m_szPlace + ": " + a_szComplaint);
+            Stop(m_szPlace + ": " + a_szComplaint);
         }
     }
 
