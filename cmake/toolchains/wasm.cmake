@@ -10,7 +10,5 @@ set(CMAKE_CXX_COMPILER_TARGET wasm32-wasi)
 set(CMAKE_EXECUTABLE_SUFFIX .wasm)
 set(CMAKE_TRY_COMPILE_TARGET_TYPE STATIC_LIBRARY)
 set(CMAKE_CROSSCOMPILING_EMULATOR ${CMAKE_CURRENT_LIST_DIR}/../../wasm/run)
-# There are no exceptions and no threads.
-set(CMAKE_CXX_FLAGS_INIT -fno-exceptions)
 # With WASI as the system CMake would look for a module of it.
 list(APPEND CMAKE_MODULE_PATH ${CMAKE_CURRENT_LIST_DIR}/wasm)

@@ -23,7 +23,7 @@
 // The compilers of GNU's kind have types for vectors, and shuffles from GCC 12 on. An operation on a vector rounds each
 // element like the operation on a double.
 #if !defined(NUV_PLAIN_FORMS) && (defined(__clang__) || (defined(__GNUC__) && __GNUC__ >= 12)) &&                      \
-    (defined(__SSE2__) || defined(__aarch64__)) && !defined(__SOFTFP__)
+    (defined(__SSE2__) || defined(__aarch64__) || defined(__wasm_simd128__)) && !defined(__SOFTFP__)
 #define NUV_VECTORS
 #endif
 
