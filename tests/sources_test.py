@@ -19,8 +19,8 @@ from binary import EXPORTS, ROOT
 
 SOURCES = ROOT / "nuv/nuv1math/src"
 HEADERS = ROOT / "nuv/nuv_math/include"
-WINDOWS = {"module.cpp", "platform_windows.cpp"}
-PORTABLE = sorted(path for path in SOURCES.rglob("*.cpp") if path.name not in WINDOWS)
+OTHER_PLATFORMS = {"module.cpp", "platform_windows.cpp", "platform_wasm.cpp"}
+PORTABLE = sorted(path for path in SOURCES.rglob("*.cpp") if path.name not in OTHER_PLATFORMS)
 DIALECTS = [(compiler, standard) for compiler in ("g++", "clang++") for standard in ("c++98", "c++20")]
 
 

@@ -24,6 +24,7 @@ PRESETS = {
     "windows-x64": ("mingw-w64 g++, DLL", "wine and a virtual display"),
     "windows-x86": ("mingw-w64 g++, DLL, SSE2", "nothing; exports and instructions are checked"),
     "wince-armv4": ("Windows CE DLL for ARM", "the tests' own loader under `qemu-arm`, at two addresses"),
+    "wasm": ("clang, WebAssembly with and without vectors", "node"),
 }
 
 

@@ -31,6 +31,7 @@ PLATFORMS = [
     ("Linux ARM, 64 bits", "qemu", ["linux-arm64"]),
     ("Windows x86-64, DLL", "wine", ["windows-x64"]),
     ("Windows CE on ARM, DLL", "the tests' own loader under qemu", ["wince-armv4"]),
+    ("WebAssembly, with vectors and without", "node", ["wasm"]),
     ("Windows x86, DLL", "not run: exports and instructions checked", ["windows-x86"])]
 
 

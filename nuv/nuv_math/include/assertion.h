@@ -42,8 +42,8 @@ enum
 // process with exit code 0, whatever the answer. It returns only if the platform fails to end the process.
 void ReportAssertion(const TReportChar* a_szPath, int a_iLine, const TReportChar* a_szCondition);
 
-// The operations of the platform are in platform_windows.cpp (Windows and Windows CE) and platform_posix.cpp. A test
-// may link its own.
+// The operations of the platform are in platform_windows.cpp (Windows and Windows CE), platform_wasm.cpp (WebAssembly)
+// and platform_posix.cpp. A test may link its own.
 
 // Writes the message of ReportAssertion into a_szText, which has room for REPORT_LENGTH characters.
 void FormatReport(TReportChar* a_szText, const TReportChar* a_szPath, int a_iLine, const TReportChar* a_szCondition);
