@@ -39,8 +39,11 @@ static const char* const FOOTER =
 
 const char* const STANDARD_STREAM = "-";
 
-static const std::map<std::string, nuv::enumMethodUsed> METHODS = {
-    {"conformal", nuv::METHOD_CONFORMAL}, {"affine", nuv::METHOD_AFFINE}, {"omographic", nuv::METHOD_OMOGRAPHIC}};
+static const std::map<std::string, judgement::enumMethod> METHODS = {{"auto", judgement::ASK_AUTO},
+                                                                     {"richest", judgement::ASK_RICHEST},
+                                                                     {"conformal", judgement::ASK_CONFORMAL},
+                                                                     {"affine", judgement::ASK_AFFINE},
+                                                                     {"omographic", judgement::ASK_OMOGRAPHIC}};
 
 static void DeclareExports(CLI::App& a_App, TArguments& a_Arguments)
 {
@@ -64,11 +67,13 @@ static void DeclareOptions(CLI::App& a_App, TArguments& a_Arguments, std::string
     a_App.add_option("FILE", a_Arguments.szFile, "the control points")->required();
     a_App
         .add_option("--method", a_szMethod,
-                    "fit this kind, or fail (default: the richest kind that the points support)")
-        ->check(CLI::IsMember({"conformal", "affine", "omographic"}))
+                    "auto (default): the kind with the least leave-one-out error; richest: the richest kind that the "
+                    "points support; conformal, affine, omographic: this kind, or fail")
+        ->check(CLI::IsMember({"auto", "richest", "conformal", "affine", "omographic"}))
         ->type_name("KIND");
     a_App.add_flag("--mirrored", a_Arguments.Fit.bMirrored,
                    "let the conformal kind reverse the orientation of the axes");
+    a_App.add_flag("--robust", a_Arguments.Fit.bRobust, "drop suspected blunders one by one");
     a_App.add_flag("--raw", a_Arguments.Fit.bRaw, "fit the coordinates as they are, without a local origin");
     a_App.add_flag("--json", a_Arguments.bJson, "print the result as JSON");
     a_App.add_flag("--summary", a_Arguments.bSummary, "leave out the table of residuals");
@@ -102,16 +107,14 @@ std::optional<TArguments> ParseArguments(int a_iCount, char** a_vszArguments)
 {
     CLI::App App;
     TArguments Arguments = {};
-    std::string szMethod;
+    std::string szMethod = "auto";
     DeclareOptions(App, Arguments, szMethod);
     if (!Parse(App, a_iCount, a_vszArguments))
     {
         return std::nullopt;
     }
-    if (!szMethod.empty())
-    {
-        Arguments.Fit.Demanded = METHODS.at(szMethod);
-    }
+    Arguments.Fit.Method = METHODS.at(szMethod);
+    Arguments.Fit.dLevel = judgement::USUAL_LEVEL;
     return Arguments;
 }
 

@@ -15,7 +15,7 @@ namespace fitpoints {
 struct TArguments
 {
     std::string szFile;
-    TFitOptions Fit;
+    judgement::TOptions Fit;
     bool bJson;
     bool bSummary;                     // no table of residuals
     std::optional<std::string> szPlot; // this and the next ones have no value if the option is not given

@@ -1,133 +1,117 @@
-// fit.cpp: computes the transformation with its frames, its parameters and the statistics of its residuals.
+// fit.cpp: lets the judgement module fit the points, and puts its reasons into words.
 // Copyright (c) 2026 the nuv1math authors
 // SPDX-License-Identifier: MIT
 
 #include "fit.h"
-#include "kinds.h"
+#include "support.h"
+#include "text.h"
 #include "warnings.h"
 
 #include <algorithm>
-#include <cmath>
+#include <new>
 
 namespace fitpoints {
 
-// A mirrored conformal transformation is described as an affine one, with a negative sy.
-static std::optional<TShape> FindShape(const TAttempt& a_Attempt, bool a_bMirrored)
+using judgement::TJudgement;
+using judgement::TKindRow;
+
+static std::size_t FittedCount(const TPoints& a_Points)
 {
-    const nuv::TOmographicParams& C = a_Attempt.Coefs;
-    TShape Shape = {};
-    double dTx = 0;
-    double dTy = 0;
-    int iResult = nuv::RET_IMPOSSIBLE;
-    if (a_Attempt.Kind == nuv::METHOD_CONFORMAL && !a_bMirrored)
-    {
-        const nuv::TConformalCoefs Conformal = {C.dA, C.dB, C.dC, C.dF, 0, 0}; // without the inverse, which is not read
-        iResult = nuv::ConformalCoefsToParam(Conformal, Shape.dSx, Shape.dRotation, dTx, dTy);
-        Shape.dSy = Shape.dSx;
-    }
-    else if (a_Attempt.Kind != nuv::METHOD_OMOGRAPHIC)
-    {
-        const nuv::TAffineCoefs Affine = {C.dA, C.dB, C.dC, C.dD, C.dE, C.dF};
-        iResult = nuv::AffineCoefsToParam(Affine, Shape.dSx, Shape.dSy, Shape.dSkew, Shape.dRotation, dTx, dTy);
-    }
-    return iResult == 1 ? std::optional<TShape>(Shape) : std::nullopt;
+    return static_cast<std::size_t>(std::count_if(a_Points.vPoints.begin(), a_Points.vPoints.end(),
+                                                  [](const TPoint& a_Point) { return !a_Point.bCheck; }));
 }
 
-static double FrameDifference(const TArrays& a_Points, const TOrigins& a_Origins, const TFit& a_Fit)
+// The kind was asked for, or there is no transformation at all.
+[[noreturn]] static void Refuse(const TPoints& a_Points, const judgement::TOptions& a_Options,
+                                judgement::enumReason a_Reason, const TJudgement& a_Judgement)
 {
-    const TArrays Local = Reduced(a_Points, a_Origins);
-    double dGreatest = 0;
-    for (std::size_t i = 0; i < a_Points.vdX.size(); ++i)
+    if (a_Reason == judgement::REASON_NO_MEMORY)
     {
-        const TPosition Original = Transform(*a_Fit.Original, a_Points.vdX[i], a_Points.vdY[i]);
-        const TPosition ReducedImage = Transform(a_Fit.Coefs, Local.vdX[i], Local.vdY[i]);
-        const double dDifference = std::hypot((Original.dXa - a_Origins.dXa) - ReducedImage.dXa,
-                                              (Original.dYa - a_Origins.dYa) - ReducedImage.dYa);
-        dGreatest = dDifference > dGreatest || std::isnan(dDifference) ? dDifference : dGreatest;
+        throw std::bad_alloc();
     }
-    return dGreatest;
+    const bool bAny = a_Judgement.Support.vReasons[nuv::METHOD_CONFORMAL] == judgement::REASON_NONE;
+    const bool bAsked = a_Options.Method < judgement::ASK_RICHEST;
+    const nuv::enumMethodUsed Kind =
+        bAny && bAsked ? static_cast<nuv::enumMethodUsed>(a_Options.Method) : nuv::METHOD_CONFORMAL;
+    const std::string szReason = ReasonText(a_Reason, Kind, FittedCount(a_Points));
+    const std::string szKind = Kind == nuv::METHOD_CONFORMAL ? "" : std::string(KindName(Kind)) + " ";
+    Fail(a_Points.szFile, bAny ? "no " + szKind + "transformation: " + szReason : szReason);
 }
 
-static void AddOriginalFrame(const TArrays& a_Points, TFit& a_Fit)
+// Why this richer kind is not the one that was taken.
+static std::string WhyNot(const TJudgement& a_Judgement, nuv::enumMethodUsed a_Kind)
 {
-    nuv::TOmographicParams Original;
-    a_Fit.dFrameDifference = 0;
-    if (a_Fit.bRaw)
+    const TKindRow& Row = a_Judgement.vKinds[a_Kind];
+    const TKindRow& Taken = a_Judgement.vKinds[a_Judgement.Fit.Kind];
+    const bool bJudged = Row.Reason == judgement::REASON_NONE && Row.LeaveReason == judgement::REASON_NONE;
+    if (!bJudged)
     {
-        a_Fit.Original = a_Fit.Coefs;
+        const judgement::enumReason Reason = Row.Reason != judgement::REASON_NONE ? Row.Reason : Row.LeaveReason;
+        return ReasonText(Reason, a_Kind, static_cast<std::size_t>(a_Judgement.iFitted));
     }
-    else if (ToOriginalFrame(a_Fit.Coefs, a_Fit.Origins, Original))
+    return std::string("the leave-one-out error of the ") + KindName(a_Kind) + " kind is " + Brief(Row.dLeaveRms) +
+           ", that of the " + KindName(a_Judgement.Fit.Kind) + " one " + Brief(Taken.dLeaveRms) +
+           (Row.dLeaveRms < Taken.dLeaveRms ? ", which counts as equal" : "");
+}
+
+static std::vector<std::string> WhyNotRicher(const TJudgement& a_Judgement)
+{
+    std::vector<std::string> vszReasons;
+    for (const nuv::enumMethodUsed Kind : {nuv::METHOD_OMOGRAPHIC, nuv::METHOD_AFFINE})
     {
-        a_Fit.Original = Original;
-        a_Fit.dFrameDifference = FrameDifference(a_Points, a_Fit.Origins, a_Fit);
-        if (!std::isfinite(a_Fit.dFrameDifference)) // rounding takes a point to infinity
+        const bool bAsked = a_Judgement.Choice == judgement::CHOICE_ASKED;
+        const std::string szReason = bAsked ? "--method asked for it" : WhyNot(a_Judgement, Kind);
+        if (Kind > a_Judgement.Fit.Kind &&
+            std::find(vszReasons.begin(), vszReasons.end(), szReason) == vszReasons.end())
         {
-            a_Fit.Original.reset();
+            vszReasons.push_back(szReason);
         }
     }
+    return vszReasons;
 }
 
-static void AddStatistics(TFit& a_Fit)
+// Copies the judgement into the fields that most reports use.
+static void CopyJudgement(TFit& a_Fit)
 {
-    const int viUnknowns[] = {4, 6, 8};
-    a_Fit.iUnknowns = viUnknowns[a_Fit.Kind];
-    a_Fit.iFreedom = 2 * a_Fit.Judgement.iFitted - a_Fit.iUnknowns;
-    if (a_Fit.iFreedom > 0)
+    const TJudgement& J = a_Fit.Judgement;
+    a_Fit.Kind = J.Fit.Kind;
+    a_Fit.bMirrored = J.Fit.bMirrored != 0;
+    a_Fit.Origins = J.Origins;
+    a_Fit.Coefs = J.Fit.Coefs;
+    a_Fit.Original = J.bOriginal ? std::optional<nuv::TOmographicParams>(J.Original) : std::nullopt;
+    a_Fit.dFrameDifference = J.dFrameDifference;
+    a_Fit.Shape = J.Shape.bExists ? std::optional<TShape>(J.Shape) : std::nullopt;
+    a_Fit.iLargest = static_cast<std::size_t>(J.iLargest);
+    a_Fit.dSumOfSquares = J.Fit.dSumOfSquares;
+    a_Fit.iUnknowns = J.iUnknowns;
+    a_Fit.iFreedom = J.iFreedom;
+    a_Fit.dRms = J.iFreedom > 0 ? std::optional<double>(J.dRms) : std::nullopt;
+    for (const judgement::TPointJudgement& Point : a_Fit.vPoints)
     {
-        a_Fit.dRms = std::sqrt(a_Fit.dSumOfSquares / static_cast<double>(a_Fit.iFreedom));
+        a_Fit.vResiduals.push_back({Point.dX, Point.dY, Point.dLength});
     }
 }
 
-static std::vector<TPoint> FittedPoints(const std::vector<TPoint>& a_vPoints)
+TFit FitPoints(const TPoints& a_Points, const judgement::TOptions& a_Options)
 {
-    std::vector<TPoint> vFitted;
-    std::copy_if(a_vPoints.begin(), a_vPoints.end(), std::back_inserter(vFitted),
-                 [](const TPoint& a_Point) { return !a_Point.bCheck; });
-    return vFitted;
-}
-
-// Compares all points with the transformation, the check points included.
-static void JudgePoints(const std::vector<TPoint>& a_vPoints, TFit& a_Fit)
-{
-    a_Fit.vResiduals = Residuals(Reduced(Arrays(a_vPoints), a_Fit.Origins), a_Fit.Coefs);
-    double dCheckSum = 0;
-    for (std::size_t i = 0; i < a_vPoints.size(); ++i)
+    const TArrays Given = Arrays(a_Points.vPoints);
+    std::vector<judgement::enumRole> vRoles;
+    for (const TPoint& Point : a_Points.vPoints)
     {
-        const TResidual& R = a_Fit.vResiduals[i];
-        judgement::TPointJudgement Point = {};
-        Point.Role = a_vPoints[i].bCheck ? judgement::ROLE_CHECK : judgement::ROLE_FITTED;
-        Point.dX = R.dX;
-        Point.dY = R.dY;
-        Point.dLength = R.dLength;
-        a_Fit.vPoints.push_back(Point);
-        const bool bCheck = a_vPoints[i].bCheck;
-        a_Fit.Judgement.iChecks += bCheck ? 1 : 0;
-        dCheckSum += bCheck ? R.dX * R.dX + R.dY * R.dY : 0;
-        a_Fit.iLargest = !bCheck && R.dLength > a_Fit.vResiduals[a_Fit.iLargest].dLength ? i : a_Fit.iLargest;
+        vRoles.push_back(Point.bCheck ? judgement::ROLE_CHECK : judgement::ROLE_FITTED);
     }
-    a_Fit.Judgement.dCheckRms = a_Fit.Judgement.iChecks == 0 ? 0 : std::sqrt(dCheckSum / (2 * a_Fit.Judgement.iChecks));
-}
-
-TFit FitPoints(const TPoints& a_Points, const TFitOptions& a_Options)
-{
-    const TArrays Given = Arrays(FittedPoints(a_Points.vPoints));
-    const TSupport Support = FindSupport(a_Points.szFile, Given);
     TFit Fit = {};
-    Fit.bRaw = a_Options.bRaw;
-    Fit.Origins = a_Options.bRaw ? TOrigins{} : LocalOrigins(Given);
-    const TArrays Local = a_Options.bRaw ? Given : Reduced(Given, Fit.Origins);
-
-    const TAttempt Attempt = ChooseFit(a_Points.szFile, Local, Support, a_Options, Fit.vszNotRicher);
-    Fit.Kind = Attempt.Kind;
-    Fit.bMirrored = a_Options.bMirrored && Fit.Kind == nuv::METHOD_CONFORMAL;
-    Fit.Coefs = Attempt.Coefs;
-    Fit.dSumOfSquares = Attempt.dSumOfSquares;
-    Fit.vszWarnings = Warnings(Local, a_Options.bMirrored, Attempt);
-    Fit.Shape = FindShape(Attempt, Fit.bMirrored);
-    Fit.Judgement.iFitted = PointCount(Given);
-    AddOriginalFrame(Given, Fit);
-    AddStatistics(Fit);
-    JudgePoints(a_Points.vPoints, Fit);
+    Fit.bRaw = a_Options.bRaw != 0;
+    Fit.vPoints.resize(a_Points.vPoints.size());
+    const judgement::enumReason Reason =
+        judgement::Judge(ControlPoints(Given), vRoles.data(), a_Options, Fit.Judgement, Fit.vPoints.data());
+    if (Reason != judgement::REASON_NONE)
+    {
+        Refuse(a_Points, a_Options, Reason, Fit.Judgement);
+    }
+    CopyJudgement(Fit);
+    Fit.vszNotRicher = WhyNotRicher(Fit.Judgement);
+    Fit.vszWarnings = Warnings(Given, a_Options, Fit);
     return Fit;
 }
 

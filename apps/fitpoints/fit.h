@@ -5,17 +5,22 @@
 #ifndef NUV_FITPOINTS_FIT_H
 #define NUV_FITPOINTS_FIT_H
 
-#include "judgement/judgement.h"
-#include "kinds.h"
+#include "frames.h"
+
+#include <optional>
 
 namespace fitpoints {
 
-// Scales, and skew and rotation in radians. In the conformal kind dSy equals dSx and the skew is 0.
-struct TShape
+// Computed less given.
+struct TResidual
 {
-    double dSx, dSy, dSkew, dRotation;
+    double dX, dY;
+    double dLength;
 };
 
+using judgement::TShape;
+
+// The fields before Judgement repeat it in the form that most reports need.
 struct TFit
 {
     nuv::enumMethodUsed Kind;
@@ -43,8 +48,8 @@ struct TFit
     std::vector<judgement::TPointJudgement> vPoints;
 };
 
-// Fails if there is no transformation, or none of the kind that the options demand.
-TFit FitPoints(const TPoints& a_Points, const TFitOptions& a_Options);
+// Fails if there is no transformation, or none of the kind that the options ask for.
+TFit FitPoints(const TPoints& a_Points, const judgement::TOptions& a_Options);
 
 } // namespace fitpoints
 

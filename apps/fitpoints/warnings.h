@@ -5,12 +5,12 @@
 #ifndef NUV_FITPOINTS_WARNINGS_H
 #define NUV_FITPOINTS_WARNINGS_H
 
-#include "kinds.h"
+#include "fit.h"
 
 namespace fitpoints {
 
-// One sentence for each doubt. The points are those of the fit, in its frame.
-std::vector<std::string> Warnings(const TArrays& a_Points, bool a_bMirrored, const TAttempt& a_Attempt);
+// One sentence for each doubt. The points are all points, as given.
+std::vector<std::string> Warnings(const TArrays& a_Points, const judgement::TOptions& a_Options, const TFit& a_Fit);
 
 } // namespace fitpoints
 

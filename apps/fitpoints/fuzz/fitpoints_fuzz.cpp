@@ -30,12 +30,13 @@ namespace {
 // Bits of the first byte.
 enum enumChoice
 {
-    CHOICE_METHOD = 3, // two bits: conformal, affine, omographic, no method demanded
+    CHOICE_METHOD = 3, // two bits: conformal, affine, omographic, richest
     CHOICE_MIRRORED = 4,
     CHOICE_RAW = 8,
     CHOICE_NUMBERS = 16, // the rest is numbers, not text
     CHOICE_SMALL = 32,   // numbers of two bytes, so that points are more often equal or on one line
-    CHOICE_QGIS = 64     // a QGIS file is made from the numbers, not a CSV file
+    CHOICE_QGIS = 64,    // a QGIS file is made from the numbers, not a CSV file
+    CHOICE_ROBUST = 128  // blunders are dropped; the kind with the least error instead of the richest one
 };
 
 // A file in memory that can be opened by a name.
@@ -138,14 +139,18 @@ void CheckRoundTrip(const TPoints& a_Points)
     }
 }
 
-void CheckFit(const TPoints& a_Points, const TFitOptions& a_Options, const TFit& a_Fit)
+void CheckFit(const TPoints& a_Points, const judgement::TOptions& a_Options, const TFit& a_Fit)
 {
-    NUV_CHECK(!a_Options.Demanded || *a_Options.Demanded == a_Fit.Kind);
+    NUV_CHECK(a_Options.Method >= judgement::ASK_RICHEST || static_cast<int>(a_Options.Method) == a_Fit.Kind);
     NUV_CHECK(a_Fit.vResiduals.size() == a_Points.vPoints.size() && a_Fit.iLargest < a_Fit.vResiduals.size());
     NUV_CHECK(std::isfinite(a_Fit.dSumOfSquares) && (!a_Fit.dRms || std::isfinite(*a_Fit.dRms)));
-    for (const TResidual& R : a_Fit.vResiduals)
+    const double dLargest = a_Fit.vResiduals[a_Fit.iLargest].dLength;
+    for (const judgement::TPointJudgement& Point : a_Fit.vPoints)
     {
-        NUV_CHECK(std::isfinite(R.dX) && std::isfinite(R.dY) && R.dLength <= a_Fit.vResiduals[a_Fit.iLargest].dLength);
+        NUV_CHECK(Point.Role != judgement::ROLE_FITTED || Point.dLength <= dLargest);
+        NUV_CHECK(!Point.bTested || (Point.dProbability >= 0 && Point.dProbability <= 1));
+        NUV_CHECK(!Point.bLeave || std::isfinite(Point.dLeaveLength));
+        NUV_CHECK(a_Options.bRobust || Point.Role != judgement::ROLE_DROPPED);
     }
 }
 
@@ -232,7 +237,7 @@ void CheckScript(const TPoints& a_Points, const TFit& a_Fit)
     }
 }
 
-void FitAndReport(const std::string& a_szFile, const TFitOptions& a_Options)
+void FitAndReport(const std::string& a_szFile, const judgement::TOptions& a_Options)
 {
     const TPoints Points = ReadPoints(a_szFile);
     CheckRoundTrip(Points);
@@ -244,13 +249,16 @@ void FitAndReport(const std::string& a_szFile, const TFitOptions& a_Options)
     CheckScript(Points, Fit);
 }
 
-TFitOptions Options(int a_iChoice)
+judgement::TOptions Options(int a_iChoice)
 {
-    TFitOptions Result = {};
-    if ((a_iChoice & CHOICE_METHOD) != CHOICE_METHOD)
+    judgement::TOptions Result = {};
+    Result.Method = static_cast<judgement::enumMethod>(a_iChoice & CHOICE_METHOD);
+    Result.bRobust = (a_iChoice & CHOICE_ROBUST) != 0;
+    if (Result.bRobust && Result.Method == judgement::ASK_RICHEST)
     {
-        Result.Demanded = static_cast<nuv::enumMethodUsed>(a_iChoice & CHOICE_METHOD);
+        Result.Method = judgement::ASK_AUTO;
     }
+    Result.dLevel = judgement::USUAL_LEVEL;
     Result.bMirrored = (a_iChoice & CHOICE_MIRRORED) != 0;
     Result.bRaw = (a_iChoice & CHOICE_RAW) != 0;
     return Result;

@@ -471,6 +471,14 @@ bool ChooseKind(const TKindRow* a_vRows, double a_dRounding, nuv::enumMethodUsed
  *  @return the probability, 0 to 1 */
 double TailOfF(int a_iHalfNumerator, int a_iDenominator, double a_dX);
 
+/** The value that a value of the F distribution exceeds with a given probability: the inverse of TailOfF, by bisection.
+ *
+ *  @param a_iHalfNumerator half of the degrees of freedom of the numerator, 1 or more
+ *  @param a_iDenominator   degrees of freedom of the denominator, 1 or more
+ *  @param a_dProbability   the probability, greater than 0 and at most 1
+ *  @return the value; infinite if it is beyond a double */
+double QuantileOfF(int a_iHalfNumerator, int a_iDenominator, double a_dProbability);
+
 /** Finds suspected blunders by a test of one fit.
  *
  *  Method: a group of k points is suspect if the sum of squares drops too much without them. With f degrees of freedom,

@@ -193,9 +193,9 @@ TEST_F(FitPoints, ATransformationThatTakesTheOriginToInfinityHasNoOriginalFrame)
 {
     // X = 10 x / y, Y = 100 / y. With y = 10 + y' the denominator is W = y / 10, which is 0 at the origin.
     Write("p.csv", "x,y,X,Y\n-5,5,-10,20\n5,5,10,20\n-5,16,-3.125,6.25\n5,16,3.125,6.25\n");
-    const TRun Text = Run({"p.csv"});
+    const TRun Text = Run({"p.csv", "--method", "richest"});
     EXPECT_EQ(0, Text.iCode);
-    const json Fit = RunJson({"p.csv"});
+    const json Fit = RunJson({"p.csv", "--method", "richest"});
     EXPECT_EQ(json({0.0, 10.0}), Fit["frames"]["local"]["source_origin"]);
     EXPECT_TRUE(Fit["frames"]["original"].is_null());
     EXPECT_NE(std::string::npos, Text.szOut.find("Original frame: none."));
@@ -211,10 +211,10 @@ TEST_F(FitPoints, AnOriginalFrameThatTakesAPointToInfinityByRoundingIsNone)
                    "-0.0625,-0.0625,-0.0625,-0.0625\n-0.0625,-0.0625,-0.0625,-368.0625\n"
                    "-0.0625,-0.0625,-0.0625,-0.0625\n-0.0625,-0.0625,-0.0625,-0.0625\n"
                    "-0.0625,-0.0625,-368.0625,-0.0625\n");
-    const json Frames = RunJson({"p.csv"}).at("frames");
+    const json Frames = RunJson({"p.csv", "--method", "omographic"}).at("frames");
     EXPECT_TRUE(Frames.at("original").is_null());
     EXPECT_FALSE(Frames.contains("largest_difference"));
-    EXPECT_EQ(std::string::npos, Run({"p.csv"}).szOut.find("inf at most"));
+    EXPECT_EQ(std::string::npos, Run({"p.csv", "--method", "omographic"}).szOut.find("inf at most"));
 }
 
 TEST_F(FitPoints, SaysThatTheOtherOrientationFitsBetter)
@@ -240,13 +240,14 @@ TEST_F(FitPoints, RawOmographicFitFarFromTheOriginIsSpoiledAndSaysSo)
     const json Local = RunJson({"p.csv"});
     EXPECT_LT(Local["rms"], 1e-8); // the points are exact but for the rounding of coordinates of 5e6
     EXPECT_TRUE(Local["warnings"].empty());
-    const json Raw = RunJson({"p.csv", "--raw"});
+    const json Raw = RunJson({"p.csv", "--raw", "--method", "richest"});
     EXPECT_EQ("omographic", Raw["kind"]);
     EXPECT_GT(Raw["rms"], 1e-3);
-    EXPECT_EQ(
-        json({"the omographic fit is worse than the affine one, which it contains: it is spoiled by rounding or has "
-              "not converged"}),
-        Raw["warnings"]);
+    const json Spoiled =
+        "the omographic fit is worse than the affine one, which it contains: it is spoiled by rounding or "
+        "has not converged";
+    EXPECT_NE(Raw["warnings"].end(), std::find(Raw["warnings"].begin(), Raw["warnings"].end(), Spoiled))
+        << Raw["warnings"];
 }
 
 TEST_F(FitPoints, WarnsOfPointsOnBothSidesOfTheVanishingLine)

@@ -53,7 +53,7 @@ TEST_F(FitPoints, AnOmographicWorldFileIsRefused)
 {
     Write("p.csv", Square);
     ExpectFailure(
-        {"p.csv", "--world", "p.wld", "--plot", "p.svg"},
+        {"p.csv", "--method", "richest", "--world", "p.wld", "--plot", "p.svg"},
         "p.csv: a world file cannot hold an omographic transformation: add --method affine or --method conformal");
 }
 

@@ -26,7 +26,8 @@ TEST_F(FitPoints, WrongUseIsRefusedWithOneLine)
     Write("p.csv", Square);
     ExpectFailure({}, "FILE is required (see --help)");
     ExpectFailure({"p.csv", "--nonsense"}, "The following argument was not expected: --nonsense (see --help)");
-    ExpectFailure({"p.csv", "--method", "cubic"}, "--method: cubic not in {conformal,affine,omographic} (see --help)");
+    ExpectFailure({"p.csv", "--method", "cubic"},
+                  "--method: cubic not in {auto,richest,conformal,affine,omographic} (see --help)");
     ExpectFailure({"p.csv", "--plot", "p.pdf"}, "--plot: 'p.pdf' ends neither in .svg nor in .png");
     ExpectFailure({"no.csv", "--plot", "p.pdf"}, "--plot: 'p.pdf' ends neither in .svg nor in .png");
 }
