@@ -40,8 +40,8 @@ class Site(unittest.TestCase):
             self.assertEqual(make_site(folder), self.files)
 
     def test_describes_every_function_once_in_ten_groups(self):
-        described = [name for group in GROUPS
-                     for name in re.findall(r'<td class="memname">[^<]*nuv::(\w+) </td>', self.pages[f"group__{group}.html"])]
+        signature = re.compile(r'<td class="memname">[^<]*nuv::(\w+) </td>')
+        described = [name for group in GROUPS for name in signature.findall(self.pages[f"group__{group}.html"])]
         self.assertEqual(sorted(described), sorted(re.match(r"nuv::(\w+)", name)[1] for name in EXPORTS))
 
     def test_shows_signatures_as_users_write_them(self):
@@ -49,7 +49,8 @@ class Site(unittest.TestCase):
 
     def test_lists_the_limits_of_all_functions(self):
         header = (ROOT / "nuv/nuv_math/include/nuv1math.h").read_text()
-        self.assertEqual(self.pages["limits.html"].count('id="_limits'), len(re.findall(r"^ \*  Limits?:", header, re.M)))
+        stated = re.findall(r"^ \*  Limits?:", header, re.MULTILINE)
+        self.assertEqual(self.pages["limits.html"].count('id="_limits'), len(stated))
 
     def test_needs_no_script_and_no_other_site(self):
         for name, text in self.pages.items():
@@ -77,7 +78,7 @@ class Claims(unittest.TestCase):
 
     def test_costs_on_a_device(self):
         costs = "performance-device.md"
-        affine, omographic = (self.rows(costs, f"`{name}`", "n = 10")[0] for name in ("CalcAffineCoefs", "CalcOmographicCoefs"))
+        affine, omographic = (self.rows(costs, f"`Calc{kind}Coefs`", "n = 10")[0] for kind in ("Affine", "Omographic"))
         self.assertGreater(omographic / affine, 10)
         self.assertAlmostEqual(affine / self.rows(costs, "`AffineUntransform`", "")[0], 20, delta=5)
 

@@ -65,16 +65,19 @@ def typeset(pages):
     run = subprocess.run(["node", "-e", TYPESET], input=json.dumps(plain), capture_output=True, text=True, env=node)
     if run.returncode:
         fail(f"katex: {run.stderr.strip()}")
-    drawn = [re.sub(r"<annotation .*?</annotation>", "", formula, flags=re.DOTALL) for formula in json.loads(run.stdout)]
+    drawn = (re.sub(r"<annotation .*?</annotation>", "", formula, flags=re.DOTALL) for formula in json.loads(run.stdout))
+    formulas = dict(zip(keys, drawn))
     for page, text in texts.items():
-        page.write_text(FORMULA.sub(lambda match: dict(zip(keys, drawn))[match.group(0)], text))
+        page.write_text(FORMULA.sub(lambda match: formulas[match.group(0)], text))
 
 
 def tidy(pages):
     """Removes what doxygen writes and these pages do not need."""
     for page in pages:
         text = re.sub(r' <a href="[^"]*">More\.\.\.</a>', "", page.read_text())
-        page.write_text(re.sub(r'^<div class="ttc" .*\n', "", text, flags=re.MULTILINE)) # tooltips, which need scripts
+        text = re.sub(r'^<div class="ttc" .*\n', "", text, flags=re.MULTILINE) # tooltips, which need scripts
+        text = re.sub(r"^<dt>(?:Member|Module|Class) (<a .*?</a>).*</dt>$", r"<dt>\1</dt>", text, flags=re.MULTILINE)
+        page.write_text(text)
 
 
 def main():

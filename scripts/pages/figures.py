@@ -188,9 +188,9 @@ def packed_triangle(geometry):
 
 def three_kinds(geometry):
     picture = Picture(760, 220)
-    names = [("", "source"), ("kind_conformal", "conformal"), ("kind_affine", "affine"), ("kind_omographic", "omographic")]
-    notes = ["a square grid", "angles stay", "parallels stay", "lines stay straight"]
-    for k, ((name, title), note) in enumerate(zip(names, notes)):
+    kinds = [("", "source", "a square grid"), ("kind_conformal", "conformal", "angles stay"),
+             ("kind_affine", "affine", "parallels stay"), ("kind_omographic", "omographic", "lines stay straight")]
+    for k, (name, title, note) in enumerate(kinds):
         panel = Panel(picture, (22 + 190 * k - (15 if k else 0), 150), 115)
         panel.grid(lambda point, name=name: geometry.map(name, point) if name else point)
         for x, y, xa, ya in geometry.points["kinds"]:

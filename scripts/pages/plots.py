@@ -48,7 +48,7 @@ class Axis:
 
 def chart(title, axis, rows, draw):
     """A picture with a row for each (label, values); draw(picture, axis, y, values) draws one."""
-    picture = Picture(RIGHT + 30, 62 + STEP * len(rows))
+    picture = Picture(RIGHT + 40, 62 + STEP * len(rows))
     axis.draw(picture, title, len(rows))
     for k, (label, values) in enumerate(rows):
         y = 60 + STEP * k
@@ -112,18 +112,20 @@ def device(text):
 
 
 def footprint(text):
-    rows = [(re.sub(r"\(.*", "", name) + (" (polynomial)" if name.startswith("Roots(unsigned") else ""), float(stack))
-            for name, stack, _ in next(table[1:] for table in tables_of(text) if table[0][0] == "Function")]
+    table = next(table[1:] for table in tables_of(text) if table[0][0] == "Function")
+    rows = [(name.split("(")[0] + (", polynomial" if name.startswith("Roots(unsigned") else ""), float(stack))
+            for name, stack, _ in table]
     rows = sorted(rows, key=lambda row: row[1])
     return chart("bytes of stack of one call", Axis(range(0, int(rows[-1][1]) + 250, 250), logarithmic=False), rows, bar)
 
 
 def roots(text):
     rows = []
-    for name, count, gives_up, fewer, *_ in next(table[1:] for table in tables_of(text) if table[0][0] == "Polynomials"):
-        if int(gives_up) + int(fewer) > 0:
+    for name, *counts in next(table[1:] for table in tables_of(text) if table[0][0] == "Polynomials"):
+        count, gives_up, fewer = map(int, counts[:3])
+        if gives_up + fewer > 0:
             label = re.sub(r"(integers|p with|all roots different|r uniform in) ", "", name)
-            rows.append((label, (100 * int(gives_up) / int(count), 100 * int(fewer) / int(count))))
+            rows.append((label, (100 * gives_up / count, 100 * fewer / count)))
 
     def draw(picture, axis, y, values):
         bar_at = ((values[0], y - 3.5, "dark"), (values[1], y + 3.5, "area"))

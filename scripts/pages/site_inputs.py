@@ -29,9 +29,9 @@ def label_of(path):
     return re.sub(r"\W", "_", "index" if name == "front" else name)
 
 
+MEASURED = [ROOT / f"docs/{name}.md" for name in ("accuracy", "performance", "performance-device", "footprint", "roots")]
 DOCUMENTS = {path: label_of(path) for path in
-             [*sorted((ROOT / "docs/site").glob("*.md")), *sorted((ROOT / "docs/guide").glob("*.md")),
-              *(ROOT / f"docs/{name}.md" for name in ("accuracy", "performance", "performance-device", "footprint", "roots"))]}
+             [*sorted((ROOT / "docs/site").glob("*.md")), *sorted((ROOT / "docs/guide").glob("*.md")), *MEASURED]}
 
 # ---- the header ----
 
@@ -40,22 +40,25 @@ SYMBOLS = [
     (r"\btheta\b", "θ"), (r"\bphi\b", "φ"), (r"\b(\d) pi\b", r"\1π"), (r"\bpi\b", "π"),
     (r"\b([sT])([xy])\b", r"<em>\1</em><sub>\2</sub>"), (r"\bt([xy])\b", r"<em>t</em><sub>\1</sub>"),
     (r"\b([ab])([12]{1,2})\b", r"<em>\1</em><sub>\2</sub>"),
-    (r"\^(-?\w+)", r"<sup>\1</sup>"), (r"\+-", "±"), (r"<=", "≤"), (r">=", "≥"), (r"\bsqrt\(", "√("), (r"\bsum\(", "Σ("),
+    (r"\^(-?\w+)", r"<sup>\1</sup>"), (r"\+-", "±"), (r"<=", "≤"), (r">=", "≥"),
+    (r"\bsqrt\(", "√("), (r"\bsum\(", "Σ("),
 ]
 AS_IT_IS = re.compile(r"(@f\[.*?@f\]|@(?:image|defgroup|page|section) .*?\n)", re.DOTALL)
-FAMILIES = {"polynomial Roots": "polynomials", "two-unknown Roots": "linear"}
-LINKED = re.compile(r"(?<![\w:])(" + "|".join(name for name in FUNCTIONS if name != "Roots") + r")\b(?!\()")
+HEADING = re.compile(r"^( \*  )(Limits?|Method):( ?)(\w?)", re.MULTILINE)
+HEADINGS = {"Limit": "@limits", "Limits": "@limits", "Method": "**Method.**"}
+ROOTS = {False: "polynomials", True: "linear"} # the two functions of this name, by whether it is that of two unknowns
+NAMES = "|".join(name for name in FUNCTIONS if name != "Roots")
+LINKED = re.compile(rf"(?<![\w:])({NAMES})\b(?!\()")
+CODE = re.compile(rf"`({NAMES})`")
 
 
 def show(text):
     """The text of a comment between formulas, figures and titles."""
-    for words, family in FAMILIES.items():
-        text = text.replace(words, f'@ref {family} "{words}"')
+    text = re.sub(r"(polynomial|two-unknown) Roots", lambda m: f'@ref {ROOTS[m[1] == "two-unknown"]} "{m[0]}"', text)
     text = LINKED.sub(r'@ref nuv::\1 "\1"', text)
     for pattern, symbol in SYMBOLS:
         text = re.sub(pattern, symbol, text)
-    text = re.sub(r"^( \*  )Limits?: ?", r"\1@limits ", text, flags=re.MULTILINE)
-    return re.sub(r"^( \*  )(Method|Limits?):", r"\1**\2.**", text, flags=re.MULTILINE)
+    return HEADING.sub(lambda m: f"{m[1]}{HEADINGS[m[2]]}{m[3]}{m[4].upper()}", text)
 
 
 def show_comment(match):
@@ -118,6 +121,8 @@ def show_link(document, text, target):
     plain = text.replace("`", "")
     if path in DOCUMENTS:
         label = DOCUMENTS[path]
+        if plain.endswith(".md"):
+            plain = re.search(r"^# (.*)", path.read_text(), re.MULTILINE)[1]
         return f'@ref {anchor(label, part.replace("-", " ")) if part else label} "{plain}"'
     if path == HEADER:
         return f'@ref nuv1math.h "{plain}"'
@@ -147,7 +152,8 @@ def show_document(document, label):
     rest = re.sub(r"^(##+) +(.+)$", lambda m: f"{m[1]} {m[2]} {{#{anchor(label, m[2])}}}", rest, flags=re.MULTILINE)
     rest = re.sub(r"!\[(.*?)\]\((?:[^)]*/)?([^)/]+)\)", r'@image html \2 "\1"', rest, flags=re.DOTALL)
     rest = show_links(document, rest)
-    rest = re.sub(rf"`({'|'.join(FUNCTIONS)})`", r'<code>@ref nuv::\1 "\1"</code>', rest)
+    rest = re.sub(r"(two-unknown )?`Roots`", lambda m: f'{m[1] or ""}<code>@ref {ROOTS[bool(m[1])]} "Roots"</code>', rest)
+    rest = CODE.sub(r'<code>@ref nuv::\1 "\1"</code>', rest)
     if document.stem in plots.PLOTS: # below the introduction
         plot = f'@image html {document.stem}.svg "{plots.PLOTS[document.stem][1]}"'
         introduction, rest = rest.lstrip().split("\n\n", 1)

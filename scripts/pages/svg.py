@@ -42,7 +42,8 @@ class Picture:
         self.parts.append(f'<{"polygon" if closed else "polyline"} points="{steps}" {STYLES[style]}/>')
 
     def circle(self, point, radius, style="open"):
-        self.parts.append(f'<circle cx="{number(point[0])}" cy="{number(point[1])}" r="{number(radius)}" {STYLES[style]}/>')
+        x, y = map(number, point)
+        self.parts.append(f'<circle cx="{x}" cy="{y}" r="{number(radius)}" {STYLES[style]}/>')
 
     def arrow(self, start, end, style="line", size=8):
         (x0, y0), (x1, y1) = start, end

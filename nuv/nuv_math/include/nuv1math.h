@@ -390,7 +390,7 @@ NUV1MATH_API int AffineCoefsToInvCoefs(const TAffineCoefs& a_Coefs, TAffineCoefs
 
 /** Maps a target point back to the source: solves a x + b y = X - c, d x + e y = Y - f by the two-unknown Roots.
  *
- *  Limit: **the process ends if the determinant ae - db is zero and e (X - c) - b (Y - f) is not** (see Broken
+ *  Limit: **The process ends if the determinant ae - db is zero and e (X - c) - b (Y - f) is not** (see Broken
  *  invariants in the conventions). This includes regular transformations whose scales multiply to 1e-12 or less (pixels
  *  of 0.1 m in degrees). If both are zero, the result is (0, 0), even if the equations contradict each other, as they
  *  can when all coefficients are 0. If the determinant can be zero, call AffineCoefsToInvCoefs or Roots instead: they
