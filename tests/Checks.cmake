@@ -67,4 +67,8 @@ if(NUV1MATH_CHECK_TABLES)
   if(NOT no_mpmath)
     nuv_add_test(ulp_tables tables Python3::Interpreter ${tools_dir}/make_ulp_vectors.py --check)
   endif()
+  find_program(NUV1MATH_GAPPA gappa) # it proves the bounds of the integer division and square root
+  if(NUV1MATH_GAPPA)
+    nuv_add_check(arithmetic_proof tables NUV1MATH_GAPPA=${NUV1MATH_GAPPA})
+  endif()
 endif()

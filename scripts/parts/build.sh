@@ -15,7 +15,7 @@ mingw='g++-mingw-w64-x86-64-posix g++-mingw-w64-i686-posix'
 declare -A packages=(
     [fit]="$native $fitpoints"
     [site]="$native $site"
-    [default]="$native_tests $fitpoints $fitpoints_tests $site clang abigail-tools python3-mpmath libmpfr-dev
+    [default]="$native_tests $fitpoints $fitpoints_tests $site clang abigail-tools python3-mpmath gappa libmpfr-dev
                libboost-dev"
     [linux-gcc-cxx20]="$native_tests clang abigail-tools"
     [linux-clang]="$native_tests clang"

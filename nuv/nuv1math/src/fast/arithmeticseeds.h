@@ -1,13 +1,29 @@
-// arithmeticseeds.h: first approximations of a reciprocal and of the reciprocal of a root. Internal, not installed.
+// arithmeticseeds.h: the tables of arithmetic.cpp, and the bounds of its errors. Internal, not installed.
 // Copyright (c) 2026 the nuv1math authors
 // SPDX-License-Identifier: MIT
 //
-// The proofs of fast/arithmetic.cpp are made from this file.
+// tests/arithmetic_proof_test.py reads this file and proves the bounds for each cell of the tables.
 
 #ifndef NUV_FAST_ARITHMETICSEEDS_H
 #define NUV_FAST_ARITHMETICSEEDS_H
 
 namespace nuv {
+
+// In units of 2^-30: what is taken from the upper part of a quotient or a root, so that it is never too great.
+enum
+{
+    QUOTIENT_MARGIN = 1,
+    ROOT_MARGIN = 2
+};
+
+// In units of 2^-58: how far a quotient or a root is below or above its approximation, at most.
+enum
+{
+    QUOTIENT_BELOW = 1,
+    QUOTIENT_ABOVE = 4,
+    ROOT_BELOW = 1,
+    ROOT_ABOVE = 8
+};
 
 // 2^16/b, rounded to nearest, in the middle of each of the 128 cells of 1 <= b < 2.
 static const unsigned short RECIPROCAL_SEEDS[128] = {
