@@ -76,7 +76,7 @@ static void CalcAffineSums(const TControlPoints& a_Points, const TMeans& a_Means
 {
     if (HAS_VECTORS)
     {
-        CalcAffineSumsByPairs(a_Points, a_Means, a_Sums);
+        SumAffineByVectors(a_Points, a_Means, a_Sums);
         return;
     }
     TAffineSums Sums = {0.0, 0.0, 0.0, 0.0, 0.0, 0.0, 0.0, 0.0, 0.0, 0.0, 0.0};
@@ -158,20 +158,13 @@ int CalcAffineCoefs(unsigned int a_iPoints, const double* a_vdX, const double* a
 
 static const unsigned int CONFORMAL_MINIMUM_POINTS = 2;
 
-namespace {
-
-// The three sums over the centred points.
-struct TConformalSums
-{
-    double dS;  // dx^2 + dy^2
-    double dSa; // dX dx + dY dy
-    double dSb; // dX dy - dY dx
-};
-
-} // namespace
-
 static void CalcConformalSums(const TControlPoints& a_Points, const TMeans& a_Means, TConformalSums& a_Sums)
 {
+    if (HAS_VECTORS && a_Points.iCount >= SUMS_PAY_FROM) // equivalent: both forms give the same bits
+    {
+        SumConformal(a_Points, a_Means, a_Sums);
+        return;
+    }
     double dS = 0.0;
     double dSa = 0.0;
     double dSb = 0.0;

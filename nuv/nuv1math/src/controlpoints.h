@@ -42,6 +42,14 @@ struct TAffineSums
     double dSV;  // V
 };
 
+// The three sums of the conformal fit, of dx, dy, dX and dY: x, y, X and Y less their means.
+struct TConformalSums
+{
+    double dS;  // dx^2 + dy^2
+    double dSa; // dX dx + dY dy
+    double dSb; // dX dy - dY dx
+};
+
 } // namespace nuv
 
 #endif // NUV_CONTROLPOINTS_H

@@ -54,9 +54,9 @@ template <typename TValue>
 NUV_INLINE void FormLinearRows(const TValue& a_X, const TValue& a_Y, const TValue& a_Xa, const TValue& a_Ya,
                                TValue* a_vRow)
 {
+    Fill(1.0, a_vRow[ROW_R]);
     a_vRow[ROW_P] = a_X;
     a_vRow[ROW_Q] = a_Y;
-    Fill(1.0, a_vRow[ROW_R]);
     a_vRow[ROW_XG] = -(a_Xa * a_X);
     a_vRow[ROW_XH] = -(a_Xa * a_Y);
     a_vRow[ROW_X0] = a_Xa;
@@ -73,10 +73,11 @@ NUV_INLINE void FormRefinementRows(const double* a_vdCoefs, const TValue& a_X, c
     const TValue U = (a_X * a_vdCoefs[COEF_A] + a_Y * a_vdCoefs[COEF_B]) + a_vdCoefs[COEF_C];
     const TValue V = (a_X * a_vdCoefs[COEF_D] + a_Y * a_vdCoefs[COEF_E]) + a_vdCoefs[COEF_F];
     const TValue W = (a_X * a_vdCoefs[COEF_G] + a_Y * a_vdCoefs[COEF_H]) + 1.0;
+    const TValue W2 = W * W;
     TValue InvW;
-    TValue InvW2;
+    TValue InvW2; // not the square of InvW, which rounds differently
     Invert(W, InvW);
-    Invert(TValue(W * W), InvW2); // not the square of InvW, which rounds differently
+    Invert(W2, InvW2);
     const TValue X2 = a_X * InvW2;
     const TValue Y2 = a_Y * InvW2;
     a_vRow[ROW_P] = a_X * InvW;

@@ -156,7 +156,14 @@ template <int LANES, typename TVector> static NUV_INLINE void Transpose(TVector 
 // NUV_BY_WIDTH(Name, (parameters), (arguments)) defines the function Name. It runs the template NameBy<TVector> with
 // vectors of two, or of four where the processor has them. NameBy is NUV_INLINE, so each width is compiled with its own
 // instructions.
-#define NUV_BY_WIDTH(a_Name, a_Parameters, a_Arguments) NUV_BY_WIDTH_OR_EIGHT(a_Name, false, a_Parameters, a_Arguments)
+#define NUV_BY_WIDTH(a_Name, a_Parameters, a_Arguments)                                                                \
+    NUV_BY_FOURS(a_Name, a_Parameters, a_Arguments)                                                                    \
+    NUV_BY_PAIRS(a_Name, a_Parameters, a_Arguments)                                                                    \
+    static void a_Name a_Parameters                                                                                    \
+    {                                                                                                                  \
+        NUV_IF_FOURS(a_Name, a_Arguments)                                                                              \
+        a_Name##ByPairs a_Arguments;                                                                                   \
+    }
 
 // The same, and with vectors of eight where the processor has them and the condition holds. They pay in long work only:
 // the processor lowers its clock for them, also for what follows (5 % on one Intel Xeon).
@@ -164,15 +171,18 @@ template <int LANES, typename TVector> static NUV_INLINE void Transpose(TVector 
 #define NUV_BY_WIDTH_OR_EIGHT(a_Name, a_bEightPays, a_Parameters, a_Arguments)                                         \
     NUV_BY_EIGHTS(a_Name, a_Parameters, a_Arguments)                                                                   \
     NUV_BY_FOURS(a_Name, a_Parameters, a_Arguments)                                                                    \
-    NUV_NOT_INLINE static void a_Name##ByPairs a_Parameters                                                            \
-    {                                                                                                                  \
-        a_Name##By<TPair> a_Arguments;                                                                                 \
-    }                                                                                                                  \
+    NUV_BY_PAIRS(a_Name, a_Parameters, a_Arguments)                                                                    \
     static void a_Name a_Parameters                                                                                    \
     {                                                                                                                  \
         NUV_IF_EIGHTS(a_Name, a_bEightPays, a_Arguments)                                                               \
         NUV_IF_FOURS(a_Name, a_Arguments)                                                                              \
         a_Name##ByPairs a_Arguments;                                                                                   \
+    }
+
+#define NUV_BY_PAIRS(a_Name, a_Parameters, a_Arguments)                                                                \
+    NUV_NOT_INLINE static void a_Name##ByPairs a_Parameters                                                            \
+    {                                                                                                                  \
+        a_Name##By<TPair> a_Arguments;                                                                                 \
     }
 
 // One width of it: the function whose instructions are a_szTarget, and the call where the processor has them.
