@@ -48,7 +48,7 @@ HEADING = re.compile(r"^( \*  )(Limits?|Method):( ?)(\w?)", re.MULTILINE)
 HEADINGS = {"Limit": "@limits", "Limits": "@limits", "Method": "**Method.**"}
 ROOTS = {False: "polynomials", True: "linear"} # the two functions of this name, by whether it is that of two unknowns
 NAMES = "|".join(name for name in FUNCTIONS if name != "Roots")
-LINKED = re.compile(rf"(?<![\w:])({NAMES})\b(?!\()")
+LINKED = re.compile(rf"(?<![\w:])(?!Cholesky\b)({NAMES})\b(?!\()") # Cholesky is a person, too
 CODE = re.compile(rf"`({NAMES})`")
 
 

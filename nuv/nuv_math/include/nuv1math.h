@@ -649,13 +649,13 @@ NUV1MATH_API int Roots(unsigned int iDegree, const double* vdA, double* a_vdRoot
  *  coefficients can give NaN angles.
  *  @{ */
 
-/** Finds the angles t that solve the equation
+/** Finds the angles t that solve a linear equation in their cosine and sine:
  *  @f[ a \cos t + b \sin t + c = 0 @f]
  *
  *  Limits: near a tangent solution, where a^2 + b^2 is close to c^2, rounding decides between no, one and two angles.
  *  A tangent solution is found twice if a = 0, and once if b = 0 or if rounding leaves the discriminant exactly 0.
  *
- *  Method: asin, acos or atan2 if a coefficient is 0. Otherwise the quadratic (c - a) u^2 + 2 b u + (a + c) = 0 in u
+ *  Method: by asin, acos or atan2 if a coefficient is 0. Otherwise the quadratic (c - a) u^2 + 2 b u + (a + c) = 0 in u
  *  = tan(t/2), whose roots are computed from the discriminant without cancellation.
  *
  *  @param a_dA       a
@@ -668,7 +668,7 @@ NUV1MATH_API int Roots(unsigned int iDegree, const double* vdA, double* a_vdRoot
  *          result is not positive. */
 NUV1MATH_API int SolveLinTrig(double a_dA, double a_dB, double a_dC, double* const a_vdAngles);
 
-/** Finds the angles t that solve the equation
+/** Finds the angles t that solve a quadratic equation in their cosine and sine:
  *  @f[ a \cos^2 t + b \sin^2 t + c \sin t \cos t + d \cos t + e \sin t + f = 0 @f]
  *
  *  Limits:
