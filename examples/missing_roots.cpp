@@ -33,7 +33,7 @@ bool FoundAll(const TPolynomial& a_P)
 //! [missing]
 
 //! [gcd]
-// Divides by a polynomial of lower or equal degree. What is below 1e-9 of the remainder's origin counts as 0.
+// Divides by a polynomial of lower or equal degree. A coefficient of the remainder below 1e-9 counts as 0.
 TPolynomial Divide(TPolynomial a_P, const TPolynomial& a_By, TPolynomial& a_Remainder)
 {
     const std::size_t iSteps = a_P.size() - a_By.size() + 1;

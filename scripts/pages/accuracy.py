@@ -8,12 +8,11 @@ SPDX-License-Identifier: MIT
     accuracy.py --check PROGRAM    compares docs/accuracy.md with these tables and writes nothing
 """
 
-import argparse
 import re
 import subprocess
 import sys
 
-from markdown import ROOT, table, write
+from markdown import ROOT, check_arguments, table, write
 
 DOCUMENT = ROOT / "docs/accuracy.md"
 PICTURE = ROOT / "docs/accuracy.svg"
@@ -162,10 +161,7 @@ plot {curves}, 1e-4 with lines dt 2 lc "gray" title "noise of the points"
 
 
 def main():
-    parser = argparse.ArgumentParser(description=__doc__.splitlines()[0])
-    parser.add_argument("--check", action="store_true", help="compare with the page instead of writing it")
-    parser.add_argument("program", help="the built program that makes the tables")
-    arguments = parser.parse_args()
+    arguments = check_arguments(__doc__.splitlines()[0])
     tables = make_tables(arguments.program)
     if arguments.check:
         if document(tables) != DOCUMENT.read_text():

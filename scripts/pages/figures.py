@@ -8,12 +8,11 @@ SPDX-License-Identifier: MIT
     figures.py --check PROGRAM    compares the figures with what would be drawn, and writes nothing
 """
 
-import argparse
 import math
 import subprocess
 import sys
 
-from markdown import ROOT, fail, write
+from markdown import ROOT, check_arguments, fail, write
 from svg import Picture
 
 FOLDER = "docs/figures"
@@ -234,10 +233,7 @@ FIGURES = {"affine-parameters": affine_parameters, "conformal-parameters": confo
 
 
 def main():
-    parser = argparse.ArgumentParser(description=__doc__.splitlines()[0])
-    parser.add_argument("--check", action="store_true", help="compare with the figures instead of writing them")
-    parser.add_argument("program", help="the built program that computes what they show")
-    arguments = parser.parse_args()
+    arguments = check_arguments(__doc__.splitlines()[0])
     geometry = Geometry(arguments.program)
     for name, draw in FIGURES.items():
         path, source = f"{FOLDER}/{name}.svg", draw(geometry).source()

@@ -10,6 +10,7 @@ A page that is written by hand has regions for what is measured:
     <!-- end -->
 """
 
+import argparse
 import json
 import os
 import pathlib
@@ -72,6 +73,14 @@ def write(path, text):
     unfinished = path.with_name(path.name + ".new")
     unfinished.write_text(text)
     os.replace(unfinished, path)
+
+
+def check_arguments(description):
+    """The arguments of a script that writes what a program computes, or with --check compares and writes nothing."""
+    parser = argparse.ArgumentParser(description=description)
+    parser.add_argument("--check", action="store_true", help="compare with what is there instead of writing it")
+    parser.add_argument("program", help="the built program that computes it")
+    return parser.parse_args()
 
 
 def write_regions(path, regions):

@@ -154,7 +154,7 @@ def show_document(document, label):
     rest = show_links(document, rest)
     rest = re.sub(r"(two-unknown )?`Roots`", lambda m: f'{m[1] or ""}<code>@ref {ROOTS[bool(m[1])]} "Roots"</code>', rest)
     rest = CODE.sub(r'<code>@ref nuv::\1 "\1"</code>', rest)
-    if document.stem in plots.PLOTS: # below the introduction
+    if document in MEASURED and document.stem in plots.PLOTS: # below the introduction
         plot = f'@image html {document.stem}.svg "{plots.PLOTS[document.stem][1]}"'
         introduction, rest = rest.lstrip().split("\n\n", 1)
         rest = f"\n{introduction}\n\n{plot}\n\n{rest}"
