@@ -416,6 +416,11 @@ double nuv_TailOfF(int a_iHalfNumerator, int a_iDenominator, double a_dX)
     return judgement::TailOfF(a_iHalfNumerator, a_iDenominator, a_dX);
 }
 
+double nuv_QuantileOfF(int a_iHalfNumerator, int a_iDenominator, double a_dProbability)
+{
+    return judgement::QuantileOfF(a_iHalfNumerator, a_iDenominator, a_dProbability);
+}
+
 nuv_enumReason nuv_FindBlunders(const nuv_TControlPoints* a_Points, const nuv_TKindFit* a_Fit, double a_dLevel,
                                 double a_dRounding, int* a_viOrder, int* a_iFound)
 {

@@ -329,6 +329,7 @@ NUV1MATH_C_API nuv_enumReason nuv_JudgeKinds(const nuv_TControlPoints* a_Points,
 NUV1MATH_C_API int nuv_ChooseKind(const nuv_TKindRow* a_vRows, double a_dRounding, nuv_enumMethodUsed* a_Kind,
                                   nuv_enumChoice* a_Choice);
 NUV1MATH_C_API double nuv_TailOfF(int a_iHalfNumerator, int a_iDenominator, double a_dX);
+NUV1MATH_C_API double nuv_QuantileOfF(int a_iHalfNumerator, int a_iDenominator, double a_dProbability);
 NUV1MATH_C_API nuv_enumReason nuv_FindBlunders(const nuv_TControlPoints* a_Points, const nuv_TKindFit* a_Fit,
                                                double a_dLevel, double a_dRounding, int* a_viOrder, int* a_iFound);
 NUV1MATH_C_API nuv_enumReason nuv_CovarianceOfCoefs(const nuv_TControlPoints* a_Points, const nuv_TKindFit* a_Fit,

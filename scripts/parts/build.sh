@@ -16,7 +16,7 @@ declare -A packages=(
     [fit]="$native $fitpoints"
     [site]="$native $site"
     [default]="$native_tests $fitpoints $fitpoints_tests $site clang abigail-tools python3-mpmath gappa libmpfr-dev
-               libboost-dev"
+               libboost-dev mono-mcs mono-runtime fp-compiler"
     [linux-gcc-cxx20]="$native_tests clang abigail-tools"
     [linux-clang]="$native_tests clang"
     [linux-clang-cxx20]="$native_tests clang"
