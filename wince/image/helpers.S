@@ -57,7 +57,6 @@
     same __adddf3, __addd
     same __subdf3, __subd
     same __muldf3, __muld
-    same __divdf3, __divd
     same __floatsidf, __itod
     same __floatunsidf, __utod
     same __fixdfsi, __dtoi

@@ -145,7 +145,6 @@ static uint64_t DivideUnsigned(uint32_t a_iDivisor, uint32_t a_iDividend)
 static double Add(double a_dA, double a_dB) { return a_dA + a_dB; }
 static double Subtract(double a_dA, double a_dB) { return a_dA - a_dB; }
 static double Multiply(double a_dA, double a_dB) { return a_dA * a_dB; }
-static double Divide(double a_dA, double a_dB) { return a_dA / a_dB; }
 static double FromInt(int32_t a_iValue) { return a_iValue; }
 static double FromUnsigned(uint32_t a_iValue) { return a_iValue; }
 static int32_t ToInt(double a_dValue) { return (int32_t)a_dValue; }
@@ -189,10 +188,8 @@ static const struct TNamed
     NAMED(memcpy, memcpy),
     NAMED(memset, memset),
     NAMED(sin, sin),
-    NAMED(sqrt, sqrt),
     NAMED(tan, tan),
     NAMED(__addd, Add),
-    NAMED(__divd, Divide),
     NAMED(__muld, Multiply),
     NAMED(__subd, Subtract),
     NAMED(__dtoi, ToInt),

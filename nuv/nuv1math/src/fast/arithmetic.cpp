@@ -170,7 +170,8 @@ static TWide ComposeQuotient(TWide a_iA, TWide a_iB, int a_iExponent)
         return INFINITE;
     }
     TWide iQuotient = QuotientBitByBit(a_iA, a_iB);
-    a_iExponent = a_iExponent < -54 ? -54 : a_iExponent; // the quotient is below half of the least double
+    // equivalent: a quotient below half of the least double becomes zero at either exponent
+    a_iExponent = a_iExponent < -54 ? -54 : a_iExponent;
     for (; a_iExponent < 1; ++a_iExponent)
     {
         iQuotient = iQuotient >> 1 | (iQuotient & 1);
@@ -197,7 +198,7 @@ static double UnusualFiniteQuotient(double a_dA, double a_dB)
     iExponent += ExponentOf(iBitsA) - ExponentOf(iBitsB);
     TWide iA = MantissaOf(iBitsA);
     const TWide iB = MantissaOf(iBitsB);
-    if (iA < iB)
+    if (iA < iB) // equivalent: equal mantissas may be scaled as well
     {
         iA += iA;
         --iExponent;
@@ -258,7 +259,7 @@ double QuotientByIntegers(double a_dA, double a_dB)
     int iExponent = iExponentA - iExponentB + EXPONENT_BIAS;
     TWide iA = MantissaOf(iBitsA);
     const TWide iB = MantissaOf(iBitsB);
-    if (iA < iB)
+    if (iA < iB) // equivalent: equal mantissas may be scaled as well
     {
         iA += iA;
         --iExponent;
