@@ -55,6 +55,7 @@ TEST(Bits, TellWhatComparisonsTell)
         EXPECT_EQ(dValue == 0.0 && std::signbit(dValue), nuv::IsNegativeZero(dValue));
         EXPECT_EQ(dValue == 1.0, nuv::IsOne(dValue));
         EXPECT_EQ(dValue < 0.0, nuv::IsBelowZero(dValue));
+        EXPECT_EQ(dValue >= 0.0, nuv::IsAtLeastZero(dValue));
         EXPECT_EQ(std::isfinite(dValue), nuv::IsFinite(dValue));
     }
 }

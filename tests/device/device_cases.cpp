@@ -112,12 +112,12 @@ TCensus ConformalFit(int n)
            Div(1) + Mul(2) + MulSub(2) + MulAdd(1) + MulSub(1) + Hypot + Mul(1) + Div(2) + Mul(1);
 }
 
-// Column i: i squares are subtracted from the diagonal, then its sign and its root follow. Then one reciprocal, and in
+// Column i: i squares are subtracted from the diagonal, then its root follows. Then one reciprocal, and in
 // each of the n - 1 - i rows below, i products are subtracted and one is formed with the reciprocal. Summed over i from
 // 0 to n - 1.
 TCensus Factorisation(int n)
 {
-    return MulSub(n * (n - 1) / 2) + Compare(n) + Times(OPERATION_SQRT, n) + Div(n - 1) +
+    return MulSub(n * (n - 1) / 2) + Times(OPERATION_SQRT, n) + Div(n - 1) +
            MulSub(n * (n - 1) * (n - 2) / 6) + Mul(n * (n - 1) / 2);
 }
 

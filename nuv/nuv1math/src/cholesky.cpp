@@ -145,7 +145,7 @@ static bool Factorise(ptrdiff_t a_iN, const TTriangleRows& a_Rows, double* a_vdM
     for (ptrdiff_t i = 0; i < a_iN; ++i)
     {
         const double dRadicand = CalcRadicand(i, vdRow);
-        if (!(dRadicand >= 0.0)) // a NaN fails too
+        if (!IsAtLeastZero(dRadicand)) // a NaN fails too
         {
             return false;
         }

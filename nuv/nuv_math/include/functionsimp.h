@@ -77,6 +77,13 @@ inline bool IsBelowZero(double a_dValue)
     return Bits.iHigh >= 0x80000000U && (Bits.iHigh << 1 | Bits.iLow) != 0;
 }
 
+// a_dValue >= 0.0, which a NaN is not.
+inline bool IsAtLeastZero(double a_dValue)
+{
+    // equivalent: without the test of the bits the comparison says the same
+    return (SOFTWARE_FLOATING_POINT && BitsOf(a_dValue).iHigh < 0x7FF00000U) || a_dValue >= 0.0;
+}
+
 // Neither infinite nor NaN.
 inline bool IsFinite(double a_dValue)
 {
