@@ -28,16 +28,13 @@ declare -A packages=(
     [windows-x86]="$cross_tests g++-mingw-w64-i686-posix"
     [wince-armv4]="$cross_tests $armel clang"
     [consumers]="$native python3 pkgconf meson clang lld llvm $mingw wine wine64 gcc-arm-none-eabi"
-<<<<<<< HEAD
     [wasm]="$tools python3 googletest libeigen3-dev clang lld llvm nodejs wasi-libc libclang-rt-14-dev-wasm32
             libc++-14-dev-wasm32 libc++abi-14-dev-wasm32"
-=======
     [package-linux]="$native $fitpoints $site"
     [package-deb]="$native $fitpoints $site dpkg-dev file"
     [package-windows-x64]="$tools zip llvm g++-mingw-w64-x86-64-posix"
     [package-windows-x86]="$tools zip llvm g++-mingw-w64-i686-posix"
     [package-wince-armv4]="$tools zip python3 binutils $armel clang"
->>>>>>> 52ee339 (Packages: four for Debian, a TGZ, ZIPs for Windows and Windows CE; two builds give the same bytes)
     [coverage]="$native_tests"
     [fuzz]="$native $fitpoints libeigen3-dev clang libclang-common-14-dev libclang-rt-14-dev llvm xz-utils"
     [bench]="$native python3 libbenchmark-dev libeigen3-dev libopencv-calib3d-dev libopencv-imgproc-dev
