@@ -144,7 +144,7 @@ def plot(tables):
                 error = NO_FIT if cell == "none" else float(cell) / float(extent)
                 blocks.append(f"{kind} {max(offset / float(extent), 1e-3):g} {error:g}")
     points = "\n".join(blocks)
-    curves = ", ".join(f'$points using (stringcolumn(1) eq "{kind}" ? $2 : 1/0):3 with points pt {mark} title "{kind}"'
+    curves = ", ".join(f'$points using (stringcolumn(1) eq "{kind}" ? $2 : 1/0):3 with points pt {mark} lc "black" title "{kind}"'
                        for kind, mark in zip(KINDS, (6, 4, 7)))
     return f"""set terminal svg size 800,480 background "white"
 set logscale xy
