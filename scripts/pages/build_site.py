@@ -71,12 +71,22 @@ def typeset(pages):
         page.write_text(FORMULA.sub(lambda match: formulas[match.group(0)], text))
 
 
+# What doxygen writes and these pages do not need, and what stands there instead.
+UNNEEDED = [(re.compile(pattern, re.MULTILINE | re.DOTALL), instead) for pattern, instead in (
+    (r' <a href="[^"]*">More\.\.\.</a>', ""),
+    (r'^<div class="ttc" [^\n]*\n', ""), # tooltips, which need scripts
+    (r'<div id="nav-path".*?</div>', ""),
+    (r" (?:Struct|Namespace|File) Reference(?=<| -)", ""),
+    (r'(<td class="mdescRight">[^\n]*):\s*(?=<br)', r"\1."), # a formula follows the colon elsewhere
+    (r"^<dt>(?:Member|Module|Class) (<a [^\n]*?</a>)[^\n]*</dt>$", r"<dt>\1</dt>"), # arguments of functions
+)]
+
+
 def tidy(pages):
-    """Removes what doxygen writes and these pages do not need."""
     for page in pages:
-        text = re.sub(r' <a href="[^"]*">More\.\.\.</a>', "", page.read_text())
-        text = re.sub(r'^<div class="ttc" .*\n', "", text, flags=re.MULTILINE) # tooltips, which need scripts
-        text = re.sub(r"^<dt>(?:Member|Module|Class) (<a .*?</a>).*</dt>$", r"<dt>\1</dt>", text, flags=re.MULTILINE)
+        text = page.read_text()
+        for pattern, instead in UNNEEDED:
+            text = pattern.sub(instead, text)
         page.write_text(text)
 
 

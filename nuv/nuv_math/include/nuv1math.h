@@ -102,6 +102,7 @@
 /** The version as one number for comparisons: 10203 is version 1.2.3. */
 #define NUV1MATH_VERSION (NUV1MATH_VERSION_MAJOR * 10000 + NUV1MATH_VERSION_MINOR * 100 + NUV1MATH_VERSION_PATCH)
 
+/** @cond */
 /* NUV1MATH_API exports the functions when the library itself is built (NUV1MATH_BUILD), and imports them otherwise. A
  * program that is linked with the static library defines NUV1MATH_STATIC; the CMake target and pkg-config do so. */
 #if defined(NUV1MATH_STATIC)
@@ -117,6 +118,7 @@
 #else
 #define NUV1MATH_API
 #endif
+/** @endcond */
 
 /** The library. A record consists of doubles only, in the order given, without padding. */
 namespace nuv {
