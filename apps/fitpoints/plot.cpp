@@ -4,6 +4,8 @@
 
 #include "plot.h"
 #include "child_process.h"
+#include "drawing.h"
+#include "fonts.h"
 #include "support.h"
 #include "text.h"
 
@@ -13,9 +15,6 @@
 #include <unistd.h>
 
 namespace fitpoints {
-
-static const std::size_t GREATEST_LABELLED = 100; // if there are more points, their names are left out
-static const double LONGEST_VECTOR = 1.0 / 8;     // in extents of the points
 
 enumPlotKind PlotKind(const std::string& a_szName)
 {
@@ -29,102 +28,6 @@ enumPlotKind PlotKind(const std::string& a_szName)
         Fail("--plot", Quoted(a_szName) + " ends neither in .svg nor in .png");
     }
     return EndsWith(".svg") ? PLOT_SVG : PLOT_PNG;
-}
-
-// A point as it is drawn: its computed position, and the enlarged vector from there towards the given position.
-struct TArrow
-{
-    double dX, dY;
-    double dDx, dDy;
-};
-
-struct TRange
-{
-    double dLow, dHigh;
-};
-
-struct TDrawing
-{
-    TPosition Offset; // subtracted from the coordinates
-    double dFactor;   // enlargement of the residuals; 0 if they are only rounding
-    std::vector<TArrow> vArrows;
-    TRange X, Y;
-};
-
-// The greatest number that is not above the value and is 1, 2 or 5 times a power of ten.
-static double RoundBelow(double a_dValue)
-{
-    const double dPower = std::pow(10.0, std::floor(std::log10(a_dValue)));
-    const double dDigit = a_dValue / dPower;
-    return (dDigit >= 5 ? 5 : dDigit >= 2 ? 2 : 1) * dPower;
-}
-
-// Tick labels of more than five digits would overlap, so the axes then count from a local origin.
-static TPosition AxisOffset(const TArrays& a_Points)
-{
-    const double dLargest = std::max(Magnitude(a_Points.vdXa), Magnitude(a_Points.vdYa));
-    const double dExtent = std::max(Extent(a_Points.vdXa), Extent(a_Points.vdYa));
-    const TOrigins Origins = LocalOrigins(a_Points);
-    return dLargest < 1e5 && dLargest < 1000 * dExtent ? TPosition{0, 0} : TPosition{Origins.dXa, Origins.dYa};
-}
-
-static double EnlargementFactor(const TArrays& a_Points, const TFit& a_Fit)
-{
-    const double dLargest = a_Fit.vResiduals[a_Fit.iLargest].dLength;
-    const double dExtent = std::max(Extent(a_Points.vdXa), Extent(a_Points.vdYa));
-    return dLargest <= RoundingLevel(a_Points) ? 0 : RoundBelow(dExtent * LONGEST_VECTOR / dLargest);
-}
-
-static void Include(double a_dValue, TRange& a_Range)
-{
-    a_Range.dLow = std::min(a_Range.dLow, a_dValue);
-    a_Range.dHigh = std::max(a_Range.dHigh, a_dValue);
-}
-
-static double Width(const TRange& a_Range)
-{
-    return a_Range.dHigh - a_Range.dLow;
-}
-
-static void Widen(double a_dBy, TRange& a_Range)
-{
-    a_Range.dLow -= a_dBy;
-    a_Range.dHigh += a_dBy;
-}
-
-// Makes the ranges contain all arrows with a margin, and gives the picture a moderate aspect ratio.
-static void FindRanges(TDrawing& a_Drawing)
-{
-    const TArrow& First = a_Drawing.vArrows[0];
-    a_Drawing.X = {First.dX, First.dX};
-    a_Drawing.Y = {First.dY, First.dY};
-    for (const TArrow& Arrow : a_Drawing.vArrows)
-    {
-        Include(Arrow.dX, a_Drawing.X);
-        Include(Arrow.dX + Arrow.dDx, a_Drawing.X);
-        Include(Arrow.dY, a_Drawing.Y);
-        Include(Arrow.dY + Arrow.dDy, a_Drawing.Y);
-    }
-    const double dMargin = 0.1 * std::max(Width(a_Drawing.X), Width(a_Drawing.Y));
-    Widen(1.3 * dMargin, a_Drawing.X); // names are wider than high
-    Widen(dMargin, a_Drawing.Y);
-    const double dAspect = 1.4;
-    Widen(std::max(0.0, Width(a_Drawing.Y) - Width(a_Drawing.X)) / 2, a_Drawing.X);
-    Widen(std::max(0.0, Width(a_Drawing.X) / dAspect - Width(a_Drawing.Y)) / 2, a_Drawing.Y);
-}
-
-static TDrawing Drawing(const TPoints& a_Points, const TFit& a_Fit)
-{
-    const TArrays Given = Arrays(a_Points.vPoints);
-    TDrawing Result = {AxisOffset(Given), EnlargementFactor(Given, a_Fit), {}, {}, {}};
-    for (std::size_t i = 0; i < a_Fit.vResiduals.size(); ++i)
-    {
-        const TResidual& R = a_Fit.vResiduals[i];
-        Result.vArrows.push_back({Given.vdXa[i] - Result.Offset.dXa + R.dX, Given.vdYa[i] - Result.Offset.dYa + R.dY,
-                                  -R.dX * Result.dFactor, -R.dY * Result.dFactor});
-    }
-    FindRanges(Result);
-    return Result;
 }
 
 // ---------------------------------------------------------------------------------------------------------------------
@@ -142,24 +45,51 @@ static std::string Literal(const std::string& a_szText)
     return szLiteral + "'";
 }
 
-static std::string Terminal(enumPlotKind a_Kind)
+// How a mark and its vector are drawn. The form of the mark tells it without its colour.
+struct TMarkStyle
 {
-    return a_Kind == PLOT_SVG ? "set terminal svg size 960,720 noenhanced font 'sans-serif,15' background rgb 'white'\n"
-                              : "set terminal pngcairo size 960,720 noenhanced font 'sans,12' background rgb 'white'\n";
+    const char* szName;   // in the legend
+    const char* szPoint;  // the style of the mark around the dot; empty if there is only the dot
+    const char* szVector; // the style of the line
+};
+
+static const TMarkStyle STYLES[MARKS] = {
+    {"given position", "", "linewidth 1.6 linecolor rgb '#1f4e79'"},
+    {"suspected blunder", "pointtype 4 pointsize 1.5 linewidth 1.8 linecolor rgb '#c0392b'",
+     "linewidth 2.2 linecolor rgb '#c0392b'"},
+    {"check point, not fitted", "pointtype 8 pointsize 1.5 linewidth 1.5 linecolor rgb '#2e7d32'",
+     "linewidth 1.6 linecolor rgb '#2e7d32'"},
+    {"suspected blunder that was dropped", "pointtype 2 pointsize 1.4 linewidth 1.8 linecolor rgb '#c0392b'",
+     "linewidth 2.2 linecolor rgb '#c0392b'"},
+    {"mean of the given positions in a cell", "", "linewidth 1.4 linecolor rgb '#1f4e79'"}};
+
+static const char* const DOT = "points pointtype 7 pointsize 0.6 linecolor rgb '#5d7fa3'";
+
+static std::string Pixels(double a_dValue)
+{
+    return Number("%.2f", a_dValue);
 }
 
-static std::string AxisLabel(const char* a_szName, double a_dOffset)
+static std::string At(const TSpot& a_Spot)
 {
-    const std::string szShift = Shortest(std::fabs(a_dOffset));
-    return std::string(a_szName) + (a_dOffset == 0 ? "" : (a_dOffset < 0 ? " + " : " - ") + szShift) +
-           " (target units)";
+    return Pixels(a_Spot.dX) + "," + Pixels(a_Spot.dY);
 }
 
-static std::string Axis(const std::string& a_szAxis, const std::string& a_szLabel, const TRange& a_Range,
-                        double a_dTick)
+// The canvas has coordinates in pixels; all that gnuplot usually draws around it is off.
+static std::string Canvas(enumPlotKind a_Kind, const TSpot& a_Size)
 {
-    return "set " + a_szAxis + "label " + Literal(a_szLabel) + "\nset " + a_szAxis + "range [" + Exact(a_Range.dLow) +
-           ":" + Exact(a_Range.dHigh) + "]\nset " + a_szAxis + "tics " + Exact(a_dTick) + "\n";
+    const std::string szSize = Number("%.0f", a_Size.dX) + "," + Number("%.0f", a_Size.dY);
+    return "set encoding utf8\n" +
+           (a_Kind == PLOT_SVG
+                ? "set terminal svg size " + szSize + " noenhanced font 'sans-serif,13' background rgb 'white'\n"
+                : "set terminal pngcairo size " + szSize + " noenhanced font 'sans,10' background rgb 'white'\n") +
+           "set margins 0,0,0,0\nunset border\nunset tics\nunset key\nset xrange [0:" + Pixels(a_Size.dX) +
+           "]\nset yrange [0:" + Pixels(a_Size.dY) + "]\n";
+}
+
+static std::string Label(const std::string& a_szText, const TSpot& a_At, const std::string& a_szStyle)
+{
+    return "set label " + Literal(a_szText) + " at " + At(a_At) + " noenhanced front " + a_szStyle + "\n";
 }
 
 // The title has the name of the file without its directory. A name that is not UTF-8 is left out.
@@ -167,60 +97,266 @@ static std::string TitleOf(const TPoints& a_Points, const TFit& a_Fit)
 {
     const std::string szFile = OneLine(a_Points.szFile.substr(a_Points.szFile.rfind('/') + 1));
     return (IsPlainUtf8(szFile) ? szFile + ": " : "") + KindName(a_Fit.Kind) +
-           (a_Fit.bMirrored ? " fit, orientation reversed, " : " fit, ") + Count(a_Points.vPoints.size(), "point") +
+           (a_Fit.bMirrored ? " fit, orientation reversed, " : " fit, ") +
+           Count(static_cast<std::size_t>(a_Fit.Judgement.iFitted), "point") +
            (a_Fit.dRms ? ", RMS " + Brief(*a_Fit.dRms) : ", no redundancy");
 }
 
-static std::string VectorTitle(const TFit& a_Fit, double a_dFactor)
+static std::string Axes(const TDrawing& a_Drawing)
 {
-    return "residual vectors, computed to given, enlarged " + Number("%.12g", a_dFactor) + " times (longest " +
-           Brief(a_Fit.vResiduals[a_Fit.iLargest].dLength) + ")";
+    const TAxis& X = a_Drawing.X;
+    const TAxis& Y = a_Drawing.Y;
+    std::string szScript;
+    std::size_t iWidest = 0;
+    for (const TTick& Tick : X.vTicks)
+    {
+        szScript += Label(Tick.szText, {Tick.dAt, Y.dLow - 14}, "center textcolor rgb '#606060'");
+    }
+    for (const TTick& Tick : Y.vTicks)
+    {
+        szScript += Label(Tick.szText, {X.dLow - 8, Tick.dAt}, "right textcolor rgb '#606060'");
+        iWidest = std::max(iWidest, Tick.szText.size());
+    }
+    const double dTitle = std::max(12.0, X.dLow - 24 - 8.5 * static_cast<double>(iWidest));
+    return szScript + Label(X.szTitle, {(X.dLow + X.dHigh) / 2, Y.dLow - 36}, "center") +
+           Label(Y.szTitle, {dTitle, (Y.dLow + Y.dHigh) / 2}, "center rotate by 90");
 }
 
-// A name stands above its point if the arrow goes down, and below it otherwise.
-static std::string Names(const TPoints& a_Points, const TDrawing& a_Drawing)
+static std::string Names(const TDrawing& a_Drawing)
 {
     std::string szScript;
-    for (std::size_t i = 0; i < a_Points.vPoints.size() && a_Points.vPoints.size() <= GREATEST_LABELLED; ++i)
+    for (const TDrawnName& Name : a_Drawing.vNames)
     {
-        const std::string& szName = a_Points.vPoints[i].szName;
-        const TArrow& Arrow = a_Drawing.vArrows[i];
-        szScript += "set label " + Literal(szName.empty() ? std::to_string(i + 1) : szName) + " at " + Exact(Arrow.dX) +
-                    "," + Exact(Arrow.dY) + " center noenhanced front offset character 0," +
-                    (Arrow.dDy > 0 ? "-0.9" : "0.9") + " textcolor rgb '#303030'\n";
+        szScript += Label(Name.szText, Name.Centre, "center textcolor rgb '#303030'");
     }
     return szScript;
 }
 
-static std::string Data(const TDrawing& a_Drawing)
+// ---------------------------------------------------------------------------------------------------------------------
+// Data and the plot command
+
+// Collects blocks of data and the parts of the plot command that draw them. gnuplot warns of empty blocks, so there are
+// none.
+class TPlot
 {
-    std::string szData = "$ARROWS << END\n";
-    for (const TArrow& Arrow : a_Drawing.vArrows)
+public:
+    // A block with these lines is drawn "using a_szColumns with a_szStyle".
+    void Add(const std::string& a_szLines, const std::string& a_szColumns, const std::string& a_szStyle)
     {
-        szData += Exact(Arrow.dX) + " " + Exact(Arrow.dY) + " " + Exact(Arrow.dDx) + " " + Exact(Arrow.dDy) + "\n";
+        if (!a_szLines.empty())
+        {
+            const std::string szBlock = "$B" + std::to_string(m_iBlocks++);
+            m_szData += szBlock + " << END\n" + a_szLines + "END\n";
+            m_szCommand +=
+                (m_szCommand.empty() ? "plot " : ", ") + szBlock + " using " + a_szColumns + " with " + a_szStyle;
+        }
     }
-    return szData + "END\n";
+
+    std::string Script() const
+    {
+        return m_szData + m_szCommand + "\n";
+    }
+
+private:
+    int m_iBlocks = 0;
+    std::string m_szData, m_szCommand;
+};
+
+static std::string Line(const TSpot& a_From, const TSpot& a_To)
+{
+    return Pixels(a_From.dX) + " " + Pixels(a_From.dY) + "\n" + Pixels(a_To.dX) + " " + Pixels(a_To.dY) + "\n\n";
+}
+
+static std::string Spot(const TSpot& a_Spot)
+{
+    return Pixels(a_Spot.dX) + " " + Pixels(a_Spot.dY) + "\n";
+}
+
+static void AddFrame(const TDrawing& a_Drawing, TPlot& a_Plot)
+{
+    const TAxis& X = a_Drawing.X;
+    const TAxis& Y = a_Drawing.Y;
+    std::string szGrid;
+    std::string szTicks;
+    for (const TTick& Tick : X.vTicks)
+    {
+        szGrid += Line({Tick.dAt, Y.dLow}, {Tick.dAt, Y.dHigh});
+        szTicks += Line({Tick.dAt, Y.dLow}, {Tick.dAt, Y.dLow - 4});
+    }
+    for (const TTick& Tick : Y.vTicks)
+    {
+        szGrid += Line({X.dLow, Tick.dAt}, {X.dHigh, Tick.dAt});
+        szTicks += Line({X.dLow, Tick.dAt}, {X.dLow - 4, Tick.dAt});
+    }
+    a_Plot.Add(szGrid, "1:2", "lines linecolor rgb '#e4e4e4'");
+    a_Plot.Add(szTicks + Spot({X.dLow, Y.dLow}) + Spot({X.dHigh, Y.dLow}) + Spot({X.dHigh, Y.dHigh}) +
+                   Spot({X.dLow, Y.dHigh}) + Spot({X.dLow, Y.dLow}),
+               "1:2", "lines linecolor rgb '#606060'");
+}
+
+static std::string Ellipse(const TDrawnEllipse& a_Ellipse)
+{
+    const int iSides = 36;
+    std::string szLines;
+    for (int i = 0; i <= iSides; ++i)
+    {
+        const double dC = std::cos(2 * M_PI * i / iSides);
+        const double dS = std::sin(2 * M_PI * i / iSides);
+        szLines += Spot({a_Ellipse.Centre.dX + dC * a_Ellipse.Major.dX + dS * a_Ellipse.Minor.dX,
+                         a_Ellipse.Centre.dY + dC * a_Ellipse.Major.dY + dS * a_Ellipse.Minor.dY});
+    }
+    return szLines + "\n";
+}
+
+static std::string Vector(const TSpot& a_From, const TSpot& a_To)
+{
+    return Pixels(a_From.dX) + " " + Pixels(a_From.dY) + " " + Pixels(a_To.dX - a_From.dX) + " " +
+           Pixels(a_To.dY - a_From.dY) + "\n";
+}
+
+static const char* const HEAD = "vectors head filled size 8,18 fixed ";
+static const char* const NO_HEAD = "vectors nohead ";
+
+// The head of a vector that is shorter than this would be all of it.
+static bool HasHead(const TDrawnPoint& a_Point)
+{
+    return std::hypot(a_Point.Tip.dX - a_Point.Given.dX, a_Point.Tip.dY - a_Point.Given.dY) > 9;
+}
+
+// The points with one kind of mark. The vectors are drawn after the dots, which so hide no short one.
+static void AddPoints(const TDrawing& a_Drawing, enumMark a_Mark, TPlot& a_Plot)
+{
+    std::string szMarks;
+    std::string szLong;
+    std::string szShort;
+    for (const TDrawnPoint& Point : a_Drawing.vPoints)
+    {
+        if (Point.Mark == a_Mark)
+        {
+            szMarks += Spot(Point.Given);
+            (HasHead(Point) ? szLong : szShort) += Vector(Point.Given, Point.Tip);
+        }
+    }
+    const TMarkStyle& Style = STYLES[a_Mark];
+    a_Plot.Add(szMarks, "1:2", DOT);
+    if (*Style.szPoint != '\0')
+    {
+        a_Plot.Add(szMarks, "1:2", std::string("points ") + Style.szPoint);
+    }
+    if (a_Drawing.dScaleValue > 0)
+    {
+        a_Plot.Add(szLong, "1:2:3:4", HEAD + std::string(Style.szVector));
+        a_Plot.Add(szShort, "1:2:3:4", NO_HEAD + std::string(Style.szVector));
+    }
+}
+
+static const char* const ELLIPSE_STYLE = "lines linewidth 0.8 linecolor rgb '#b8860b'";
+
+static void AddContents(const TDrawing& a_Drawing, TPlot& a_Plot)
+{
+    std::string szEllipses;
+    for (const TDrawnEllipse& Drawn : a_Drawing.vEllipses)
+    {
+        szEllipses += Ellipse(Drawn);
+    }
+    std::string szLeaders;
+    for (const TDrawnName& Name : a_Drawing.vNames)
+    {
+        szLeaders += Name.bLeader ? Line(Name.LeaderFrom, Name.LeaderTo) : "";
+    }
+    a_Plot.Add(szEllipses, "1:2", ELLIPSE_STYLE);
+    a_Plot.Add(szLeaders, "1:2", "lines linewidth 0.7 linecolor rgb '#a0a0a0'");
+    for (int i = 0; i < MARKS; ++i)
+    {
+        AddPoints(a_Drawing, static_cast<enumMark>(i), a_Plot);
+    }
+}
+
+// ---------------------------------------------------------------------------------------------------------------------
+// The legend
+
+static const double LEGEND_SYMBOL = 110; // the middle of the symbols, pixels
+static const double LEGEND_TEXT = 195;
+
+static std::string VectorText(const TFit& a_Fit, const TDrawing& a_Drawing)
+{
+    if (a_Drawing.dScaleValue == 0)
+    {
+        return "no residual vectors: the residuals are rounding only";
+    }
+    const std::string szUnit = a_Drawing.bDegrees ? " degrees of latitude" : " target units";
+    const std::string szBar = ", from given to computed; the bar is " + Number("%.12g", a_Drawing.dScaleValue) + szUnit;
+    return a_Drawing.iPointsInCells > 0
+               ? "mean residuals of " + Count(a_Drawing.iPointsInCells, "point") + " in cells" + szBar
+               : "residuals" + szBar + ", the longest is " + Brief(a_Fit.vResiduals[a_Fit.iLargest].dLength);
+}
+
+static std::string MarkText(const TDrawing& a_Drawing, enumMark a_Mark)
+{
+    const bool bNames = a_Mark == MARK_FITTED && a_Drawing.iNamesLeftOut > 0;
+    return STYLES[a_Mark].szName + (bNames ? "; " + Count(a_Drawing.iNamesLeftOut, "name") + " left out" : "");
+}
+
+// Adds a line of the legend; returns the place of its symbol.
+static TSpot LegendLine(const TDrawing& a_Drawing, const std::string& a_szText, int& a_iLine, std::string& a_szScript)
+{
+    const double dY = a_Drawing.Y.dLow - 62 - a_iLine++ * LEGEND_LINE;
+    a_szScript += Label(a_szText, {LEGEND_TEXT, dY}, "left");
+    return {LEGEND_SYMBOL, dY};
+}
+
+static std::string ScaleBar(const TSpot& a_Middle, double a_dLength)
+{
+    const TSpot Left = {a_Middle.dX - a_dLength / 2, a_Middle.dY};
+    const TSpot Right = {a_Middle.dX + a_dLength / 2, a_Middle.dY};
+    const auto End = [](const TSpot& a_Spot) { return Line({a_Spot.dX, a_Spot.dY - 4}, {a_Spot.dX, a_Spot.dY + 4}); };
+    return Line(Left, Right) + End(Left) + End(Right);
+}
+
+static std::string Legend(const TFit& a_Fit, const TDrawing& a_Drawing, TPlot& a_Plot)
+{
+    std::string szScript;
+    int iLine = 0;
+    const TSpot Bar = LegendLine(a_Drawing, VectorText(a_Fit, a_Drawing), iLine, szScript);
+    if (a_Drawing.dScaleValue > 0)
+    {
+        a_Plot.Add(ScaleBar(Bar, a_Drawing.dScaleLength), "1:2", "lines linewidth 1.6 linecolor rgb '#1f4e79'");
+    }
+    for (int i = 0; i < MARKS; ++i)
+    {
+        const auto Mark = static_cast<enumMark>(i);
+        const bool bFound = std::any_of(a_Drawing.vPoints.begin(), a_Drawing.vPoints.end(),
+                                        [&](const TDrawnPoint& a_Point) { return a_Point.Mark == Mark; });
+        if (bFound)
+        {
+            const TSpot Symbol = LegendLine(a_Drawing, MarkText(a_Drawing, Mark), iLine, szScript);
+            TDrawing Sample = {};
+            Sample.vPoints = {{Symbol, Symbol, Mark}};
+            AddPoints(Sample, Mark, a_Plot);
+        }
+    }
+    if (!a_Drawing.vEllipses.empty())
+    {
+        const TSpot Symbol =
+            LegendLine(a_Drawing, "error ellipse of the computed position, one standard deviation, to the same scale",
+                       iLine, szScript);
+        a_Plot.Add(Ellipse({Symbol, {12, 0}, {0, 6}}), "1:2", ELLIPSE_STYLE);
+    }
+    return szScript;
 }
 
 std::string PlotScript(const TPoints& a_Points, const TFit& a_Fit, enumPlotKind a_Kind)
 {
-    const TDrawing Picture = Drawing(a_Points, a_Fit);
-    const double dTick = RoundBelow(std::max(Width(Picture.X), Width(Picture.Y)) / 5);
-    const std::string szArrows =
-        Picture.dFactor == 0 ? "NaN with lines linecolor rgb '#c0392b' title "
-                               "'no residual vectors: the residuals are rounding only'"
-                             : "$ARROWS using 1:2:3:4 with vectors head filled size screen 0.014,18 linewidth 1.8 "
-                               "linecolor rgb '#c0392b' title " +
-                                   Literal(VectorTitle(a_Fit, Picture.dFactor));
-    return "set encoding utf8\n" + Terminal(a_Kind) + "set title " + Literal(TitleOf(a_Points, a_Fit)) + "\n" +
-           "set size ratio -1\nset format '%g'\nset tics out nomirror\nset border linecolor rgb '#606060'\n"
-           "set grid linecolor rgb '#e0e0e0' linetype 1\n"
-           "set key outside bottom center vertical Left reverse\nset bmargin 6.5\n" +
-           Axis("x", AxisLabel("X", Picture.Offset.dXa), Picture.X, dTick) +
-           Axis("y", AxisLabel("Y", Picture.Offset.dYa), Picture.Y, dTick) + Names(a_Points, Picture) + Data(Picture) +
-           "plot " + szArrows +
-           ", $ARROWS using 1:2 with points pointtype 7 pointsize 0.8 linecolor rgb '#1f4e79' "
-           "title 'computed positions of the points'\n";
+    const TDrawing Drawing = MakeDrawing(a_Points, a_Fit);
+    TPlot Plot;
+    AddFrame(Drawing, Plot);
+    AddContents(Drawing, Plot);
+    const std::string szLegend = Legend(a_Fit, Drawing, Plot);
+    const TSpot Title = {(Drawing.X.dLow + Drawing.X.dHigh) / 2, Drawing.Y.dHigh + 0.55 * TITLE_HEIGHT};
+    const std::string szTexts =
+        Label(TitleOf(a_Points, a_Fit), Title, "center") + Axes(Drawing) + Names(Drawing) + szLegend;
+    return Canvas(a_Kind, Drawing.Canvas) + (a_Kind == PLOT_PNG ? WithKnownCharacters(szTexts) : szTexts) +
+           Plot.Script();
 }
 
 // ---------------------------------------------------------------------------------------------------------------------

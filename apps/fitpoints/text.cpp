@@ -63,8 +63,7 @@ std::string Quoted(const std::string& a_szText)
     return "'" + OneLine(a_szText.substr(0, iEnd)) + "...'";
 }
 
-// The length of the UTF-8 sequence that this byte starts; 0 if it starts none.
-static std::size_t SequenceLength(unsigned char a_iByte)
+std::size_t SequenceLength(unsigned char a_iByte)
 {
     return a_iByte < 0x80                      ? 1
            : a_iByte >= 0xC2 && a_iByte < 0xE0 ? 2
@@ -73,8 +72,7 @@ static std::size_t SequenceLength(unsigned char a_iByte)
                                                : 0;
 }
 
-// The code point of a sequence of 2 to 4 bytes.
-static unsigned int CodePoint(const char* a_szText, std::size_t a_iLength)
+unsigned int CodePoint(const char* a_szText, std::size_t a_iLength)
 {
     unsigned int iCode = static_cast<unsigned char>(a_szText[0]) & (0xFFu >> (a_iLength + 1));
     for (std::size_t i = 1; i < a_iLength; ++i)

@@ -31,6 +31,12 @@ std::string OneLine(std::string a_szText);
 // A text of the user inside a message: one line in quotes, cut if it is long.
 std::string Quoted(const std::string& a_szText);
 
+// The length of the UTF-8 sequence that this byte starts; 0 if it starts none.
+std::size_t SequenceLength(unsigned char a_iByte);
+
+// The code point of a sequence of 2 to 4 bytes.
+unsigned int CodePoint(const char* a_szText, std::size_t a_iLength);
+
 // True for well-formed UTF-8 without control characters.
 bool IsPlainUtf8(const std::string& a_szText);
 

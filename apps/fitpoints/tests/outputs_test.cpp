@@ -63,7 +63,8 @@ TEST_F(FitPoints, DrawsSvgWithLabelledAxesAndNames)
     const std::string szSvg = Contents("p.svg");
     EXPECT_EQ(0u, szSvg.find("<?xml"));
     for (const char* const szPart : {"X - 4500300 (target units)", "Y - 5387600 (target units)", "bridge, east end",
-                                     "enlarged 200 times", "omographic fit, 12 points", "</svg>"})
+                                     "the bar is 0.2 target units, the longest is 0.2277", "omographic fit, 12 points",
+                                     "error ellipse of the computed position", "</svg>"})
     {
         EXPECT_NE(std::string::npos, szSvg.find(szPart)) << szPart;
     }

@@ -170,7 +170,7 @@ TEST_F(FitPoints, ALimitOfTheSizeOfFilesIsAnErrorOfWriting)
     ExpectFailure(vszWorld, "p.wld: cannot be written: File too large");
     Prepare = [] { Limit(RLIMIT_FSIZE, 200); };
     ExpectFailure(vszPlot, "temporary file: cannot be written: File too large");
-    Prepare = [] { Limit(RLIMIT_FSIZE, 4096); }; // room for the script of gnuplot, but not for its picture
+    Prepare = [] { Limit(RLIMIT_FSIZE, 6144); }; // room for the script of gnuplot, but not for its picture
     const TRun Result = Run(vszPlot);
     EXPECT_EQ(2, Result.iCode);
     EXPECT_EQ(0u, Result.szError.find("fitpoints: p.svg: gnuplot failed to draw it")) << Result.szError;
