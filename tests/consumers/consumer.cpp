@@ -4,6 +4,9 @@
 
 #if defined(NUV_WINDOWS_FIRST)
 #include <windows.h>
+// Microsoft's windows.h has these macros, and that of mingw-w64 leaves them out for C++.
+#define min(a_Left, a_Right) ((a_Left) < (a_Right) ? (a_Left) : (a_Right))
+#define max(a_Left, a_Right) ((a_Left) > (a_Right) ? (a_Left) : (a_Right))
 #endif
 
 #include <nuv1math.h>
