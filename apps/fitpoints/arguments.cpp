@@ -58,6 +58,22 @@ static void DeclareExports(CLI::App& a_App, TArguments& a_Arguments)
     a_App.get_option("--vrt")->needs(pRaster);
 }
 
+static void DeclareApplication(CLI::App& a_App, TArguments& a_Arguments)
+{
+    CLI::Option* const pApply =
+        a_App.add_option("--apply", a_Arguments.szApply, "transform the points of this table (- is standard input)")
+            ->type_name("FILE");
+    a_App.add_flag("--inverse", a_Arguments.bInverse, "--apply transforms from the target to the source system")
+        ->needs(pApply);
+    a_App
+        .add_flag("--deviations", a_Arguments.bDeviations,
+                  "--apply adds standard deviations and error ellipses of the transformed points")
+        ->needs(pApply);
+    a_App.add_option("--output", a_Arguments.szOutput, "--apply writes to this file, not to standard output")
+        ->needs(pApply)
+        ->type_name("FILE");
+}
+
 static void DeclareOptions(CLI::App& a_App, TArguments& a_Arguments, std::string& a_szMethod)
 {
     a_App.name("fitpoints");
@@ -80,6 +96,7 @@ static void DeclareOptions(CLI::App& a_App, TArguments& a_Arguments, std::string
     a_App.add_option("--plot", a_Arguments.szPlot, "draw points and residual vectors (needs gnuplot)")
         ->type_name("FILE.svg|FILE.png");
     DeclareExports(a_App, a_Arguments);
+    DeclareApplication(a_App, a_Arguments);
 }
 
 // Parses the arguments. False if it has answered --help or --version.

@@ -21,6 +21,8 @@ struct TArguments
     std::optional<std::string> szPlot; // this and the next ones have no value if the option is not given
     std::vector<std::optional<std::string> > vszExports; // parallel to EXPORTS
     std::optional<std::string> szRaster;
+    std::optional<std::string> szApply, szOutput;
+    bool bInverse, bDeviations; // of szApply
 };
 
 // The name of an output that is standard output, and of an input that is standard input.

@@ -2,6 +2,7 @@
 // Copyright (c) 2026 the nuv1math authors
 // SPDX-License-Identifier: MIT
 
+#include "apply.h"
 #include "arguments.h"
 #include "ending_signals.h"
 #include "exports.h"
@@ -38,6 +39,11 @@ static std::vector<std::pair<std::string, std::string> > NamedOutputs(const TArg
     {
         vszOutputs.emplace_back("--plot", *a_Arguments.szPlot);
     }
+    if (a_Arguments.szApply)
+    {
+        vszOutputs.emplace_back(a_Arguments.szOutput ? "--output" : "--apply",
+                                a_Arguments.szOutput.value_or(STANDARD_STREAM));
+    }
     return vszOutputs;
 }
 
@@ -56,12 +62,14 @@ static void CheckPlaces(const TArguments& a_Arguments)
     };
     AddInput(a_Arguments.szFile, "the file of the points");
     AddInput(a_Arguments.szRaster.value_or(""), "the image of --raster");
+    AddInput(a_Arguments.szApply.value_or(""), "the file of --apply");
     for (const auto& [szOption, szName] : NamedOutputs(a_Arguments))
     {
         const std::string szPlace = szName == STANDARD_STREAM ? szName : OutputPlace(szName);
         if (!Places.emplace(szPlace, "the output of " + szOption).second)
         {
-            Fail(szName, szOption + " would write over " + Places[szPlace]);
+            Fail(szName == STANDARD_STREAM ? "standard output" : szName,
+                 szOption + " would write over " + Places[szPlace]);
         }
     }
 }
@@ -90,6 +98,10 @@ static void CheckArguments(const TArguments& a_Arguments)
         Fail("FILE", "the name is empty");
     }
     const std::string szOption = StandardOutputOption(a_Arguments);
+    if (a_Arguments.szApply == a_Arguments.szFile && a_Arguments.szFile == STANDARD_STREAM)
+    {
+        Fail("--apply", "standard input is the file of the control points");
+    }
     if (a_Arguments.bJson && !szOption.empty())
     {
         Fail("--json", "standard output is that of " + szOption);
@@ -101,6 +113,7 @@ struct TResults
 {
     std::string szStandardOutput;
     std::vector<std::unique_ptr<TOutput> > vOutputs; // under temporary names
+    std::vector<std::string> vszWarnings;            // of --apply
 };
 
 static void AddOutput(const std::string& a_szName, const std::string& a_szText, TResults& a_Results)
@@ -112,6 +125,19 @@ static void AddOutput(const std::string& a_szName, const std::string& a_szText, 
     }
     a_Results.vOutputs.push_back(OpenOutput(a_szName));
     WriteOutput(*a_Results.vOutputs.back(), a_szText);
+}
+
+// The table of --apply goes to standard output row by row.
+static void Apply(const TArguments& a_Arguments, const TFit& a_Fit, TResults& a_Results)
+{
+    const TApplication Application = {*a_Arguments.szApply, a_Arguments.bInverse, a_Arguments.bDeviations};
+    TWrite Write = WriteStandardOutput;
+    if (a_Arguments.szOutput.value_or(STANDARD_STREAM) != STANDARD_STREAM)
+    {
+        a_Results.vOutputs.push_back(OpenOutput(*a_Arguments.szOutput));
+        Write = [&](const std::string& a_szText) { WriteOutput(*a_Results.vOutputs.back(), a_szText); };
+    }
+    a_Results.vszWarnings = ApplyFit(Application, a_Fit, Write);
 }
 
 static TResults WriteResults(const TArguments& a_Arguments, const TPoints& a_Points, const TFit& a_Fit)
@@ -129,6 +155,10 @@ static TResults WriteResults(const TArguments& a_Arguments, const TPoints& a_Poi
     {
         Results.vOutputs.push_back(OpenOutput(*a_Arguments.szPlot));
         DrawPlot(a_Points, a_Fit, *Results.vOutputs.back());
+    }
+    if (a_Arguments.szApply)
+    {
+        Apply(a_Arguments, a_Fit, Results);
     }
     for (const std::unique_ptr<TOutput>& Output : Results.vOutputs)
     {
@@ -155,11 +185,15 @@ static void AddOutputWarnings(const TArguments& a_Arguments, const TPoints& a_Po
     }
 }
 
-static void PrintWarnings(const TPoints& a_Points, const TFit& a_Fit)
+static void PrintWarnings(const TPoints& a_Points, const TFit& a_Fit, const TResults& a_Results)
 {
     for (const std::string& szWarning : a_Fit.vszWarnings)
     {
         std::cerr << "fitpoints: " << OneLine(a_Points.szFile) << ": warning: " << szWarning << std::endl;
+    }
+    for (const std::string& szWarning : a_Results.vszWarnings)
+    {
+        std::cerr << "fitpoints: " << OneLine(szWarning) << std::endl;
     }
 }
 
@@ -177,7 +211,7 @@ static void Run(const TArguments& a_Arguments)
     {
         PutInPlace(*Output);
     }
-    PrintWarnings(Points, Fit);
+    PrintWarnings(Points, Fit, Results);
 }
 
 // A file that is opened takes the number of a standard descriptor that the caller has closed. So closed descriptors get

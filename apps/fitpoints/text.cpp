@@ -132,6 +132,12 @@ std::string Shortest(double a_dValue)
     return {szText, std::to_chars(szText, szText + sizeof szText, a_dValue).ptr};
 }
 
+std::string SixDigits(double a_dValue)
+{
+    char szText[64];
+    return {szText, std::to_chars(szText, szText + sizeof szText, a_dValue, std::chars_format::general, 6).ptr};
+}
+
 std::string Brief(double a_dValue)
 {
     return Number("%.4g", a_dValue);

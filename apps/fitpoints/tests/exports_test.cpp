@@ -210,7 +210,7 @@ TEST_F(FitPoints, OneOutputMayBeStandardOutputInsteadOfTheReport)
     EXPECT_EQ(6, std::count(World.szOut.begin(), World.szOut.end(), '\n'));
     EXPECT_EQ((std::set<std::string>{"p.csv", "p.proj"}), Files());
     ExpectFailure({"p.csv", "--method", "affine", "--world", "-", "--gcp", "-"},
-                  "-: --gcp would write over the output of --world");
+                  "standard output: --gcp would write over the output of --world");
     ExpectFailure({"p.csv", "--method", "affine", "--world", "-", "--json"},
                   "--json: standard output is that of --world");
 }
