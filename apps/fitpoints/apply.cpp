@@ -11,9 +11,8 @@
 
 namespace fitpoints {
 
-static const double DEGREES = 57.29577951308232;      // 180/pi
-static const std::size_t GREATEST_HELD = 10000;       // rows that wait for the first decimal mark
-static const std::size_t BUFFERED_BYTES = 256 * 1024; // written at once
+static const double DEGREES = 57.29577951308232; // 180/pi
+static const std::size_t GREATEST_HELD = 10000;  // rows that wait for the first decimal mark
 
 // ---------------------------------------------------------------------------------------------------------------------
 // Image of one point

@@ -6,8 +6,7 @@
 #define NUV_FITPOINTS_APPLY_H
 
 #include "fit.h"
-
-#include <functional>
+#include "text.h"
 
 namespace fitpoints {
 
@@ -17,8 +16,6 @@ struct TApplication
     bool bInverse;      // from the target to the source system
     bool bDeviations;   // with standard deviations and error ellipses
 };
-
-using TWrite = std::function<void(const std::string&)>;
 
 // Reads a table with source (inverse: target) coordinates row by row and writes it with the other coordinates. All
 // columns are kept; those of the results are replaced or added. Returns warnings. Fails with file and line if anything

@@ -33,7 +33,7 @@ static const char* const FOOTER =
     "and the row of the centre of a pixel. In a QGIS file y is minus the row, and (0, 0) is the outer corner of the "
     "first pixel.\n"
     "\n"
-    "Limits: 64 KiB for a line, 256 MiB for the file, 1000000 points. The program takes at most 1.5 GiB of memory.\n"
+    "Limits: 64 KiB for a line, 256 MiB for the file, 1000000 points. The program takes at most 1 GiB of memory.\n"
     "\n"
     "Exit code: 0, or 2 with one line on standard error. Warnings go to standard error and leave the exit code 0.";
 

@@ -164,11 +164,16 @@ static TResults WriteResults(const TArguments& a_Arguments, const TPoints& a_Poi
     {
         CloseOutput(*Output);
     }
+    return Results;
+}
+
+static void WriteReport(const TArguments& a_Arguments, const TPoints& a_Points, const TFit& a_Fit)
+{
     if (StandardOutputOption(a_Arguments).empty())
     {
-        Results.szStandardOutput = (a_Arguments.bJson ? JsonReport : TextReport)(a_Points, a_Fit, a_Arguments.bSummary);
+        (a_Arguments.bJson ? WriteJsonReport : WriteTextReport)(a_Points, a_Fit, a_Arguments.bSummary,
+                                                                WriteStandardOutput);
     }
-    return Results;
 }
 
 // Doubts about the outputs, beside those about the fit.
@@ -207,6 +212,7 @@ static void Run(const TArguments& a_Arguments)
     AddOutputWarnings(a_Arguments, Points, Fit);
     const TResults Results = WriteResults(a_Arguments, Points, Fit);
     WriteStandardOutput(Results.szStandardOutput);
+    WriteReport(a_Arguments, Points, Fit);
     for (const std::unique_ptr<TOutput>& Output : Results.vOutputs)
     {
         PutInPlace(*Output);

@@ -6,13 +6,14 @@
 #define NUV_FITPOINTS_REPORT_H
 
 #include "fit.h"
+#include "text.h"
 
 namespace fitpoints {
 
-// A summary leaves out the residuals of the points.
-std::string TextReport(const TPoints& a_Points, const TFit& a_Fit, bool a_bSummary);
+// The report is written part by part: that of a million points would take much memory. A summary leaves out the points.
+void WriteTextReport(const TPoints& a_Points, const TFit& a_Fit, bool a_bSummary, const TWrite& a_Write);
 
-std::string JsonReport(const TPoints& a_Points, const TFit& a_Fit, bool a_bSummary);
+void WriteJsonReport(const TPoints& a_Points, const TFit& a_Fit, bool a_bSummary, const TWrite& a_Write);
 
 } // namespace fitpoints
 

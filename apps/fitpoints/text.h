@@ -5,6 +5,7 @@
 #ifndef NUV_FITPOINTS_TEXT_H
 #define NUV_FITPOINTS_TEXT_H
 
+#include <functional>
 #include <stdexcept>
 #include <string>
 
@@ -15,6 +16,12 @@ struct TFailure : std::runtime_error
 {
     using std::runtime_error::runtime_error;
 };
+
+// Takes the next part of a long text.
+using TWrite = std::function<void(const std::string&)>;
+
+// A long text is passed on when it has about this size.
+static const std::size_t BUFFERED_BYTES = 256 * 1024;
 
 // Throws TFailure with "<place>: <what>".
 [[noreturn]] void Fail(const std::string& a_szPlace, const std::string& a_szWhat);

@@ -186,9 +186,16 @@ void CheckParameters(const nlohmann::json& a_Parameters)
     }
 }
 
+template <class TReport> std::string Written(TReport a_Report, const TPoints& a_Points, const TFit& a_Fit)
+{
+    std::string szReport;
+    a_Report(a_Points, a_Fit, false, [&](const std::string& a_szText) { szReport += a_szText; });
+    return szReport;
+}
+
 void CheckJson(const TPoints& a_Points, const TFit& a_Fit)
 {
-    const nlohmann::json Json = nlohmann::json::parse(JsonReport(a_Points, a_Fit, false));
+    const nlohmann::json Json = nlohmann::json::parse(Written(WriteJsonReport, a_Points, a_Fit));
     NUV_CHECK(Json.at("n") == a_Points.vPoints.size() && Json.at("points").size() == a_Points.vPoints.size());
     CheckFrames(Json.at("frames"));
     CheckParameters(Json.at("parameters"));
@@ -243,7 +250,7 @@ void FitAndReport(const std::string& a_szFile, const judgement::TOptions& a_Opti
     CheckRoundTrip(Points);
     const TFit Fit = FitPoints(Points, a_Options);
     CheckFit(Points, a_Options, Fit);
-    NUV_CHECK(IsPlain(TextReport(Points, Fit, false)));
+    NUV_CHECK(IsPlain(Written(WriteTextReport, Points, Fit)));
     CheckJson(Points, Fit);
     CheckWorldFile(Points, Fit);
     CheckScript(Points, Fit);

@@ -359,6 +359,10 @@ static void AddStatistics(const TCase& a_Case, const TPointJudgement* a_vPoints,
         const int i = a_Case.Fitted.viIndex[j];
         a_Result.iLargest = a_vPoints[i].dLength > a_vPoints[a_Result.iLargest].dLength ? i : a_Result.iLargest;
     }
+    for (int k = 0; k < KINDS; ++k) // from the index in the fitted points to that in all points
+    {
+        a_Result.vKinds[k].iLeaveGreatest = a_Case.Fitted.viIndex[a_Result.vKinds[k].iLeaveGreatest];
+    }
     AddOriginalFrame(a_Case, a_Result);
     AddCovariances(a_Case, a_Result);
 }

@@ -183,6 +183,42 @@ TEST_F(FitPoints, CheckPointsAreNoArgumentsForGdal)
     EXPECT_EQ("-gcp 0.5 0.5 0 0\n-gcp 10.5 10.5 10 10\n", Run({"p.csv", "--gcp", "-"}).szOut);
 }
 
+// X = 2 x, Y = 2 y with y upwards, as QGIS counts it; the last point is 8 units too far to the east and 4 to the south.
+// Its residuals in pixels, computed less given, are counted to the right and downwards.
+TEST_F(FitPoints, TheGeoreferencerGetsItsFileBackWithResidualsInPixels)
+{
+    const std::string szCrs = "#CRS: GEOGCRS[\"WGS 84\"]\n";
+    Write("p.points", szCrs + "mapX,mapY,sourceX,sourceY\n0,0,0,0\n200,0,100,0\n200,-200,100,-100\n0,-200,0,-100\n");
+    const std::string szExact = Run({"p.points", "--method", "affine", "--points", "-"}).szOut;
+    const std::string szHeader = "mapX,mapY,sourceX,sourceY,enable,dX,dY,residual\n";
+    EXPECT_EQ(0u, szExact.find(szCrs + szHeader + "0,0,0,0,1,"));
+    Write("p.points", "mapX,mapY,sourceX,sourceY,enable\n0,0,0,0,1\n200,0,100,0,1\n200,-200,100,-100,1\n"
+                      "0,-200,0,-100,1\n108,-104,50,-50,0\n");
+    const std::string szText = Run({"p.points", "--method", "affine", "--points", "q.points"}).szOut;
+    std::istringstream Lines(Contents("q.points"));
+    std::string szLine;
+    while (std::getline(Lines, szLine) && szLine.find("108,") != 0)
+    {}
+    const json Row = json::parse("[" + szLine + "]");
+    ASSERT_EQ(8u, Row.size()) << szLine;
+    EXPECT_EQ(json({108, -104, 50, -50, 0}), json(std::vector<int>(Row.begin(), Row.begin() + 5)));
+    EXPECT_NEAR(4, Row[5], 1e-9);
+    EXPECT_NEAR(2, Row[6], 1e-9);
+    EXPECT_NEAR(std::sqrt(20), Row[7], 1e-9);
+    const json Again = RunJson({"q.points", "--method", "affine"});
+    EXPECT_EQ(RunJson({"p.points", "--method", "affine"}).at("frames"), Again.at("frames"));
+    EXPECT_EQ(1, Again.at("check_points"));
+}
+
+TEST_F(FitPoints, ACsvFileBecomesAFileOfTheGeoreferencerWithItsCorners)
+{
+    Write("p.csv", Header + "0,0,10,20\n99.5,0,110,20\n0,7,10,13\n");
+    const std::string szText = Run({"p.csv", "--method", "affine", "--points", "-"}).szOut;
+    EXPECT_NE(std::string::npos, szText.find("\n10,20,0.5,-0.5,1,"));
+    EXPECT_NE(std::string::npos, szText.find("\n110,20,100,-0.5,1,"));
+    EXPECT_NE(std::string::npos, szText.find("\n10,13,0.5,-7.5,1,"));
+}
+
 TEST_F(FitPoints, ProjReadsTheDefinition)
 {
     const TCoefs Similarity = {1.5, -0.5, 500000, 0.5, 1.5, -2048, 0, 0};

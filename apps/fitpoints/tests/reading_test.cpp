@@ -143,7 +143,8 @@ TEST_F(FitPoints, CheckPointsAreComparedButNotFitted)
     EXPECT_NEAR(2.5, Fit.at("check_rms"), 1e-12); // sqrt((9 + 16) / 4): two points have four coordinates
     const std::string szText = Run({"p.csv", "--method", "affine"}).szOut;
     EXPECT_NE(std::string::npos, szText.find("points:  4 used, 2 check points\n"));
-    EXPECT_NE(std::string::npos, szText.find("      2      3             -3              4              5\n"));
+    EXPECT_NE(std::string::npos,
+              szText.find("      2      3             -3              4              5            3           -4\n"));
     EXPECT_NE(std::string::npos, szText.find("RMS of the check points: 2.5\n"));
 }
 

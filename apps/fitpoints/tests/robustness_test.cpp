@@ -149,10 +149,10 @@ TEST_F(FitPointsSlow, TheGreatestFileTakesTheMemoryThatIsPromisedAndWithLessFail
     }
     EXPECT_LT(fs::file_size("p.csv"), 256 * MiB);
     EXPECT_GT(fs::file_size("p.csv"), 240 * MiB);
-    Prepare = [] { Limit(RLIMIT_AS, 1536 * MiB); };
+    Prepare = [] { Limit(RLIMIT_AS, 1024 * MiB); };
     const TRun Result = Run({"p.csv", "--json"}, "/dev/null");
     EXPECT_EQ(0, Result.iCode) << Result.szError;
-    Prepare = [] { Limit(RLIMIT_AS, 800 * MiB); }; // enough to read and fit the points, but not to report them
+    Prepare = [] { Limit(RLIMIT_AS, 400 * MiB); }; // enough to read the points, but not to judge them
     Write("p.wld", "old world");
     ExpectFailure({"p.csv", "--json", "--method", "affine", "--world", "p.wld"}, "not enough memory");
     EXPECT_EQ("old world", Contents("p.wld"));
