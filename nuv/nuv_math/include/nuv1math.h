@@ -193,7 +193,7 @@ enum enumMethodUsed
 /** @cond */
 /* CalcCoefs writes an enumMethodUsed of the size of int. With -fshort-enums, the default of bare-metal ARM compilers,
  * the caller would reserve one byte for it. */
-typedef char nuv1math_needs_the_option_fno_short_enums[sizeof(enumMethodUsed) == sizeof(int) ? 1 : -1];
+typedef char nuv1math_needs_the_option_fno_short_enums[sizeof(enumMethodUsed) == sizeof(int) ? 1 : -1]; // NOLINT
 /** @endcond */
 
 /** @defgroup fits Transformation from control points
