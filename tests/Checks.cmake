@@ -37,7 +37,7 @@ endif()
 
 nuv_add_check(sources slow) # how the sources compile
 nuv_add_check(links quick)  # what the documents name exists
-if(NUV1MATH_DOXYGEN AND NUV1MATH_NODE)
+if(TARGET site)
   nuv_add_check(site quick) # the pages for a browser
 endif()
 
