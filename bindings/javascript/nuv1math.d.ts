@@ -1,0 +1,78 @@
+// nuv1math.d.ts: types of nuv1math.mjs.
+// Copyright (c) 2026 the nuv1math authors
+// SPDX-License-Identifier: MIT
+
+import type { Functions, TJudgement, TKindRow, TPointJudgement, TShape } from './interface.mjs';
+import * as constants from './interface.mjs';
+
+export { constants };
+
+/** x and y. */
+export type Point = [number, number];
+
+export type Kind = 'conformal' | 'affine' | 'omographic';
+
+export interface FitOptions {
+    /** The kind, or how it is chosen: by the least leave-one-out error ('auto', the default), or the richest one. */
+    kind?: Kind | 'auto' | 'richest';
+    /** The conformal kind reverses the orientation of the axes. Default: false. */
+    mirrored?: boolean;
+    /** Compute with coordinates that count from local origins. Default: true. */
+    localOrigin?: boolean;
+    /** Drop suspected blunders one by one. Default: false. */
+    robust?: boolean;
+    /** Level of the test of blunders, between 0 and 1; 0 for no test. Default: 0.01. */
+    level?: number;
+    /** Indices of check points: not fitted, but with residuals. */
+    checks?: number[];
+}
+
+/** There is no such transformation. */
+export class FitError extends Error {
+    /** One of constants.enumReason. */
+    reason: number;
+}
+
+/** A transformation with all that is known of it. */
+export class Fit {
+    readonly kind: Kind;
+    /** Why this kind was taken. */
+    readonly choice: string;
+    /** The table of kinds, poorest first; `reason` is empty for a kind that exists. */
+    readonly kinds: (TKindRow & { kind: Kind; reason: string })[];
+    /** In original coordinates; null if the transformation has no such coefficients. */
+    readonly matrix: [number[], number[], number[]] | null;
+    /** Root mean square by degrees of freedom, target units; null without redundancy. */
+    readonly rms: number | null;
+    /** Computed less given, target units. */
+    readonly residuals: Point[];
+    /** Scales, and skew and rotation in radians; null if there are none. */
+    readonly parameters: TShape | null;
+    readonly judgement: TJudgement;
+    readonly points: TPointJudgement[];
+    /** Images of source points. Throws a FitError for a point without an image. */
+    transform(points: Point[]): Point[];
+    /** Source points of images. */
+    inverse(points: Point[]): Point[];
+    toString(): string;
+}
+
+export interface LoadOptions {
+    /** The contents of the module, instead of the files beside nuv1math.mjs. */
+    bytes?: BufferSource;
+    /** Take the module with vectors. Default: if the engine has them. */
+    vectors?: boolean;
+    /** Gets the text of an assertion report. Default: console.error. */
+    report?: (text: string) => void;
+}
+
+/** An instance of the module. */
+export class Library {
+    /** The functions of C; arrays and records are addresses in `functions.memory`. */
+    readonly functions: Functions;
+    /** The text of an assertion report, after which every call throws; else null. */
+    readonly broken: string | null;
+    fit(source: Point[], target: Point[], options?: FitOptions): Fit;
+}
+
+export function load(options?: LoadOptions): Promise<Library>;

@@ -1,0 +1,285 @@
+// nuv1math.mjs: the library nuv1math and the judgement of control points, as WebAssembly, in node and in browsers.
+// Copyright (c) 2026 the nuv1math authors
+// SPDX-License-Identifier: MIT
+//
+// All numbers are computed by the module of WebAssembly. This file only moves them into its memory and out of it.
+
+import * as constants from './interface.mjs';
+
+const { enumChoice, enumMethod, enumMethodUsed, enumReason, enumRole, records, KINDS, USUAL_LEVEL } = constants;
+export { constants };
+
+const DOUBLE = 8;
+const INT = 4;
+
+// A module that uses vectors, and does nothing else.
+const VECTOR_PROBE = new Uint8Array([0, 97, 115, 109, 1, 0, 0, 0, 1, 5, 1, 96, 0, 1, 123, 3, 2, 1, 0, 10, 10, 1, 8, 0,
+    65, 0, 253, 15, 253, 98, 11]);
+
+// The library could not do what it was asked for. `reason` is one of enumReason, or of the result codes of nuv1math.h.
+export class FitError extends Error {
+    constructor(reason, text) {
+        super(text);
+        this.name = 'FitError';
+        this.reason = reason;
+    }
+}
+
+// 'METHOD_AFFINE' of enumMethodUsed -> 'affine'.
+function nameOf(enumeration, value, prefix) {
+    const found = Object.keys(enumeration).find((name) => enumeration[name] === value);
+    return found.slice(prefix.length).toLowerCase().replaceAll('_', ' ');
+}
+
+async function readModule(name) {
+    const url = new URL(name, import.meta.url);
+    if (url.protocol === 'file:') {
+        const { readFile } = await import('node:fs/promises');
+        return readFile(url);
+    }
+    const answer = await fetch(url);
+    if (!answer.ok) {
+        throw new Error(`${url}: ${answer.status} ${answer.statusText}`);
+    }
+    return answer.arrayBuffer();
+}
+
+// Loads a module. options.bytes: its contents, instead of the files beside this one. options.vectors: whether to take
+// the one with vectors; by default if the engine has them. options.report: gets the text of an assertion report.
+export async function load(options = {}) {
+    const vectors = options.vectors ?? WebAssembly.validate(VECTOR_PROBE);
+    const bytes = options.bytes ?? await readModule(vectors ? 'nuv1math-vectors.wasm' : 'nuv1math-plain.wasm');
+    return new Library(await WebAssembly.compile(bytes), options.report ?? ((text) => console.error(text)));
+}
+
+// An instance of the module. `functions` are the C functions, for which arrays and records are addresses in the memory
+// of the module. A report of a broken invariant makes this instance useless: every later call throws.
+export class Library {
+    constructor(module, report) {
+        this.broken = null;
+        const show = (start, length) => {
+            this.broken = new TextDecoder().decode(new Uint8Array(this.functions.memory.buffer, start, length));
+            report(this.broken);
+        };
+        this.functions = new WebAssembly.Instance(module, { nuv1math: { report: show } }).exports;
+        this.functions._initialize();
+    }
+
+    // Calls a function with an arena: what is allocated in it is released when the function ends, also by an exception.
+    using(work) {
+        if (this.broken !== null) {
+            throw new Error(`the library has stopped: ${this.broken}`);
+        }
+        const arena = new Arena(this.functions);
+        try {
+            return work(arena, this.functions);
+        } finally {
+            if (this.broken === null) {
+                arena.release();
+            }
+        }
+    }
+
+    // Fits control points and judges the result. source and target: arrays of [x, y]. See Fit and nuv1math.d.ts.
+    fit(source, target, options = {}) {
+        return this.using((arena, functions) => judge(this, arena, functions, source, target, options));
+    }
+}
+
+// Memory of the module. Memory that grows takes its views with it, so that views are made anew for every access.
+class Arena {
+    constructor(functions) {
+        this.functions = functions;
+        this.addresses = [];
+    }
+
+    allocate(size) {
+        const address = this.functions.malloc(Math.max(size, 1));
+        if (address === 0) {
+            throw new RangeError(`the library has no memory for ${size} bytes`);
+        }
+        this.addresses.push(address);
+        return address;
+    }
+
+    release() {
+        this.addresses.forEach((address) => this.functions.free(address));
+        this.addresses = [];
+    }
+
+    doubles(values) {
+        const address = this.allocate(values.length * DOUBLE);
+        new Float64Array(this.functions.memory.buffer, address, values.length).set(values);
+        return address;
+    }
+
+    ints(values) {
+        const address = this.allocate(values.length * INT);
+        new Int32Array(this.functions.memory.buffer, address, values.length).set(values);
+        return address;
+    }
+
+    record(name, values = {}) {
+        const address = this.allocate(records[name].size);
+        this.write(name, address, values);
+        return address;
+    }
+
+    // Writes the fields; those that the values lack become 0.
+    write(name, address, values) {
+        const view = new DataView(this.functions.memory.buffer);
+        for (const [field, kind, place] of records[name].fields) {
+            if (kind === 'double') {
+                view.setFloat64(address + place, values[field] ?? 0, true);
+            } else if (kind in records) {
+                this.write(kind, address + place, values[field] ?? {});
+            } else {
+                view.setInt32(address + place, values[field] ?? 0, true);
+            }
+        }
+    }
+
+    read(name, address) {
+        const view = new DataView(this.functions.memory.buffer);
+        const value = (kind, at) => kind in records ? this.read(kind, at)
+            : kind === 'double' ? view.getFloat64(at, true) : view.getInt32(at, true);
+        const size = (kind) => records[kind]?.size ?? (kind === 'double' ? DOUBLE : INT);
+        return Object.fromEntries(records[name].fields.map(([field, kind, place, count]) => [field, count === 0
+            ? value(kind, address + place)
+            : Array.from({ length: count }, (_, i) => value(kind, address + place + i * size(kind)))]));
+    }
+}
+
+// The columns of an array of points. Fails unless all are pairs of finite numbers.
+function columns(points, what) {
+    const bad = points.findIndex((point) => point.length !== 2 || !point.every(Number.isFinite));
+    if (bad >= 0) {
+        throw new TypeError(`${what} point ${bad} is not a pair of finite numbers: ${points[bad]}`);
+    }
+    return [points.map(([x]) => x), points.map(([, y]) => y)];
+}
+
+function roleOf(options, count) {
+    const checks = options.checks ?? [];
+    const roles = new Array(count).fill(enumRole.ROLE_FITTED);
+    for (const index of checks) {
+        if (!(Number.isInteger(index) && index >= 0 && index < count)) {
+            throw new RangeError(`check point ${index} is not one of ${count} points`);
+        }
+        roles[index] = enumRole.ROLE_CHECK;
+    }
+    return roles;
+}
+
+function methodOf(options) {
+    const method = enumMethod[`ASK_${(options.kind ?? 'auto').toUpperCase()}`];
+    if (method === undefined) {
+        throw new TypeError(`unknown kind ${options.kind}: auto, richest, conformal, affine or omographic`);
+    }
+    return method;
+}
+
+function judge(library, arena, functions, source, target, options) {
+    if (source.length !== target.length) {
+        throw new TypeError(`${source.length} source points and ${target.length} target points`);
+    }
+    const count = source.length;
+    const [x, y, xa, ya] = [...columns(source, 'source'), ...columns(target, 'target')].map((v) => arena.doubles(v));
+    const points = arena.record('TControlPoints', { iCount: count, vdX: x, vdY: y, vdXa: xa, vdYa: ya });
+    const asked = arena.record('TOptions', {
+        Method: methodOf(options), bMirrored: Number(options.mirrored ?? false),
+        bRaw: Number(!(options.localOrigin ?? true)), bRobust: Number(options.robust ?? false),
+        dLevel: options.level ?? USUAL_LEVEL,
+    });
+    const result = arena.record('TJudgement');
+    const size = records.TPointJudgement.size;
+    const told = arena.allocate(count * size);
+    const reason = functions.nuv_Judge(points, arena.ints(roleOf(options, count)), asked, result, told);
+    if (reason !== enumReason.REASON_NONE) {
+        throw new FitError(reason, `no transformation: ${nameOf(enumReason, reason, 'REASON_')}`);
+    }
+    const each = Array.from({ length: count }, (_, i) => arena.read('TPointJudgement', told + i * size));
+    return new Fit(library, arena.read('TJudgement', result), each);
+}
+
+// A transformation with all that is known of it. `judgement` and `points` are the records of judgement.h.
+export class Fit {
+    #library;
+
+    constructor(library, judgement, points) {
+        this.#library = library;
+        this.judgement = judgement;
+        this.points = points;
+    }
+
+    get kind() {
+        return nameOf(enumMethodUsed, this.judgement.Fit.Kind, 'METHOD_');
+    }
+
+    get choice() {
+        return nameOf(enumChoice, this.judgement.Choice, 'CHOICE_');
+    }
+
+    // The table of kinds, poorest first; `reason` is empty for a kind that exists.
+    get kinds() {
+        return this.judgement.vKinds.slice(0, KINDS).map((row, kind) => ({
+            ...row, kind: nameOf(enumMethodUsed, kind, 'METHOD_'),
+            reason: row.Reason === enumReason.REASON_NONE ? '' : nameOf(enumReason, row.Reason, 'REASON_'),
+        }));
+    }
+
+    // The matrix of the transformation in original coordinates, or null if it has none.
+    get matrix() {
+        const c = this.judgement.Original;
+        return this.judgement.bOriginal ? [[c.dA, c.dB, c.dC], [c.dD, c.dE, c.dF], [c.dG, c.dH, 1]] : null;
+    }
+
+    // Root mean square of the residuals by degrees of freedom, or null without redundancy.
+    get rms() {
+        return this.judgement.iFreedom > 0 ? this.judgement.dRms : null;
+    }
+
+    // Computed less given, [dX, dY] of each point.
+    get residuals() {
+        return this.points.map((point) => [point.dX, point.dY]);
+    }
+
+    // Scales, skew and rotation in radians, or null if there are none.
+    get parameters() {
+        return this.judgement.Shape.bExists ? this.judgement.Shape : null;
+    }
+
+    // Images of source points, as an array of [X, Y].
+    transform(points) {
+        return this.#map('nuv_TransformPoint', points);
+    }
+
+    // Source points of images, as an array of [x, y].
+    inverse(points) {
+        return this.#map('nuv_InversePoint', points);
+    }
+
+    #map(name, points) {
+        return this.#library.using((arena, functions) => {
+            const coefs = arena.record('TOmographicParams', this.judgement.Fit.Coefs);
+            const origins = arena.record('TOrigins', this.judgement.Origins);
+            const [from, to] = [arena.record('TVector'), arena.record('TVector')];
+            return points.map(([x, y], index) => {
+                arena.write('TVector', from, { dX: x, dY: y });
+                const reason = functions[name](coefs, origins, from, to);
+                if (reason !== enumReason.REASON_NONE) {
+                    throw new FitError(reason, `point ${index}: ${nameOf(enumReason, reason, 'REASON_')}`);
+                }
+                const { dX, dY } = arena.read('TVector', to);
+                return [dX, dY];
+            });
+        });
+    }
+
+    toString() {
+        const rms = this.rms === null ? 'no redundancy' : `RMS ${this.rms.toPrecision(4)}`;
+        const suspects = this.judgement.iSuspects;
+        return `${this.kind} transformation of ${this.judgement.iFitted} points, ${rms}`
+            + (suspects > 0 ? `, ${suspects} suspected blunder${suspects > 1 ? 's' : ''}` : '');
+    }
+}

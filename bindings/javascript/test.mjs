@@ -1,0 +1,115 @@
+// test.mjs: the package in node. NUV_PACKAGE is the path of nuv1math.mjs, with both modules beside it.
+// Copyright (c) 2026 the nuv1math authors
+// SPDX-License-Identifier: MIT
+
+import assert from 'node:assert/strict';
+import { test } from 'node:test';
+import process from 'node:process';
+
+const { constants, FitError, load } = await import(process.env.NUV_PACKAGE);
+
+const SOURCE = [[0, 0], [100, 0], [100, 80], [0, 80], [40, 30], [70, 60], [20, 50]];
+const TARGET = SOURCE.map(([x, y]) => [1000 + 2 * x - 0.5 * y, 2000 + 0.5 * x + 2 * y]);
+
+const libraries = { vectors: await load({ vectors: true }), plain: await load({ vectors: false }) };
+
+function bits(value) {
+    return new BigUint64Array(new Float64Array([value]).buffer)[0].toString(16).padStart(16, '0');
+}
+
+for (const [name, library] of Object.entries(libraries)) {
+    test(`${name}: the C functions give the bits that C, C# and Pascal print`, () => {
+        const used = library.using((arena, functions) => {
+            const [x, y, xa, ya] = [[0, 100, 100, 0, 40], [0, 0, 80, 80, 30], [12.1, 110.7, 112.4, 9.8, 51.3],
+                [7.9, 11.2, 92.6, 86.1, 38.5]].map((values) => arena.doubles(values));
+            const [kind, coefs] = [arena.ints([0]), arena.record('TOmographicParams')];
+            const omographic = constants.enumMethodUsed.METHOD_OMOGRAPHIC;
+            assert.equal(functions.nuv_CalcCoefs(5, x, y, xa, ya, 1, omographic, kind, coefs), 1);
+            return arena.read('TOmographicParams', coefs);
+        });
+        assert.equal(bits(used.dA), process.env.NUV_EXPECTED_BITS);
+    });
+
+    test(`${name}: a similarity is found, and goes both ways`, () => {
+        const fit = library.fit(SOURCE, TARGET);
+        assert.equal(fit.kind, 'conformal');
+        assert.ok(fit.rms < 1e-9);
+        assert.ok(Math.abs(fit.matrix[0][0] - 2) < 1e-12 && Math.abs(fit.matrix[1][0] - 0.5) < 1e-12);
+        const [[x, y]] = fit.inverse(fit.transform([[12, 34]]));
+        assert.ok(Math.hypot(x - 12, y - 34) < 1e-9);
+        assert.match(String(fit), /^conformal transformation of 7 points, RMS /);
+    });
+
+    test(`${name}: a blunder is suspected`, () => {
+        const target = TARGET.map(([x, y], i) => [x + (i === 3 ? 50 : 0.01 * (i % 2)), y - 0.01 * (i % 3)]);
+        const fit = library.fit(SOURCE, target, { kind: 'affine' });
+        assert.deepEqual(fit.points.map((point) => point.bSuspect), [0, 0, 0, 1, 0, 0, 0]);
+        const robust = library.fit(SOURCE, target, { kind: 'affine', robust: true });
+        assert.equal(robust.judgement.iDropped, 1);
+        assert.ok(robust.rms < 0.05);
+    });
+
+    test(`${name}: check points are not fitted`, () => {
+        const target = TARGET.map(([x, y], i) => [x + (i === 6 ? 5 : 0), y]);
+        const fit = library.fit(SOURCE, target, { checks: [6] });
+        assert.equal(fit.judgement.iChecks, 1);
+        assert.ok(Math.abs(fit.residuals[6][0] + 5) < 1e-9);
+    });
+}
+
+test('both modules give the same bits', () => {
+    const [one, other] = Object.values(libraries).map((library) => {
+        const fit = library.fit(SOURCE, TARGET.map(([x, y], i) => [x + Math.sin(i), y + Math.cos(3 * i)]));
+        return JSON.stringify([fit.judgement, fit.points]);
+    });
+    assert.equal(one, other);
+});
+
+test('a failure is an error that tells the reason', () => {
+    const same = SOURCE.map(() => [1, 1]);
+    assert.throws(() => libraries.plain.fit(same, TARGET), (error) => error instanceof FitError
+        && error.reason === constants.enumReason.REASON_SOURCE_EQUAL && /source equal/.test(error.message));
+    assert.throws(() => libraries.plain.fit(SOURCE, TARGET.slice(1)), /7 source points and 6 target points/);
+    assert.throws(() => libraries.plain.fit([...SOURCE.slice(1), [NaN, 1]], TARGET), /source point 6 is not a pair/);
+    assert.throws(() => libraries.plain.fit(SOURCE, TARGET, { kind: 'cubic' }), /unknown kind cubic/);
+    assert.throws(() => libraries.plain.fit(SOURCE, TARGET, { checks: [7] }), /check point 7/);
+});
+
+test('an assertion report reaches its reader and stops the library', async () => {
+    let shown = '';
+    const library = await load({ vectors: false, report: (text) => { shown = text; } });
+    const untransform = () => library.using((arena, functions) => {
+        const coefs = arena.record('TAffineCoefs', { dA: 1, dB: 1, dC: 0, dD: 1, dE: 1, dF: 0 });
+        functions.nuv_AffineUntransform(coefs, 1, 0, arena.doubles([0]), arena.doubles([0]));
+    });
+    assert.throws(untransform, WebAssembly.RuntimeError);
+    assert.match(shown, /affine\.cpp:443 assertion failure:\niResult!= RET_IMPOSSIBLE$/);
+    assert.throws(() => library.fit(SOURCE, TARGET), /the library has stopped/);
+});
+
+test('memory grows while it is used, and is released', async () => {
+    const library = await load({ vectors: false });
+    const many = Array.from({ length: 100000 }, (_, i) => [i % 317, Math.floor(i / 317)]);
+    const before = library.functions.memory.buffer.byteLength;
+    assert.equal(library.fit(many, many, { kind: 'affine', level: 0 }).kind, 'affine');
+    const after = library.functions.memory.buffer.byteLength;
+    assert.ok(after > before);
+    library.fit(many, many, { kind: 'affine', level: 0 });
+    assert.equal(library.functions.memory.buffer.byteLength, after);
+});
+
+test('a million calls leak nothing', async () => {
+    const library = await load();
+    const call = () => library.using((arena, functions) => {
+        functions.nuv_ConformalParamsToCoefs(2, 0.5, 1, 1, arena.record('TConformalCoefs'));
+    });
+    call();
+    const before = library.functions.memory.buffer.byteLength;
+    for (let i = 0; i < 1000000; ++i) {
+        call();
+    }
+    for (let i = 0; i < 1000; ++i) {
+        assert.throws(() => library.fit(SOURCE, SOURCE.map(() => [1, 1])), FitError);
+    }
+    assert.equal(library.functions.memory.buffer.byteLength, before);
+});
