@@ -13,6 +13,7 @@
 
 #include <algorithm>
 #include <array>
+#include <limits>
 #include <memory>
 #include <random>
 
@@ -432,6 +433,23 @@ TEST_P(Forms, SolveTrigonometricEquations)
         ASSERT_EQ(PlainForm.pSolveQuadTrig(k[0], k[1], k[2], k[3], k[4], k[5], vdExpected.data()),
                   GetParam().pSolveQuadTrig(k[0], k[1], k[2], k[3], k[4], k[5], vdActual.data()));
         ASSERT_TRUE(SameArrays(vdExpected, vdActual));
+    }
+}
+
+// The first generator, of the longest cycle, passes through all of its states; the others pass through all of theirs.
+TEST_P(Forms, DrawRandomNumbers)
+{
+    constexpr int CYCLE = 259200;
+    for (const int iSeed : {1, 0, -1, 54773, 54774, 313973, std::numeric_limits<int>::min()})
+    {
+        SCOPED_TRACE(iSeed);
+        PlainForm.pSetRandomSeed(iSeed);
+        GetParam().pSetRandomSeed(iSeed);
+        for (int i = 0; i < (iSeed == 1 ? CYCLE : 1000); ++i)
+        {
+            ASSERT_TRUE(SameBits(PlainForm.pRand(), GetParam().pRand())) << i;
+        }
+        ASSERT_TRUE(SameBits(PlainForm.pRandn(), GetParam().pRandn()));
     }
 }
 

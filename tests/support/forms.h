@@ -55,6 +55,9 @@ struct TForm
     int (*pRoots)(unsigned int, const double*, double*, double);
     int (*pSolveLinTrig)(double, double, double, double*);
     int (*pSolveQuadTrig)(double, double, double, double, double, double, double*);
+    void (*pSetRandomSeed)(int);
+    double (*pRand)();
+    double (*pRandn)();
     int (*pFitConformal)(const TControlPoints&, std::vector<double>&);
     int (*pFitAffine)(const TControlPoints&, std::vector<double>&);
     int (*pFitOmographic)(const TControlPoints&, std::vector<double>&);
@@ -71,7 +74,8 @@ template <class TRecord> void CopyFields(const TRecord& a_Record, std::vector<do
     {                                                                                                                  \
 #a_Namespace, a_Namespace::Cholesky, a_Namespace::SolveChol, a_Namespace::CholeskyLowTri,                      \
             a_Namespace::SolveCholLowTri, a_Namespace::UpdateNormMatrixLowTri, a_Namespace::Roots,                     \
-            a_Namespace::SolveLinTrig, a_Namespace::SolveQuadTrig,                                                     \
+            a_Namespace::SolveLinTrig, a_Namespace::SolveQuadTrig, a_Namespace::SetRandomSeed, a_Namespace::Rand,      \
+            a_Namespace::Randn,                                                                                        \
             [](const TControlPoints& p, std::vector<double>& a_vdFields) {                                             \
                 auto Coefs = Filled<a_Namespace::TConformalCoefs>();                                                   \
                 const int iResult =                                                                                    \

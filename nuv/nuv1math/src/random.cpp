@@ -3,6 +3,9 @@
 // SPDX-License-Identifier: MIT
 
 #include "random.h"
+
+#include "fast/forms.h"
+#include "fast/randomfast.h"
 #include "functionsimp.h"
 #include "nuv1math.h"
 
@@ -22,6 +25,7 @@ namespace nuv {
 //            follows brings every state below its modulus.
 // Order      All integer arithmetic is unsigned, with 32 bits. Once the states are below their moduli, no product
 //            overflows (7141 * 259199 is below 2^31).
+// Faster     fast/randomfast.h.
 // Source     C. Bays, S. D. Durham, Improving a poor random number generator, ACM Trans. Math. Softw. 2 (1976) 59-64;
 //            G. Marsaglia, T. A. Bray, A convenient method for generating normal variables, SIAM Rev. 6 (1964) 260-264.
 // ---------------------------------------------------------------------------------------------------------------------
@@ -61,9 +65,12 @@ struct TRandomState
 
 static TRandomState g_State;
 
-static void Advance(unsigned int a_iMultiplier, unsigned int a_iIncrement, unsigned int a_iModulus, unsigned int& ix)
+// A step of a generator whose state is below its modulus.
+static NUV_HOST_INLINE void Advance(unsigned int a_iMultiplier, unsigned int a_iIncrement, unsigned int a_iModulus,
+                                    unsigned int& ix)
 {
-    ix = (a_iMultiplier * ix + a_iIncrement) % a_iModulus;
+    ix = PRODUCTS_PAY ? AdvanceByProduct(a_iMultiplier, a_iIncrement, a_iModulus, ix)
+                      : (a_iMultiplier * ix + a_iIncrement) % a_iModulus;
 }
 
 // Advances the first two generators and combines them into a value in [0, 1).
@@ -80,7 +87,7 @@ void SetRandomSeed(int a_iSeed)
     // every supported compiler truncates it towards zero.
     const int iDistance = static_cast<int>(INCREMENT_1 - static_cast<unsigned int>(a_iSeed));
     g_State.ix1 = static_cast<unsigned int>(iDistance % static_cast<int>(MODULUS_1));
-    Advance(MULTIPLIER_1, INCREMENT_1, MODULUS_1, g_State.ix1);
+    g_State.ix1 = (MULTIPLIER_1 * g_State.ix1 + INCREMENT_1) % MODULUS_1; // the remainder can be negative
     g_State.ix2 = g_State.ix1 % MODULUS_2;
     Advance(MULTIPLIER_1, INCREMENT_1, MODULUS_1, g_State.ix1);
     g_State.ix3 = g_State.ix1 % MODULUS_3;
