@@ -18,6 +18,7 @@
 
 #include <array>
 #include <cmath>
+#include <cstdint>
 #include <memory>
 #include <random>
 
@@ -94,18 +95,47 @@ template <class TDraw> static auto Gsl(const gsl_rng_type* a_pType, TDraw a_Draw
 }
 #endif
 
+// (a ix + c) mod m with the shortest chain of operations: the quotient does not wait for a ix + c.
+static unsigned int Step(unsigned int a, unsigned int c, unsigned int m, unsigned int ix)
+{
+    constexpr int BITS = 36; // enough for these moduli
+    const std::uint64_t iSlope = (std::uint64_t(a) << BITS) / m + 1, iOffset = (std::uint64_t(c) << BITS) / m + 1;
+    return a * ix + c - static_cast<unsigned int>((iSlope * ix + iOffset) >> BITS) * m;
+}
+
+using TStates = std::array<unsigned int, 3>;
+
 // A step of the three congruential generators of Rand, without the rest of Rand. Each step waits for the one before.
-static void StepGenerators(std::array<unsigned int, 3>& a_vix)
+static void StepGenerators(TStates& a_vix)
 {
     unsigned int ix1 = a_vix[0], ix2 = a_vix[1], ix3 = a_vix[2];
     for (int i = 0; i < DRAWS; ++i)
     {
-        ix1 = (7141U * ix1 + 54773U) % 259200U;
-        ix2 = (8121U * ix2 + 28411U) % 134456U;
-        ix3 = (4561U * ix3 + 51349U) % 243000U;
+        ix1 = Step(7141, 54773, 259200, ix1);
+        ix2 = Step(8121, 28411, 134456, ix2);
+        ix3 = Step(4561, 51349, 243000, ix3);
         asm volatile("" : "+r"(ix1), "+r"(ix2), "+r"(ix3)); // forces every step, in registers
     }
     a_vix = {ix1, ix2, ix3};
+}
+
+static TStates g_vixCalled = {1, 2, 3}; // in memory, as the library has its own
+
+__attribute__((noinline)) static void StepCalled()
+{
+    g_vixCalled[0] = Step(7141, 54773, 259200, g_vixCalled[0]);
+    g_vixCalled[1] = Step(8121, 28411, 134456, g_vixCalled[1]);
+    g_vixCalled[2] = Step(4561, 51349, 243000, g_vixCalled[2]);
+    asm volatile("" : : : "memory");
+}
+
+// The same with a call for every step.
+static void CallGenerators(TStates&)
+{
+    for (int i = 0; i < DRAWS; ++i)
+    {
+        StepCalled();
+    }
 }
 
 static void AddUniform()
@@ -136,8 +166,8 @@ static void AddUniform()
         Peer(std::string("GSL gsl_rng_uniform, ") + pType->name, Gsl(pType, gsl_rng_uniform));
     }
 #endif
-    Contest.Floor(EKind::ORDER, "chain of the three generators", DRAWS, std::array<unsigned int, 3>{1, 2, 3},
-                  StepGenerators);
+    Contest.Floor(EKind::ORDER, "chain of the three generators", DRAWS, TStates{1, 2, 3}, StepGenerators);
+    Contest.Floor(EKind::ORDER, "chain of the three generators and a call", DRAWS, TStates(), CallGenerators);
 }
 
 static void AddNormal()

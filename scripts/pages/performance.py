@@ -28,8 +28,8 @@ REASONS = {
                                 "long as the operations.",
     "SolveLinTrig": "Two arc tangents take most of both times.",
     "Rand": "It computes three remainders for each value; the fastest other only shifts and combines bits.",
-    "Randn": "It takes a root and a logarithm for each pair; the faster ones use the ziggurat method, which rarely "
-             "needs either.",
+    "Randn": "Half of its time are the uniform numbers, 1.27 for each value, and the rest a logarithm, a quotient and "
+             "a root for each pair; the faster ones use the ziggurat method, which rarely needs these.",
 }
 LEVEL = 0.05  # differences that two runs can show
 
@@ -176,9 +176,9 @@ one does not.
 Floors are lower bounds, measured in the same run. *Reading* is one pass over the input, 16 bytes at a time.
 *Arithmetic* performs as many operations as the routine in independent chains, two at a time (SSE2, without fused
 multiply-add); products with zero coefficients do not count. The *chain* is the longest sequence of dependent additions
-that the fixed order of the operations imposes, for `Rand` the longest of its three generators. A routine can be faster
-than the arithmetic floor where it uses wider vectors. The iterations of the roots depend on the data, so they have no
-floor.
+that the fixed order of the operations imposes, for `Rand` the longest of its three generators: in registers, and in
+memory with a call for each value. A routine can be faster than the arithmetic floor where it uses wider vectors. The
+iterations of the roots depend on the data, so they have no floor.
 
 {versions(contexts)}
 
