@@ -237,14 +237,6 @@ struct TShift
     double dW;
 };
 
-// A vector of which a reflection leaves only the first element. Its length does not matter, so it is scaled.
-struct TReflectedVector
-{
-    double dP;
-    double dQ;
-    double dR;
-};
-
 } // namespace
 
 // Sum of the magnitudes of the upper triangle and the subdiagonal.
@@ -388,12 +380,7 @@ static void ReflectColumns(double* const* A, int k, int l, int nn, const TReflec
     double* const vdFirst = &At(A, 1, k);
     double* const vdSecond = &At(A, 1, k + 1);
     double* const vdThird = bThree ? &At(A, 1, k + 2) : vdSecond;
-    int i = l - 1;
-    if (HAS_VECTORS && bThree) // equivalent: both forms give the same bits
-    {
-        i = ReflectColumnsByPairs(i, k - 1, a_H, vdFirst, vdSecond, vdThird);
-    }
-    for (; i < iLast; ++i)
+    for (int i = l - 1; i < iLast; ++i)
     {
         double dP = a_H.dX * vdFirst[i] + a_H.dY * vdSecond[i];
         if (bThree)
@@ -406,13 +393,20 @@ static void ReflectColumns(double* const* A, int k, int l, int nn, const TReflec
     }
 }
 
-// Loads the vector that step k > m of the sweep reflects: column k-1 from row k down. It is divided by the sum of its
-// magnitudes, which is returned.
-static double LoadReflectedVector(double* const* A, int k, int nn, TReflectedVector& a_V)
+// Loads the vector that the step behind step k reflects: column k from row k+1 down.
+static void LoadNextVector(double* const* A, int k, int nn, TReflectedVector& a_V)
 {
-    a_V.dP = At(A, k, k - 1);
-    a_V.dQ = At(A, k + 1, k - 1);
-    a_V.dR = k != nn - 1 ? At(A, k + 2, k - 1) : 0.0;
+    if (k < nn - 1)
+    {
+        a_V.dP = At(A, k + 1, k);
+        a_V.dQ = At(A, k + 2, k);
+        a_V.dR = k + 1 != nn - 1 ? At(A, k + 3, k) : 0.0;
+    }
+}
+
+// Divides the vector by the sum of its magnitudes, which is returned.
+static double ScaleVector(TReflectedVector& a_V)
+{
     const double dScale = fabs(a_V.dP) + fabs(a_V.dQ) + fabs(a_V.dR);
     if (!IsZero(dScale))
     {
@@ -424,15 +418,16 @@ static double LoadReflectedVector(double* const* A, int k, int nn, TReflectedVec
     return dScale;
 }
 
-// Step k of the sweep that starts in row m: the reflection that clears column k-1 below row k, from both sides. The
-// first step, k = m, reflects the vector that is passed.
-static void SweepStep(double* const* A, int k, int m, int l, int nn, TReflectedVector a_V)
+// Step k of the sweep that starts in row m: the reflection of a vector that clears column k-1 below row k, from both
+// sides. The vector of the first step, k = m, is scaled already. It is replaced by that of the next step.
+static NUV_HOST_INLINE void SweepStep(double* const* A, int k, int m, int l, int nn, TReflectedVector& a_V)
 {
-    const double dScale = k != m ? LoadReflectedVector(A, k, nn, a_V) : 0.0;
+    const double dScale = k != m ? ScaleVector(a_V) : 0.0;
     const double dLength = SquareRoot(a_V.dP * a_V.dP + a_V.dQ * a_V.dQ + a_V.dR * a_V.dR);
     const double dS = a_V.dP < 0.0 ? -dLength : dLength; // by value: -0.0 is not negative
     if (IsZero(dS))
     {
+        LoadNextVector(A, k, nn, a_V);
         return;
     }
     if (k != m)
@@ -447,19 +442,25 @@ static void SweepStep(double* const* A, int k, int m, int l, int nn, TReflectedV
     const double dInvS = Quotient(1.0, dS);
     const double dInvP = Quotient(1.0, dP);
     const TReflection H = {dP * dInvS, a_V.dQ * dInvS, a_V.dR * dInvS, a_V.dQ * dInvP, a_V.dR * dInvP};
+    if (HAS_VECTORS && k != nn - 1) // equivalent: both forms give the same bits
+    {
+        ReflectBothSides(A, k, l, nn, H, a_V);
+        return;
+    }
     ReflectRows(A, k, nn, H);
     ReflectColumns(A, k, l, nn, H);
+    LoadNextVector(A, k, nn, a_V);
 }
 
 // One double QR step in the rows and columns l to nn.
 static void DoubleStep(double* const* A, int l, int nn, const TShift& a_Shift)
 {
-    TReflectedVector First;
-    const int m = FindSweepStart(A, l, nn, a_Shift, First);
+    TReflectedVector V;
+    const int m = FindSweepStart(A, l, nn, a_Shift, V);
     ClearBelowSubdiagonal(A, m, nn);
     for (int k = m; k < nn; ++k)
     {
-        SweepStep(A, k, m, l, nn, First);
+        SweepStep(A, k, m, l, nn, V);
     }
 }
 

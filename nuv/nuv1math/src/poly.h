@@ -25,6 +25,14 @@ void ReduceToHessenberg(int a_iN, double* a_vdMatrix, int a_iStride);
 // positions that were not found by then are not written. For n < 1 nothing is touched and the result is 1.
 int HessenbergEigenvalues(int a_iN, double* a_vdMatrix, int a_iStride, double* a_vdReal, double* a_vdImaginary);
 
+// A vector of which a reflection leaves only the first element. Its length does not matter, so it is scaled.
+struct TReflectedVector
+{
+    double dP;
+    double dQ;
+    double dR;
+};
+
 // The reflection I - (x, y, z)(1, q, r)^T of three neighbouring rows or columns. The last step of a sweep has only two
 // of them and does not use z and r.
 struct TReflection
