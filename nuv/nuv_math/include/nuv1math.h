@@ -346,6 +346,7 @@ NUV1MATH_API int CalcOmographicCoefs(int a_iPoints, const double* a_vdX, const d
  *    from the perpendicular towards the image of the x axis;
  *  - tx, ty: the translations.
  *
+ *  The coefficients are
  *  @f[ a = s_x \cos\theta, \quad b = s_y (\cos\theta \tan\varphi - \sin\theta), \quad c = t_x @f]
  *  @f[ d = s_x \sin\theta, \quad e = s_y (\sin\theta \tan\varphi + \cos\theta), \quad f = t_y @f]
  *
