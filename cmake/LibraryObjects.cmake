@@ -17,7 +17,8 @@ endif()
 
 # Without floating-point hardware little time is spent between the operations, which are calls. These sources are a tenth
 # smaller and no slower when they are optimised for size. The others are slower.
-set(NUV1MATH_SMALL_SOURCES TRIG.cpp affine.cpp affinefit.cpp affineparams.cpp omographic.cpp)
+set(NUV1MATH_SMALL_SOURCES TRIG.cpp affine.cpp affinefit.cpp affineparams.cpp cholesky.cpp
+  fast/arithmetic.cpp omographic.cpp)
 list(TRANSFORM NUV1MATH_SMALL_SOURCES PREPEND ${NUV1MATH_SOURCE_DIR}/)
 
 # GCC 12 at -O2 joins doubles into vectors. A vector of fields that were just stored one by one waits for the stores, and

@@ -3,8 +3,8 @@
 // SPDX-License-Identifier: MIT
 //
 // All sources that the device runs divide and take roots by these two functions. With floating-point hardware they are
-// the plain operations. Where an operation is a call, they are integer forms, which give the same bits in a sixth to a
-// thirtieth of the instructions.
+// the plain operations. Where an operation is a call, they are integer forms with the same bits: a division takes a fifth
+// of the instructions of the platform's operation, a root less than a thirtieth.
 
 #ifndef NUV_FAST_ARITHMETIC_H
 #define NUV_FAST_ARITHMETIC_H

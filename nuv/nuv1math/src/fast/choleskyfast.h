@@ -40,7 +40,7 @@ void AddObservationByVectors(int a_iUnknowns, double* a_vdMatrix, double* a_vdVe
 // Equals     the dense UpdateNormMatrixLowTri, when all values of the observation are finite.
 // Method     A product of a zero coefficient and a finite value is a zero. Adding a zero product only matters when the
 //            element is -0.0 (it becomes +0.0 if the product is +0.0); otherwise it is skipped.
-// Pays       from one zero coefficient on. Eight unknowns, three of them with a zero coefficient: 2 852 instructions on
+// Pays       from one zero coefficient on. Eight unknowns, three of them with a zero coefficient: 2 742 instructions on
 //            soft-float ARM, 3 429 in the plain form. The search for zeros costs 1 % where there are none.
 // ---------------------------------------------------------------------------------------------------------------------
 

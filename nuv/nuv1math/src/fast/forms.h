@@ -5,7 +5,8 @@
 // The source of a family has the plain form of each of its functions. The plain form defines the result: its bits and
 // the order of its operations. The files of this directory have forms that give the same bits faster. The plain
 // function hands its work over in one line, where a faster form exists and pays:
-//   software floating point   leaves out operations whose result is known (the device);
+//   software floating point   leaves out operations whose result is known, and divides and takes roots by integers (the
+//                             device);
 //   vectors                   computes two doubles at once, or four or eight on a processor that has such vectors;
 //   products of 64 bits       give the quotients of the random numbers' generators (64-bit processors).
 // The head of a faster form tells what it gains. Times are those of one Intel Xeon with vectors of eight.
