@@ -4,9 +4,10 @@
 //
 // The first byte of an input chooses the options and the form of the rest: the text of a file, or numbers from which a
 // file is made, because random text rarely is a number. The checks: a failure is one line that names the file; points
-// that were read can be written and read again; every number of the reports is finite; JSON parses; no text of the user
-// gets out of its quotes in the commands for gnuplot.
+// that were read can be written and read again, also in the forms for other programs and as a transformed table; every
+// number of the reports is finite; JSON parses; no text of the user gets out of its quotes in the commands for gnuplot.
 
+#include "apply.h"
 #include "exports.h"
 #include "fit.h"
 #include "fuzzing.h"
@@ -109,7 +110,7 @@ std::string QuotedField(const std::string& a_szText)
 
 std::string FileOfPoints(const TPoints& a_Points)
 {
-    std::string szText = "name,x,y,X,Y\n";
+    std::string szText = "name,x,y,X,Y,check\n";
     for (const TPoint& P : a_Points.vPoints)
     {
         NUV_CHECK(IsPlainUtf8(P.szName));
@@ -119,7 +120,7 @@ std::string FileOfPoints(const TPoints& a_Points)
             NUV_CHECK(std::isfinite(dValue));
             szText += "," + Exact(dValue);
         }
-        szText += "\n";
+        szText += P.bCheck ? ",1\n" : ",0\n";
     }
     return szText;
 }
@@ -135,7 +136,7 @@ void CheckRoundTrip(const TPoints& a_Points)
         const TPoint& First = a_Points.vPoints[i];
         const TPoint& Second = Again.vPoints[i];
         NUV_CHECK(First.szName == Second.szName && First.dX == Second.dX && First.dY == Second.dY &&
-                  First.dXa == Second.dXa && First.dYa == Second.dYa);
+                  First.dXa == Second.dXa && First.dYa == Second.dYa && First.bCheck == Second.bCheck);
     }
 }
 
@@ -196,7 +197,7 @@ template <class TReport> std::string Written(TReport a_Report, const TPoints& a_
 void CheckJson(const TPoints& a_Points, const TFit& a_Fit)
 {
     const nlohmann::json Json = nlohmann::json::parse(Written(WriteJsonReport, a_Points, a_Fit));
-    NUV_CHECK(Json.at("n") == a_Points.vPoints.size() && Json.at("points").size() == a_Points.vPoints.size());
+    NUV_CHECK(Json.at("n") == a_Fit.Judgement.iFitted && Json.at("points").size() == a_Points.vPoints.size());
     CheckFrames(Json.at("frames"));
     CheckParameters(Json.at("parameters"));
     for (std::size_t i = 0; i < a_Points.vPoints.size(); ++i)
@@ -220,6 +221,36 @@ void CheckWorldFile(const TPoints& a_Points, const TFit& a_Fit)
         char* pEnd;
         NUV_CHECK(std::isfinite(std::strtod(pNext, &pEnd)) && *pEnd == '\n');
         pNext = pEnd + 1;
+    }
+}
+
+// The files for other programs can be read again, and hold the target points as they were.
+void CheckExports(const TPoints& a_Points, const TFit& a_Fit)
+{
+    static const TMemoryFile File;
+    const TPoints Gcps = ReadPoints(File.Write(GcpArguments(a_Points, a_Fit)));
+    NUV_CHECK(Gcps.Kind == FILE_GCP && static_cast<int>(Gcps.vPoints.size()) == a_Fit.Judgement.iFitted);
+    const TPoints Qgis = ReadPoints(File.Write(GeoreferencerFile(a_Points, a_Fit)));
+    NUV_CHECK(Qgis.Kind == FILE_QGIS && Qgis.szCrs == a_Points.szCrs);
+    NUV_CHECK(Qgis.vPoints.size() == a_Points.vPoints.size());
+    for (std::size_t i = 0; i < Qgis.vPoints.size(); ++i)
+    {
+        NUV_CHECK(Qgis.vPoints[i].dXa == a_Points.vPoints[i].dXa && Qgis.vPoints[i].dYa == a_Points.vPoints[i].dYa);
+        NUV_CHECK(Qgis.vPoints[i].bCheck == (a_Fit.vPoints[i].Role != judgement::ROLE_FITTED));
+    }
+}
+
+// The file of the points is a table, too. Transformed in both directions it remains one, with as many points.
+void CheckApplication(const std::string& a_szFile, const TPoints& a_Points, const TFit& a_Fit)
+{
+    static const TMemoryFile File;
+    for (const bool bInverse : {false, true})
+    {
+        std::string szTable;
+        const TApplication Application = {a_szFile, bInverse, a_Fit.Judgement.bSigma != 0};
+        ApplyFit(Application, a_Fit, [&](const std::string& a_szText) { szTable += a_szText; });
+        const TPoints Applied = ReadPoints(File.Write(szTable));
+        NUV_CHECK(Applied.vPoints.size() == a_Points.vPoints.size());
     }
 }
 
@@ -253,7 +284,12 @@ void FitAndReport(const std::string& a_szFile, const judgement::TOptions& a_Opti
     NUV_CHECK(IsPlain(Written(WriteTextReport, Points, Fit)));
     CheckJson(Points, Fit);
     CheckWorldFile(Points, Fit);
+    CheckExports(Points, Fit);
     CheckScript(Points, Fit);
+    if (Points.Kind != FILE_GCP)
+    {
+        CheckApplication(a_szFile, Points, Fit);
+    }
 }
 
 judgement::TOptions Options(int a_iChoice)
