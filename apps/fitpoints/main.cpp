@@ -10,6 +10,7 @@
 #include "output_file.h"
 #include "pixels.h"
 #include "plot.h"
+#include "progress.h"
 #include "report.h"
 #include "text.h"
 
@@ -113,7 +114,7 @@ struct TResults
 {
     std::string szStandardOutput;
     std::vector<std::unique_ptr<TOutput> > vOutputs; // under temporary names
-    std::vector<std::string> vszWarnings;            // of --apply
+    std::vector<std::string> vszWarnings;            // of --plot and --apply, with their files
 };
 
 static void AddOutput(const std::string& a_szName, const std::string& a_szText, TResults& a_Results)
@@ -153,11 +154,17 @@ static TResults WriteResults(const TArguments& a_Arguments, const TPoints& a_Poi
     }
     if (a_Arguments.szPlot)
     {
+        ShowStage("drawing");
         Results.vOutputs.push_back(OpenOutput(*a_Arguments.szPlot));
-        DrawPlot(a_Points, a_Fit, *Results.vOutputs.back());
+        const std::string szWarning = DrawPlot(a_Points, a_Fit, *Results.vOutputs.back());
+        if (!szWarning.empty())
+        {
+            Results.vszWarnings.push_back(*a_Arguments.szPlot + ": warning: " + szWarning);
+        }
     }
     if (a_Arguments.szApply)
     {
+        ShowStage("transforming");
         Apply(a_Arguments, a_Fit, Results);
     }
     for (const std::unique_ptr<TOutput>& Output : Results.vOutputs)
@@ -171,6 +178,7 @@ static void WriteReport(const TArguments& a_Arguments, const TPoints& a_Points, 
 {
     if (StandardOutputOption(a_Arguments).empty())
     {
+        ShowStage("reporting");
         (a_Arguments.bJson ? WriteJsonReport : WriteTextReport)(a_Points, a_Fit, a_Arguments.bSummary,
                                                                 WriteStandardOutput);
     }
@@ -206,8 +214,10 @@ static void PrintWarnings(const TPoints& a_Points, const TFit& a_Fit, const TRes
 static void Run(const TArguments& a_Arguments)
 {
     CheckArguments(a_Arguments);
+    ShowStage("reading");
     const TPoints Points = ReadPoints(a_Arguments.szFile);
     CheckPlaces(a_Arguments);
+    ShowStage("fitting");
     TFit Fit = FitPoints(Points, a_Arguments.Fit);
     AddOutputWarnings(a_Arguments, Points, Fit);
     const TResults Results = WriteResults(a_Arguments, Points, Fit);
@@ -217,6 +227,7 @@ static void Run(const TArguments& a_Arguments)
     {
         PutInPlace(*Output);
     }
+    HideProgress();
     PrintWarnings(Points, Fit, Results);
 }
 
@@ -243,20 +254,24 @@ int main(int a_iCount, char** a_vszArguments)
     std::signal(SIGPIPE, SIG_IGN);
     std::signal(SIGXFSZ, SIG_IGN);
     CleanUpOnSignals();
+    StartProgress();
     try
     {
         if (const std::optional<TArguments> Arguments = ParseArguments(a_iCount, a_vszArguments))
         {
             Run(*Arguments);
         }
+        HideProgress();
         return 0;
     }
     catch (const std::bad_alloc&)
     {
+        HideProgress();
         std::cerr << "fitpoints: not enough memory" << std::endl;
     }
     catch (const std::exception& Error)
     {
+        HideProgress();
         std::cerr << "fitpoints: " << OneLine(Error.what()) << std::endl;
     }
     return EXIT_FAILED;

@@ -4,6 +4,7 @@
 
 #include "output_file.h"
 #include "ending_signals.h"
+#include "progress.h"
 #include "text.h"
 
 #include <cerrno>
@@ -180,6 +181,10 @@ void PutInPlace(TOutput& a_Output)
 
 void WriteStandardOutput(const std::string& a_szText)
 {
+    if (isatty(STDOUT_FILENO) != 0)
+    {
+        HideProgress(); // the text would stand beside it
+    }
     WriteAll(STDOUT_FILENO, "standard output", a_szText);
 }
 

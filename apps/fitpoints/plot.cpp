@@ -355,8 +355,7 @@ std::string PlotScript(const TPoints& a_Points, const TFit& a_Fit, enumPlotKind 
     const TSpot Title = {(Drawing.X.dLow + Drawing.X.dHigh) / 2, Drawing.Y.dHigh + 0.55 * TITLE_HEIGHT};
     const std::string szTexts =
         Label(TitleOf(a_Points, a_Fit), Title, "center") + Axes(Drawing) + Names(Drawing) + szLegend;
-    return Canvas(a_Kind, Drawing.Canvas) + (a_Kind == PLOT_PNG ? WithKnownCharacters(szTexts) : szTexts) +
-           Plot.Script();
+    return Canvas(a_Kind, Drawing.Canvas) + szTexts + Plot.Script();
 }
 
 // ---------------------------------------------------------------------------------------------------------------------
@@ -378,14 +377,19 @@ static bool IsWhole(int a_iDescriptor, enumPlotKind a_Kind)
            std::string(szTail, static_cast<std::size_t>(iTailRead)).find(szEnd) != std::string::npos;
 }
 
-void DrawPlot(const TPoints& a_Points, const TFit& a_Fit, TOutput& a_Output)
+std::string DrawPlot(const TPoints& a_Points, const TFit& a_Fit, TOutput& a_Output)
 {
     const enumPlotKind Kind = PlotKind(a_Output.szName);
-    const TChildResult Result = RunChild({"gnuplot", "-d"}, PlotScript(a_Points, a_Fit, Kind), a_Output.iDescriptor);
+    const std::string szWanted = PlotScript(a_Points, a_Fit, Kind);
+    const std::string szScript = Kind == PLOT_PNG ? WithKnownCharacters(szWanted) : szWanted;
+    const TChildResult Result = RunChild({"gnuplot", "-d"}, szScript, a_Output.iDescriptor);
     if (!Result.bSucceeded || !IsWhole(a_Output.iDescriptor, Kind))
     {
         Fail(a_Output.szName, "gnuplot failed to draw it" + (Result.szError.empty() ? "" : ": " + Result.szError));
     }
+    return szScript == szWanted ? ""
+                                : "no font of this machine has some characters of the names, which are drawn as ?: "
+                                  "install one, such as the Debian package fonts-unifont";
 }
 
 } // namespace fitpoints

@@ -22,8 +22,8 @@ enumPlotKind PlotKind(const std::string& a_szName);
 // The commands for gnuplot. Texts of the user appear only between single quotes.
 std::string PlotScript(const TPoints& a_Points, const TFit& a_Fit, enumPlotKind a_Kind);
 
-// Draws into the output.
-void DrawPlot(const TPoints& a_Points, const TFit& a_Fit, TOutput& a_Output);
+// Draws into the output. The result is a warning, or empty.
+std::string DrawPlot(const TPoints& a_Points, const TFit& a_Fit, TOutput& a_Output);
 
 } // namespace fitpoints
 

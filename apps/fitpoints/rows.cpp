@@ -3,10 +3,12 @@
 // SPDX-License-Identifier: MIT
 
 #include "rows.h"
+#include "progress.h"
 #include "text.h"
 
 #include <algorithm>
 #include <cerrno>
+#include <sys/stat.h>
 
 namespace fitpoints {
 
@@ -29,13 +31,18 @@ std::string InputName(const std::string& a_szFile)
 TRowReader::TRowReader(const std::string& a_szFile, std::size_t a_iGreatestFile)
     : szFile(InputName(a_szFile)), File(a_szFile == STANDARD_INPUT ? stdin : std::fopen(a_szFile.c_str(), "rb"),
                                         a_szFile == STANDARD_INPUT ? KeepOpen : std::fclose),
-      iSeparator(','), iGreatestFile(a_iGreatestFile), iLine(0), iBytes(0)
+      iSeparator(','), iGreatestFile(a_iGreatestFile), iLine(0), iBytes(0), iFileSize(0)
 {
     if (!File)
     {
         FailWithError(szFile, "cannot be read", errno);
     }
     csv_init(&Parser, CSV_STRICT | CSV_STRICT_FINI);
+    struct stat Status;
+    if (fstat(fileno(File.get()), &Status) == 0 && S_ISREG(Status.st_mode))
+    {
+        iFileSize = Status.st_size;
+    }
 }
 
 TRowReader::~TRowReader()
@@ -116,10 +123,21 @@ static bool IsRow(const std::string& a_szLine)
     return a_szLine.find_first_not_of(" \t") != std::string::npos && a_szLine[0] != '#';
 }
 
+// Now and then, because this costs more than the reading of a line.
+static void ShowReading(const TRowReader& a_Reader)
+{
+    const long iOften = 4096; // lines
+    if (a_Reader.iFileSize > 0 && a_Reader.iLine % iOften == 0)
+    {
+        ShowFraction(static_cast<double>(a_Reader.iBytes) / static_cast<double>(a_Reader.iFileSize));
+    }
+}
+
 bool ReadRowText(TRowReader& a_Reader, std::string& a_szLine)
 {
     while (ReadLine(a_Reader, a_szLine))
     {
+        ShowReading(a_Reader);
         if (IsRow(a_szLine))
         {
             return true;

@@ -10,6 +10,7 @@
 #include <limits>
 #include <memory>
 #include <string>
+#include <sys/types.h>
 #include <vector>
 
 namespace fitpoints {
@@ -36,6 +37,7 @@ struct TRowReader
     std::string szCrs;  // the comment line that starts with #CRS; empty if none was read
     long iLine;         // number of the last line read, from 1
     std::size_t iBytes; // read so far
+    off_t iFileSize;    // 0 if it is not known
 };
 
 // The name of a file in messages: "standard input" for "-".

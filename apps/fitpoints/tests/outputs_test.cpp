@@ -77,6 +77,28 @@ TEST_F(FitPoints, DrawsPng)
     EXPECT_EQ((std::set<std::string>{"P.PNG", "p.wld"}), Files());
 }
 
+// gnuplot draws a character that no font has as large as the picture.
+TEST_F(FitPoints, APngHasQuestionMarksForCharactersWithoutAFontAndAWarning)
+{
+    const std::string szLast = "\ng,9,0,9,0\nh,9,9,9,9.1\ni,0,9,0,9\n";
+    Write("p.csv", "name,x,y,X,Y\n\xE5\x8C\x97\xE4\xBA\xAC \xE0\xB9\x84 \xF0\x9F\x98\x80,0,0,0,0" + szLast);
+    TRun Result = Run({"p.csv", "--plot", "p.png"});
+    EXPECT_EQ(0, Result.iCode);
+    EXPECT_EQ("", Result.szError); // fonts-unifont is installed
+    Write("fonts.conf", "<?xml version=\"1.0\"?><!DOCTYPE fontconfig SYSTEM \"fonts.dtd\"><fontconfig>"
+                        "<dir>/usr/share/fonts/truetype/dejavu</dir><cachedir>cache</cachedir>"
+                        "</fontconfig>");
+    Prepare = [] { setenv("FONTCONFIG_FILE", fs::absolute("fonts.conf").c_str(), 1); };
+    Result = Run({"p.csv", "--plot", "p.png"});
+    EXPECT_EQ(0, Result.iCode);
+    EXPECT_EQ("fitpoints: p.png: warning: no font of this machine has some characters of the names, which are drawn as "
+              "?: install one, such as the Debian package fonts-unifont\n",
+              Result.szError);
+    WriteGnuplot("cat >script; printf '\\211PNG IEND'\n");
+    EXPECT_EQ(0, Run({"p.csv", "--plot", "p.png"}, "", (Directory / "bin").string() + ":/usr/bin:/bin").iCode);
+    EXPECT_NE(std::string::npos, Contents("script").find("label '?? ? ?' at"));
+}
+
 TEST_F(FitPoints, PlotsWithStandardInputClosed)
 {
     Write("p.csv", "x,y,X,Y\n0,0,0,0\n1,0,1,0\n1,1,1,1\n0,1,0,2\n");

@@ -12,6 +12,7 @@
 #include <gtest/gtest.h>
 #include <linux/capability.h>
 #include <optional>
+#include <pty.h>
 #include <sys/prctl.h>
 #include <sys/resource.h>
 #include <sys/stat.h>
@@ -204,6 +205,57 @@ TEST_F(FitPoints, WhatMayNotBeReadOrWrittenIsRefused)
     EXPECT_EQ("old world", Contents("locked.wld"));
     EXPECT_EQ("old world", Contents("d/p.wld"));
     EXPECT_FALSE(fs::exists("d/new.wld"));
+}
+
+// What the program writes to a terminal at its standard error while the fake gnuplot takes some time.
+class OnTerminal : public FitPoints
+{
+protected:
+    std::string TerminalText(const std::string& a_szSeconds)
+    {
+        Write("p.csv", Square);
+        WriteGnuplot("cat >/dev/null; sleep " + a_szSeconds + "; echo '<?xml </svg>'\n");
+        int iTerminal = -1;
+        int iProgramSide = -1;
+        EXPECT_EQ(0, openpty(&iTerminal, &iProgramSide, nullptr, nullptr, nullptr));
+        char szName[64] = {};
+        EXPECT_EQ(0, ttyname_r(iProgramSide, szName, sizeof szName));
+        const pid_t iProgram = Start({"p.csv", "--plot", "p.svg", "--method", "affine"}, "/dev/null", szName,
+                                     (Directory / "bin").string() + ":/usr/bin:/bin");
+        int iStatus = 0;
+        waitpid(iProgram, &iStatus, 0);
+        EXPECT_TRUE(WIFEXITED(iStatus) && WEXITSTATUS(iStatus) == 0);
+        char szText[4096] = {};
+        fcntl(iTerminal, F_SETFL, O_NONBLOCK);
+        const ssize_t iRead = read(iTerminal, szText, sizeof szText);
+        close(iTerminal);
+        close(iProgramSide);
+        return iRead < 0 ? "" : std::string(szText, static_cast<std::size_t>(iRead));
+    }
+};
+
+TEST_F(OnTerminal, ALongRunShowsItsProgressAndClearsTheLine)
+{
+    const std::string szText = TerminalText("1.5");
+    const std::string szClear = "\r\x1B[K";
+    EXPECT_EQ(0u, szText.find(szClear + "fitpoints: drawing, 1 s")) << szText;
+    ASSERT_GT(szText.size(), szClear.size());
+    EXPECT_EQ(szClear, szText.substr(szText.size() - szClear.size()));
+}
+
+TEST_F(OnTerminal, AShortRunShowsNothing)
+{
+    EXPECT_EQ("", TerminalText("0.1"));
+}
+
+TEST_F(FitPoints, NoProgressIsShownWhereNoTerminalIs)
+{
+    Write("p.csv", Square);
+    WriteGnuplot("cat >/dev/null; sleep 1.5; echo '<?xml </svg>'\n");
+    const TRun Result =
+        Run({"p.csv", "--plot", "p.svg", "--method", "affine"}, "", (Directory / "bin").string() + ":/usr/bin:/bin");
+    EXPECT_EQ(0, Result.iCode);
+    EXPECT_EQ("", Result.szError);
 }
 
 // A signal stops the program while it waits for a gnuplot that does not end.
