@@ -138,7 +138,8 @@ static void Apply(const TArguments& a_Arguments, const TFit& a_Fit, TResults& a_
         a_Results.vOutputs.push_back(OpenOutput(*a_Arguments.szOutput));
         Write = [&](const std::string& a_szText) { WriteOutput(*a_Results.vOutputs.back(), a_szText); };
     }
-    a_Results.vszWarnings = ApplyFit(Application, a_Fit, Write);
+    const std::vector<std::string> vszWarnings = ApplyFit(Application, a_Fit, Write);
+    a_Results.vszWarnings.insert(a_Results.vszWarnings.end(), vszWarnings.begin(), vszWarnings.end());
 }
 
 static TResults WriteResults(const TArguments& a_Arguments, const TPoints& a_Points, const TFit& a_Fit)

@@ -81,7 +81,7 @@ TEST_F(FitPoints, DrawsPng)
 TEST_F(FitPoints, APngHasQuestionMarksForCharactersWithoutAFontAndAWarning)
 {
     const std::string szLast = "\ng,9,0,9,0\nh,9,9,9,9.1\ni,0,9,0,9\n";
-    Write("p.csv", "name,x,y,X,Y\n\xE5\x8C\x97\xE4\xBA\xAC \xE0\xB9\x84 \xF0\x9F\x98\x80,0,0,0,0" + szLast);
+    Write("p.csv", "name,x,y,X,Y\n\xE5\x8C\x97\xE4\xBA\xAC \xE0\xB9\x84 \xF0\x9F\xA6\x80,0,0,0,0" + szLast);
     TRun Result = Run({"p.csv", "--plot", "p.png"});
     EXPECT_EQ(0, Result.iCode);
     EXPECT_EQ("", Result.szError); // fonts-unifont is installed

@@ -225,12 +225,16 @@ protected:
         int iStatus = 0;
         waitpid(iProgram, &iStatus, 0);
         EXPECT_TRUE(WIFEXITED(iStatus) && WEXITSTATUS(iStatus) == 0);
-        char szText[4096] = {};
+        std::string szText;
+        char szPart[256];
         fcntl(iTerminal, F_SETFL, O_NONBLOCK);
-        const ssize_t iRead = read(iTerminal, szText, sizeof szText);
+        for (ssize_t i = read(iTerminal, szPart, sizeof szPart); i > 0; i = read(iTerminal, szPart, sizeof szPart))
+        {
+            szText.append(szPart, static_cast<std::size_t>(i));
+        }
         close(iTerminal);
         close(iProgramSide);
-        return iRead < 0 ? "" : std::string(szText, static_cast<std::size_t>(iRead));
+        return szText;
     }
 };
 
