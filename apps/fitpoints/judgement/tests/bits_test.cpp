@@ -110,18 +110,21 @@ TEST(JudgementBits, AreTheSameOnEveryPlatform)
     std::uint64_t iSeed = 1;
     for (const nuv::TOmographicParams& Coefs : {Similarity, Affine, Omographic})
     {
-        for (const int iCount : {3, 5, 6, 9, 25, 120})
+        for (const int iCount : {3, 5, 8, 14, 110})
         {
             TSet Set = RandomSet(iCount, Coefs, 0.25, ++iSeed);
             Set.vdXa[1] += 50;
-            for (const enumMethod Method : {ASK_CONFORMAL, ASK_AFFINE, ASK_OMOGRAPHIC, ASK_RICHEST, ASK_AUTO})
+            AddJudgement(Set, {ASK_AUTO, 0, 0, iCount < 20, USUAL_LEVEL}, Digest);
+            for (const enumMethod Method : {ASK_CONFORMAL, ASK_AFFINE, ASK_OMOGRAPHIC, ASK_RICHEST})
             {
-                AddJudgement(Set, {Method, 0, 0, Method == ASK_AUTO, USUAL_LEVEL}, Digest);
-                AddJudgement(Set, {Method, 1, 1, 0, USUAL_LEVEL}, Digest);
+                if (iCount < 10)
+                {
+                    AddJudgement(Set, {Method, 1, Method == ASK_RICHEST, 0, USUAL_LEVEL}, Digest);
+                }
             }
         }
     }
-    EXPECT_EQ(0xe116dce6fba7435du, Digest.Value()) << std::hex << Digest.Value();
+    EXPECT_EQ(0x597f75601aa29cbdu, Digest.Value()) << std::hex << Digest.Value();
 }
 
 } // namespace
