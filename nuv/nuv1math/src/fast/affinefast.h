@@ -8,9 +8,9 @@
 //            at once. The points that are left over go one by one. Of few points, the affine fit forms pairs of values
 //            of one point, and the conformal fit has the plain form.
 // Order      Every sum takes its terms in the order of the points. No sum is split.
-// Pays       from SUMS_PAY_FROM points on. 100 points, affine: 200 ns with vectors of four, 250 ns with pairs, 284 ns in
-//            the plain form; conformal: 130 ns, 160 ns and 200 ns. The source can have been written just before, value
-//            by value (by the mirroring of the choice of a transformation): a vector of few such values waits for them.
+// Pays       from SUMS_PAY_FROM points on. 100 points, affine: 200 ns with vectors of four, 245 ns with pairs, 283 ns in
+//            the plain form; conformal: 130 ns, 162 ns and 200 ns. Of fewer points it does not: the choice of a
+//            transformation writes mirrored coordinates one by one, and a vector that is loaded so soon waits for them.
 
 #ifndef NUV_AFFINEFAST_H
 #define NUV_AFFINEFAST_H
@@ -25,13 +25,18 @@ const unsigned int SUMS_PAY_FROM = 16; // equivalent: points; both forms give th
 
 #ifdef NUV_VECTORS
 
-// Four values of a point, or four sums: one vector of four, or two pairs.
+enum
+{
+    ROW_LENGTH = 4 // values of a point that are added together
+};
+
+// Values of a point, or their sums: one vector of four, or two pairs.
 template <typename TVector> struct TRow
 {
     enum
     {
         LANES = sizeof(TVector) / sizeof(double),
-        VECTORS = 4 / LANES
+        VECTORS = ROW_LENGTH / LANES
     };
     TVector v[VECTORS];
 };
@@ -127,7 +132,7 @@ static NUV_INLINE void Centre(const double* a_vdValues, unsigned int i, double a
     a_Centred = a_Centred - a_dMean;
 }
 
-// The four values of the points from i on that the affine fit sums up: u, v, U and V.
+// The values of the points from i on that the affine fit sums up: u, v, U and V.
 template <typename TVector, typename TValue>
 static NUV_INLINE void FormValues(const TControlPoints& a_Points, unsigned int i, const TMeans& a_Means,
                                   const TAffineRows<TVector>& /* which fit */, TValue* a_vValues)
@@ -165,7 +170,7 @@ static NUV_INLINE void AddAllPoints(const TControlPoints& a_Points, const TMeans
     unsigned int i = 0;
     for (; a_Points.iCount - i >= LANES; i += LANES) // equivalent: the points that are left go one by one
     {
-        TVector vValues[4];
+        TVector vValues[ROW_LENGTH];
         FormValues(a_Points, i, a_Means, a_Sums, vValues);
         TRow<TVector> vRows[LANES];
         MakeRows(vValues, vRows);
@@ -176,7 +181,7 @@ static NUV_INLINE void AddAllPoints(const TControlPoints& a_Points, const TMeans
     }
     for (; i < a_Points.iCount; ++i)
     {
-        double vdValues[4];
+        double vdValues[ROW_LENGTH];
         FormValues(a_Points, i, a_Means, a_Sums, vdValues);
         TRow<TVector> Row;
         MakeRow(vdValues[0], vdValues[1], vdValues[2], vdValues[3], Row);
@@ -258,6 +263,8 @@ static NUV_INLINE void SumAffineOfFewPoints(const TControlPoints& a_Points, cons
     a_Sums.dSU = SUSV[0];
     a_Sums.dSV = SUSV[1];
 }
+
+// The affine sums of any number of points.
 static NUV_INLINE void SumAffineByVectors(const TControlPoints& a_Points, const TMeans& a_Means, TAffineSums& a_Sums)
 {
     if (a_Points.iCount < SUMS_PAY_FROM) // equivalent: both forms give the same bits
