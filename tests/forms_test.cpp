@@ -449,7 +449,10 @@ TEST_P(Forms, DrawRandomNumbers)
         {
             ASSERT_TRUE(SameBits(PlainForm.pRand(), GetParam().pRand())) << i;
         }
-        ASSERT_TRUE(SameBits(PlainForm.pRandn(), GetParam().pRandn()));
+        for (int i = 0; i < 2; ++i) // both numbers of a pair, so that no form keeps one for the next test
+        {
+            ASSERT_TRUE(SameBits(PlainForm.pRandn(), GetParam().pRandn())) << i;
+        }
     }
 }
 
