@@ -9,10 +9,10 @@
 
 #include <stddef.h>
 
-extern "C" __attribute__((import_module("nuv1math"), import_name("report"))) void nuv_ShowReport(const char* a_szText,
-                                                                                                 size_t a_iLength);
-
 namespace nuv {
+
+__attribute__((import_module("nuv1math"), import_name("report"))) void ShowReport(const char* a_szText,
+                                                                                  size_t a_iLength);
 
 namespace {
 
@@ -60,7 +60,7 @@ void ShowTextAndWait(const TReportChar* a_szText)
     {
         ++iLength;
     }
-    nuv_ShowReport(a_szText, iLength);
+    ShowReport(a_szText, iLength);
 }
 
 void EndProcess()
