@@ -16,9 +16,9 @@
 
 namespace nuv {
 
-// The quotient and the root, correctly rounded, by integer operations.
-double QuotientByIntegers(double a_dDividend, double a_dDivisor);
-double SquareRootByIntegers(double a_dRadicand);
+// a / b and sqrt(x), correctly rounded, by integer operations.
+double QuotientByIntegers(double a_dA, double a_dB);
+double SquareRootByIntegers(double a_dX);
 
 const bool INTEGERS_PAY = FASTER_FORMS && SOFTWARE_FLOATING_POINT;
 
