@@ -66,6 +66,7 @@ set(CPACK_DEBIAN_TOOLS_PACKAGE_SUGGESTS gnuplot-nox)
 set(CPACK_DEBIAN_DOC_PACKAGE_NAME nuv1math-doc)
 describe(DOC "documentation" "This package has the pages for a browser, and the example programs.")
 set(CPACK_DEBIAN_DOC_PACKAGE_ARCHITECTURE all)
+set(CPACK_DEBIAN_DOC_PACKAGE_SUGGESTS fonts-dejavu-extra) # for the formulas
 package_section(DOC doc foreign)
 set(CPACK_DEBIAN_DOC_PACKAGE_SHLIBDEPS OFF)
 

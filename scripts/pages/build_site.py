@@ -55,7 +55,7 @@ def run_doxygen(folder, inputs, images):
 
 
 def typeset(pages):
-    """Replaces the formulas of all pages, which are TeX, by MathML, which browsers draw without a script or a font."""
+    """Replaces the formulas of all pages, which are TeX, by MathML, which browsers draw without a script."""
     texts = {page: page.read_text() for page in pages}
     keys = {match.group(0): (match[1] or match[2], match[1] is None)
             for text in texts.values() for match in FORMULA.finditer(text)}
