@@ -134,6 +134,13 @@ TEST_F(FitPoints, TheVirtualRasterReplacesTheOldPlaceOfTheImageAndKeepsTheSystem
         EXPECT_NEAR(vdExpected[i], vdTransform[i], 1e-12);
     }
     EXPECT_NE(std::string::npos, Info.at("coordinateSystem").at("wkt").get<std::string>().find("WGS 84"));
+    // A file without a system of its own does not take over that of the image, and a grid of points replaces its place.
+    Write("p.txt", Points(Forms[0], PixelsToMap));
+    ASSERT_EQ(0, Run({"p.txt", "--method", "omographic", "--vrt", "q.vrt", "--raster", "i<>&.tif"}).iCode);
+    const json Grid = json::parse(Shell("gdalinfo -json q.vrt"));
+    EXPECT_FALSE(Grid.contains("coordinateSystem"));
+    EXPECT_FALSE(Grid.contains("geoTransform"));
+    EXPECT_EQ(441u, Grid.at("gcps").at("gcpList").size());
 }
 
 // GDAL interpolates between the points of the grid. A pixel is about 1.3 units wide, so the tolerance is a hundredth of
