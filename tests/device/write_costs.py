@@ -67,12 +67,12 @@ g++ {compiler_version(compiler)} with its arithmetic helpers,
   instructions. The operations of the compiler and the C library, which give the same bits, take about 510 and 2550. Those
   of Windows CE were not measured.
 - "Add and mul" is the part of the instructions that the additions, subtractions and multiplications take. They are calls
-  of the compiler's helpers, about 50 and 34 instructions each, and the order of the operations is part of the result. So
-  this part is the floor.
+  of the compiler's helpers, 40 to 65 instructions each, and the order of the operations is part of the result. So this
+  part is the floor.
 - "Ratio" is instructions divided by "in operations". The rest of a call moves 64-bit operands between memory and 32-bit
   registers: adding a product to a sum in memory takes at least 7 instructions beside the multiplication and the
-  addition, which take about 40 to 65 each. Ratios near 1.1 are such loops. Ratios above 1.2 are integer arithmetic
-  (random numbers), indices (sparse rows), the allocator (roots of degree 2) and the search for zeros.
+  addition. Ratios near 1.1 are such loops. Ratios above 1.2 are integer arithmetic (random numbers), indices (sparse
+  rows), the allocator (roots of degree 2) and the search for zeros.
 
 The tests in `tests/device` check the counts of operations exactly, by formulas, and the instructions to 3 %.
 
