@@ -183,7 +183,7 @@ static bool SolveEquations(const TControlPoints& a_Points, const double* a_vdCoe
 static bool Refine(const TControlPoints& a_Points, double* a_vdCoefs)
 {
     TOmographicSystem System;
-    return SolveEquations(a_Points, a_vdCoefs, System) && // equivalent: another turn fails in the same way
+    return SolveEquations(a_Points, a_vdCoefs, System) &&
            !(ApplyCorrection(System.vdVector, a_vdCoefs) < OMOGRAPHIC_CONVERGENCE);
 }
 

@@ -27,7 +27,7 @@ const unsigned int SUMS_PAY_FROM = 16; // equivalent: points; both forms give th
 
 enum
 {
-    ROW_LENGTH = 4 // values of a point that are added together
+    ROW_LENGTH = 4 // equivalent: values of a point that are added together; a fifth would not be used
 };
 
 // Values of a point, or their sums: one vector of four, or two pairs.
@@ -159,7 +159,7 @@ static NUV_INLINE void FormValues(const TControlPoints& a_Points, unsigned int i
     a_vValues[0] = y * y + x * x;
     a_vValues[1] = Y * y + X * x;
     a_vValues[2] = X * y - Y * x;
-    a_vValues[3] = a_vValues[2];
+    a_vValues[3] = a_vValues[2]; // equivalent: its sum is not used
 }
 
 // Adds all points to the sums of a fit.
@@ -194,7 +194,7 @@ static NUV_INLINE void SumAffineBy(const TControlPoints& a_Points, const TMeans&
 {
     TAffineRows<TVector> Rows;
     MakeRow(0.0, 0.0, 0.0, 0.0, Rows.ByU);
-    MakeRow(0.0, 0.0, 0.0, 0.0, Rows.ByV);
+    MakeRow(0.0, 0.0, 0.0, 0.0, Rows.ByV); // equivalent: the first sum is not used
     MakeRow(0.0, 0.0, 0.0, 0.0, Rows.Alone);
     AddAllPoints<TVector>(a_Points, a_Means, Rows);
     a_Sums.dSuu = At(Rows.ByU, 0);
@@ -214,7 +214,7 @@ template <typename TVector>
 static NUV_INLINE void SumConformalBy(const TControlPoints& a_Points, const TMeans& a_Means, TConformalSums& a_Sums)
 {
     TConformalRow<TVector> Row;
-    MakeRow(0.0, 0.0, 0.0, 0.0, Row.Terms);
+    MakeRow(0.0, 0.0, 0.0, 0.0, Row.Terms); // equivalent: the last sum is not used
     AddAllPoints<TVector>(a_Points, a_Means, Row);
     a_Sums.dS = At(Row.Terms, 0);
     a_Sums.dSa = At(Row.Terms, 1);

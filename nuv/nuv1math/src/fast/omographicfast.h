@@ -158,7 +158,7 @@ static const int POINT_ORDER[POINT_VALUES] = {ROW_XG, ROW_XH, ROW_YG, ROW_YH, RO
 
 enum
 {
-    OWN_PAIRS = 3 // of sums without P, Q and R
+    OWN_PAIRS = 3 // equivalent: pairs of sums without P, Q and R; a fourth would not be used
 };
 
 static const unsigned int BLOCK_POINTS = 16; // equivalent: points whose rows are formed before they are added
@@ -251,13 +251,13 @@ static NUV_INLINE void SumPointsBy(const TControlPoints& a_Points, const double*
     TPointSums<TVector> Sums;
     memset(&Sums, 0, sizeof Sums);
     TBlock<TVector> Block;
-    for (unsigned int iBlock = 0; iBlock < a_Points.iCount; iBlock += BLOCK_POINTS)
+    for (unsigned int iBlock = 0; iBlock < a_Points.iCount; iBlock += BLOCK_POINTS) // equivalent: no block
     {
         const unsigned int iLeft = a_Points.iCount - iBlock;
-        const unsigned int iCount = iLeft < BLOCK_POINTS ? iLeft : BLOCK_POINTS;
+        const unsigned int iCount = iLeft < BLOCK_POINTS ? iLeft : BLOCK_POINTS; // equivalent: the same count
         for (unsigned int i = 0; i < iCount; i += LANES)
         {
-            const unsigned int iOverlap = i + LANES > iLeft ? i + LANES - iLeft : 0; // equivalent: 0
+            const unsigned int iOverlap = i + LANES > iLeft ? i + LANES - iLeft : 0; // equivalent: none
             const unsigned int iPlace = LANES + i - iOverlap;
             FormPointsBy<TVector>(a_Points, iBlock + i - iOverlap, a_vdCoefs, Block.vvdValues + iPlace,
                                   Block.vdR + iPlace);
@@ -366,13 +366,13 @@ static NUV_INLINE void SubstituteForward(const TPointSums<double>& a_Sums, const
 // L^T x = y for A to F, when G and H are solved. False if a difference is -0.0 where zero products follow.
 static NUV_INLINE bool SubstituteBackward(const TPointFactor& a_L, double a_dG, double a_dH, TPair* a_vSolutions)
 {
-    bool bSame = true;
+    bool bSame = true; // equivalent: the plain form gives the same bits
     NUV_UNROLL for (int k = 0; k < SHARED_VALUES; ++k)
     {
         const TPair G = {a_L.vGH[k][0], a_L.vGH[SHARED_VALUES + k][0]};
         const TPair H = {a_L.vGH[k][1], a_L.vGH[SHARED_VALUES + k][1]};
         a_vSolutions[k] = a_vSolutions[k] - H * a_dH - G * a_dG;
-        bSame = bSame && !IsNegativeZero(a_vSolutions[k][0]);
+        bSame = bSame && !IsNegativeZero(a_vSolutions[k][0]); // equivalent: the plain form gives the same bits
     }
     a_vSolutions[2] = a_vSolutions[2] / a_L.dCC;
     a_vSolutions[1] = (a_vSolutions[1] - a_L.dCB * a_vSolutions[2]) / a_L.dBB;

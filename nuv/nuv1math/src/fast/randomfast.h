@@ -21,14 +21,16 @@ namespace nuv {
 
 #if !defined(NUV_PLAIN_FORMS) && (defined(__x86_64__) || defined(__aarch64__))
 
-const bool PRODUCTS_PAY = true;
+const bool PRODUCTS_PAY = true; // equivalent: both forms give the same numbers
 
 // (a ix + c) mod m.
 inline unsigned int AdvanceByProduct(unsigned int a_iMultiplier, unsigned int a_iIncrement, unsigned int a_iModulus,
                                      unsigned int ix)
 {
-    const int BITS = 36;
+    const int BITS = 36; // equivalent: a bit more will do, or less for these moduli
+    // equivalent: the bound has room for one unit more
     const size_t iSlope = (static_cast<size_t>(a_iMultiplier) << BITS) / a_iModulus + 1;
+    // equivalent: the bound has room for one unit more
     const size_t iOffset = (static_cast<size_t>(a_iIncrement) << BITS) / a_iModulus + 1;
     const size_t iQuotient = (iSlope * ix + iOffset) >> BITS;
     return a_iMultiplier * ix + a_iIncrement - static_cast<unsigned int>(iQuotient) * a_iModulus;
