@@ -45,6 +45,7 @@ struct TSearch
     double dLevel, dRounding;
     int iLeast;       // points that must remain
     TPointSet Others; // the points outside of a group
+    bool bNoMemory;   // a fit has failed because there is no memory
     int* viLeftOut;   // flags of the points of a group
     double* vdLeave;  // leave-one-out residuals in X and Y and drops
 };
@@ -73,6 +74,13 @@ static void ReleaseSearch(TSearch& a_Search)
     free(a_Search.vdLeave);
 }
 
+// Remembers that there was no memory.
+static bool Succeeds(TSearch& a_Search, enumReason a_Reason)
+{
+    a_Search.bNoMemory = a_Search.bNoMemory || a_Reason == REASON_NO_MEMORY;
+    return a_Reason == REASON_NONE;
+}
+
 // Fits the points outside of the group.
 static bool FitWithout(TSearch& a_Search, const TCandidate& a_Group, TKindFit& a_Fit)
 {
@@ -90,8 +98,8 @@ static bool FitWithout(TSearch& a_Search, const TCandidate& a_Group, TKindFit& a
         a_Fit = a_Search.Fit;
         return true;
     }
-    return FitSupported(PointsOf(a_Search.Others), a_Search.Fit.Kind, a_Search.Fit.bMirrored != 0, a_Fit) ==
-           REASON_NONE;
+    return Succeeds(a_Search,
+                    FitSupported(PointsOf(a_Search.Others), a_Search.Fit.Kind, a_Search.Fit.bMirrored != 0, a_Fit));
 }
 
 // Drops of all points outside of the group are in the last third of vdLeave afterwards.
@@ -99,8 +107,8 @@ static bool LeaveOneOutWithout(TSearch& a_Search, const TCandidate& a_Group, TKi
 {
     const int n = a_Search.Points.iCount;
     return FitWithout(a_Search, a_Group, a_Fit) &&
-           LeaveOneOut(PointsOf(a_Search.Others), a_Fit, a_Search.vdLeave, a_Search.vdLeave + n,
-                       a_Search.vdLeave + 2 * static_cast<ptrdiff_t>(n)) == REASON_NONE;
+           Succeeds(a_Search, LeaveOneOut(PointsOf(a_Search.Others), a_Fit, a_Search.vdLeave, a_Search.vdLeave + n,
+                                          a_Search.vdLeave + 2 * static_cast<ptrdiff_t>(n)));
 }
 
 static const double* Drops(const TSearch& a_Search)
@@ -326,15 +334,15 @@ enumReason FindGroup(const TControlPoints& a_Points, const TKindFit& a_Fit, doub
     Search.dLevel = a_dLevel;
     Search.dRounding = a_dRounding;
     Search.iLeast = a_iLeast;
-    const bool bMemory = AllocateSearch(Search);
+    Search.bNoMemory = !AllocateSearch(Search);
     a_Group.iCount = 0;
     a_Group.dProbability = 1;
-    if (bMemory)
+    if (!Search.bNoMemory)
     {
         (a_Points.iCount > GREATEST_GROUPED ? FindSingles : FindSmallestGroup)(Search, a_Group);
     }
     ReleaseSearch(Search);
-    return bMemory ? REASON_NONE : REASON_NO_MEMORY;
+    return Search.bNoMemory ? REASON_NO_MEMORY : REASON_NONE;
 }
 
 // ---------------------------------------------------------------------------------------------------------------------
@@ -358,9 +366,10 @@ static enumReason FindGroups(const TControlPoints& a_Points, const TKindFit& a_F
     {
         FillSet(a_Points, a_viOrder, a_Rest);
         const TControlPoints Rest = PointsOf(a_Rest);
-        if (a_iFound > 0 && FitSupported(Rest, Fit.Kind, Fit.bMirrored != 0, Fit) != REASON_NONE)
+        Reason = a_iFound > 0 ? FitSupported(Rest, Fit.Kind, Fit.bMirrored != 0, Fit) : REASON_NONE;
+        if (Reason != REASON_NONE)
         {
-            return REASON_NONE;
+            return Reason == REASON_NO_MEMORY ? Reason : REASON_NONE;
         }
         Reason = FindGroup(Rest, Fit, a_dLevel, a_dRounding, iLeast, a_Group);
         for (int k = 0; k < a_Group.iCount; ++k)

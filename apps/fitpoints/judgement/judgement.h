@@ -633,7 +633,7 @@ enumReason InversePoint(const nuv::TOmographicParams& a_Coefs, const TOrigins& a
  *  @param a_Options  what is asked for
  *  @param a_Result   out: the result. After a failure Support is written, and vKinds if any fit was tried (a reason is
  *                    in its rows); nothing else is valid
- *  @param a_vPoints  out: what is told of each point, a_Points.iCount records; untouched after a failure
+ *  @param a_vPoints  out: what is told of each point, a_Points.iCount records; not valid after a failure
  *  @return REASON_NONE, or why there is no transformation, or none of the kind that was asked for */
 enumReason Judge(const TControlPoints& a_Points, const enumRole* a_pRoles, const TOptions& a_Options,
                  TJudgement& a_Result, TPointJudgement* a_vPoints);
