@@ -16,10 +16,12 @@ REASONS = {
                  "the others begin with the unknown found first, which breaks the chain.",
     "SolveCholLowTri": "The rows of the packed factor do not stand beside each other, so that the forward half has no "
                        "vectors.",
-    "Cholesky": "OpenBLAS uses wider vectors and fused multiply-add, which would change the bits.",
-    "CholeskyLowTri": "OpenBLAS uses wider vectors and fused multiply-add, which would change the bits.",
-    "Roots, polynomial": "Degree 2 goes through the companion matrix like every other, where GSL has a formula; above, "
-                         "the methods need different numbers of iterations.",
+    "Cholesky": "OpenBLAS uses fused multiply-add, which would change the bits.",
+    "CholeskyLowTri": "OpenBLAS uses fused multiply-add, which would change the bits.",
+    "Cholesky and SolveChol": "OpenBLAS uses fused multiply-add, which would change the bits.",
+    "Roots, polynomial": "Degree 2 goes through the companion matrix like every other, where GSL has a formula: the "
+                         "five requests for memory alone take half of its time; above, the methods need different "
+                         "numbers of iterations.",
     "Roots, two unknowns": "Eigen is compiled into the caller; calling a shared library alone takes about 2.4 ns.",
     "AffineParamsToCoefs": "Eigen is compiled into the caller; the sine, cosine and tangent take most of both times.",
     "ConformalParamsToCoefs": "The peer is compiled into the caller; a sine and a cosine are nearly all of both times.",

@@ -104,9 +104,10 @@ void AddObservationByVectors(int a_iUnknowns, double* a_vdMatrix, double* a_vdVe
 //
 // Equals     Factorise of cholesky.cpp, also in what a failure leaves.
 // Method     The sums of a column do not depend on each other. Those of the next columns depend on them only through
-//            their last products. So a tile of rows and columns subtracts its products together, one k after the other.
-//            The columns form panels, and a panel has tiles of four columns. First comes a block of rows that holds the
-//            diagonal, then the rows below it.
+//            their last products. So a tile of eight rows and columns subtracts its products together, one k after the
+//            other. It has as many columns as rows: a vector takes several columns of a row, and the factor of the row
+//            must be broadcast to it, which costs a load. The columns form panels of several tiles. First comes a block
+//            of rows that holds the diagonal, then the rows below it.
 // Order      Every element subtracts its products in ascending order, as in the plain form. The square root of a
 //            diagonal element needs its whole sum. That sum descends and begins with an element of the column before.
 //            So it advances while another tile subtracts its products.
@@ -115,8 +116,9 @@ void AddObservationByVectors(int a_iUnknowns, double* a_vdMatrix, double* a_vdVe
 // Cache      The factors of the columns are packed in the order of their use, PANEL_DEPTH of them at a time. A matrix
 //            that fits the cache takes panels of one tile and blocks that reach below them, so that every diagonal has
 //            a tile beside it.
-// Pays       from TILES_PAY_FROM unknowns on: 1.3 us, 1.8 us in the plain form. 100 unknowns: 20 us with vectors of
-//            four, 29 us with pairs, 84 us in the plain form; 500 unknowns: 1.45 ms, 8.8 ms in the plain form.
+// Pays       from TILES_PAY_FROM unknowns on: 1.1 us, 1.3 us in the plain form. 100 unknowns: 15 us with vectors of
+//            eight, 16 us with fours, 26 us with pairs, 55 us in the plain form; 500 unknowns: 1.1 ms, 1.4 ms, 2.5 ms,
+//            and 16 ms in the plain form. Vectors of eight pay from EIGHTS_PAY_FROM unknowns on.
 // ---------------------------------------------------------------------------------------------------------------------
 
 namespace {
@@ -403,6 +405,17 @@ template <typename TVector> static NUV_INLINE void FinishRest(const TFinish& a_F
     }
 }
 
+// Loads rows of a tile whose columns begin at c.
+// host only: each processor runs the instance of one width
+template <typename TVector>
+static NUV_INLINE void LoadRest(double* const* a_vvdRows, ptrdiff_t c, TRest<TVector>& a_Rest)
+{
+    NUV_UNROLL for (int r = 0; r < TRest<TVector>::LANES; ++r)
+    {
+        LoadRow(a_vvdRows[r] + c, r, a_Rest);
+    }
+}
+
 // Stores the first a_iColumns elements of rows of a tile.
 // host only: each processor runs the instance of one width
 template <typename TVector>
@@ -449,7 +462,8 @@ NUV_BY_WIDTH_OR_EIGHT(FinishTile, a_Finish.bEights,
                       (a_Finish, a_Tile, a_iRows, a_vvdRows))
 
 // One pass over the rows of a tile: subtracts the products, and finishes the elements if a_bLast is set. Otherwise the
-// sums are stored in the matrix.
+// sums stay in the matrix. All rows are subtracted before one is finished: a row that goes through both would leave the
+// kernel too few registers.
 // host only: each processor runs the instance of one width
 template <typename TVector>
 static NUV_INLINE void PassRowsBy(const TProducts& a_Products, const TFinish& a_Finish, bool a_bLast,
@@ -459,15 +473,16 @@ static NUV_INLINE void PassRowsBy(const TProducts& a_Products, const TFinish& a_
     for (ptrdiff_t iFirst = 0; iFirst < TILE_ROWS && iFirst < a_Products.iRows; iFirst += TRest<TVector>::LANES)
     {
         TRest<TVector> Rest;
-        NUV_UNROLL for (int r = 0; r < TRest<TVector>::LANES; ++r)
-        {
-            LoadRow(a_vvdRows[iFirst + r] + a_Finish.c, r, Rest);
-        }
+        LoadRest(a_vvdRows + iFirst, a_Finish.c, Rest);
         SubtractFromRows<false>(a_Products, iFirst, Rest, None);
-        if (a_bLast)
-        {
-            FinishRest(a_Finish, Rest);
-        }
+        StoreRest(Rest, a_Finish.c, a_Finish.iColumnEnd - a_Finish.c, a_vvdRows + iFirst);
+    }
+    for (ptrdiff_t iFirst = 0; a_bLast && iFirst < TILE_ROWS && iFirst < a_Products.iRows;
+         iFirst += TRest<TVector>::LANES)
+    {
+        TRest<TVector> Rest;
+        LoadRest(a_vvdRows + iFirst, a_Finish.c, Rest);
+        FinishRest(a_Finish, Rest);
         StoreRest(Rest, a_Finish.c, a_Finish.iColumnEnd - a_Finish.c, a_vvdRows + iFirst);
     }
 }
