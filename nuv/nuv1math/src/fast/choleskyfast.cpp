@@ -258,7 +258,7 @@ static NUV_INLINE void SubtractFromTile(const TProducts& a_Products, TTile& a_Ti
     {
         LANES = TRest<TVector>::LANES
     };
-    for (ptrdiff_t iFirst = 0; iFirst < TILE_ROWS && iFirst < a_Products.iRows; iFirst += LANES)
+    for (ptrdiff_t iFirst = 0; iFirst < TILE_ROWS && iFirst < a_Products.iRows; iFirst += LANES) // equivalent: excess
     {
         TRest<TVector> Rest;
         NUV_UNROLL for (int r = 0; r < LANES; ++r)

@@ -77,7 +77,7 @@ static NUV_INLINE void ReflectCorner(int a_iRow, bool a_bFourth, const TReflecti
         {
             vvdCorner[c][r] = vvdColumns[c][r];
         }
-        vvdCorner[c][3] = a_bFourth ? vvdColumns[c][3] : 0.0;
+        vvdCorner[c][3] = a_bFourth ? vvdColumns[c][3] : 0.0; // equivalent: without a fourth row nothing reads it
         ReflectElements(a_H, vvdCorner[c]);
     }
     NUV_UNROLL for (int r = 0; r < 4; ++r)
