@@ -2,7 +2,8 @@
 // Copyright (c) 2026 the nuv1math authors
 // SPDX-License-Identifier: MIT
 //
-// The random pairs of another seed are those of --gtest_random_seed=N. The seeds 1 to 10 are 10^9 pairs.
+// --gtest_random_seed=N and the environment's NUV_RANDOM_PAIRS choose other random pairs and how many: the seeds 1 to 10
+// with 100000000 pairs each are 10^9.
 
 #include "fast/arithmetic.h"
 #include "support/effort.h"
@@ -10,6 +11,7 @@
 #include "support/special_values.h"
 
 #include <cstdint>
+#include <cstdlib>
 #include <random>
 
 namespace {
@@ -286,8 +288,10 @@ TEST_F(Arithmetic, OfRandomPairs)
 
 TEST(ArithmeticSlow, OfManyRandomPairs)
 {
-    const int iSeed = GTEST_FLAG_GET(random_seed);
-    ExpectRandomPairs(static_cast<std::uint64_t>(iSeed), Watched ? 1000000 : 100000000);
+    const char* const szPairs = std::getenv("NUV_RANDOM_PAIRS");
+    const int iPairs = szPairs ? std::atoi(szPairs) : Watched ? 1000000 : 5000000;
+    ASSERT_GT(iPairs, 0) << "NUV_RANDOM_PAIRS is not a number of pairs";
+    ExpectRandomPairs(static_cast<std::uint64_t>(GTEST_FLAG_GET(random_seed)), iPairs);
 }
 
 } // namespace
