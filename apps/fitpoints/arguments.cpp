@@ -63,13 +63,13 @@ static void DeclareApplication(CLI::App& a_App, TArguments& a_Arguments)
     CLI::Option* const pApply =
         a_App.add_option("--apply", a_Arguments.szApply, "transform the points of this table (- is standard input)")
             ->type_name("FILE");
-    a_App.add_flag("--inverse", a_Arguments.bInverse, "--apply transforms from the target to the source system")
+    a_App.add_flag("--inverse", a_Arguments.bInverse, "let --apply transform from the target to the source system")
         ->needs(pApply);
     a_App
         .add_flag("--deviations", a_Arguments.bDeviations,
-                  "--apply adds standard deviations and error ellipses of the transformed points")
+                  "let --apply add standard deviations and error ellipses of the transformed points")
         ->needs(pApply);
-    a_App.add_option("--output", a_Arguments.szOutput, "--apply writes to this file, not to standard output")
+    a_App.add_option("--output", a_Arguments.szOutput, "let --apply write to this file, not to standard output")
         ->needs(pApply)
         ->type_name("FILE");
 }
@@ -79,6 +79,7 @@ static void DeclareOptions(CLI::App& a_App, TArguments& a_Arguments, std::string
     a_App.name("fitpoints");
     a_App.description(DESCRIPTION);
     a_App.footer(FOOTER);
+    a_App.get_formatter()->column_width(34); // two blanks behind every option, for the maker of the manual page
     a_App.set_version_flag("--version", "fitpoints " FITPOINTS_VERSION);
     a_App.add_option("FILE", a_Arguments.szFile, "the control points")->required();
     a_App
