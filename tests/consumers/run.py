@@ -22,7 +22,7 @@ CONSUMER = HERE / "consumer.cpp"
 WORK = pathlib.Path(sys.argv[1]).resolve()
 TOOLCHAINS = ROOT / "cmake/toolchains"
 MINGW = {"x64": "x86_64-w64-mingw32", "x86": "i686-w64-mingw32"}
-ALONE = ["-DNUV1MATH_BUILD_APPS=OFF", "-DNUV1MATH_BUILD_TESTS=OFF", "-DNUV1MATH_BUILD_EXAMPLES=OFF"]
+ALONE = [f"-DNUV1MATH_BUILD_{part}=OFF" for part in ("APPS", "BINDINGS", "EXAMPLES", "TESTS")]
 STANDARDS = ["98", "03", "11", "14", "17", "20", "23"]
 
 
