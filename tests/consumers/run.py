@@ -177,6 +177,18 @@ class Parent(unittest.TestCase):
         run("cmake", "--install", build, "--prefix", prefix)
         self.assertEqual([path.name for path in prefix.rglob("*") if path.is_file()], ["consumer"])
 
+    def test_meson_builds_the_library_as_a_subproject(self):
+        for kind in ("shared", "static"):
+            with self.subTest(kind=kind):
+                source, build = fresh(f"meson-{kind}") / "source", WORK / f"meson-{kind}/build"
+                (source / "subprojects").mkdir(parents=True)
+                (source / "subprojects/nuv1math").symlink_to(ROOT)
+                for path in (HERE / "meson-sources/meson.build", CONSUMER):
+                    shutil.copy(path, source)
+                run("meson", "setup", f"--default-library={kind}", build, source, CC="gcc", CXX="g++")
+                run("meson", "test", "-C", build)
+                self.assertEqual("libnuv1math" in run("ldd", build / "consumer"), kind == "shared")
+
     def test_finds_the_dll_beside_its_program(self):
         build_project(HERE / "parent", fresh("parent-windows"), f"-DLIBRARY={ROOT}", "--toolchain",
                       TOOLCHAINS / "windows-x64.cmake")
