@@ -156,6 +156,17 @@ TEST(Blunders, TwoInAnExactSetAreNamedUnderEveryKind)
     }
 }
 
+// The similarity misfits the points by more than the blunder. The richer kinds name it.
+TEST(Blunders, AreNamedUnderAPoorerKindThatDoesNotFit)
+{
+    TSet Set = RandomSet(8, Affine, 0, 21);
+    Set.vdXa[5] += 50;
+    const TResult Result = Judged(Set, {ASK_CONFORMAL, 0, 0, 0, USUAL_LEVEL});
+    EXPECT_GT(Result.Judgement.dRms, 50);
+    EXPECT_EQ(std::set<int>{5}, Suspects(Result));
+    EXPECT_GT(Result.vPoints[5].SuspectKind, nuv::METHOD_CONFORMAL);
+}
+
 // Without the blunder the affine fit is exact.
 TEST(Blunders, RobustDropsTheBlundersAndListsThem)
 {

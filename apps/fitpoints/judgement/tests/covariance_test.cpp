@@ -209,6 +209,20 @@ TEST(Covariance, OfTheShapeFollowsTheDerivatives)
     }
 }
 
+// A = E and B = -D; mirrored A = -E and B = D.
+TEST(Covariance, OfASimilarityTiesItsCoefficients)
+{
+    for (const bool bMirrored : {false, true})
+    {
+        const TMatrix8 C = Matrix(Judged(RandomSet(9, Similarity, 0.5, 4), ASK_CONFORMAL, bMirrored).Covariance);
+        const double dSign = bMirrored ? -1 : 1;
+        EXPECT_GT(C(0, 0), 0);
+        EXPECT_DOUBLE_EQ(C(0, 0), C(4, 4));
+        EXPECT_DOUBLE_EQ(dSign * C(0, 0), C(4, 0));
+        EXPECT_DOUBLE_EQ(-dSign * C(1, 1), C(3, 1));
+    }
+}
+
 TEST(Covariance, DoesNotExistWithoutRedundancy)
 {
     const TSet Set = RandomSet(3, Affine, 1, 6);
