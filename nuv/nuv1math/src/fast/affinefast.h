@@ -62,6 +62,7 @@ template <typename TVector> static NUV_INLINE double At(const TRow<TVector>& a_R
 }
 
 // The rows of a vector of points, from four vectors of one value each.
+// host only: each processor runs the instance of one width
 template <typename TVector, int LANES>
 static NUV_INLINE void MakeRows(const TVector* a_vValues, TRow<TVector> (&a_Rows)[LANES])
 {
@@ -163,6 +164,7 @@ static NUV_INLINE void FormValues(const TControlPoints& a_Points, unsigned int i
 }
 
 // Adds all points to the sums of a fit.
+// host only: each processor runs the instance of one width
 template <typename TVector, typename TSums>
 static NUV_INLINE void AddAllPoints(const TControlPoints& a_Points, const TMeans& a_Means, TSums& a_Sums)
 {
