@@ -8,6 +8,7 @@ A marker stands at the end of its line, or alone on the line above it:
 
 "unreachable"  no input reaches the line, or takes one of its branches.
 "host only"    other machines or other builds reach it.
+"by processor" some processors reach it and others do not, since their vectors have another width.
 "equivalent"   some change of the line, of those that mutate.py makes, changes no result.
 
 The reason after the colon is required. A marker of an if covers its block too,
@@ -19,7 +20,7 @@ SPDX-License-Identifier: MIT
 
 import re
 
-MARKER = re.compile(r"(?P<before>.*?)// (?P<word>unreachable|host only|equivalent): \S")
+MARKER = re.compile(r"(?P<before>.*?)// (?P<word>unreachable|host only|by processor|equivalent): \S")
 
 
 def indent_of(text):

@@ -62,7 +62,7 @@ template <typename TVector> static NUV_INLINE double At(const TRow<TVector>& a_R
 }
 
 // The rows of a vector of points, from four vectors of one value each.
-// host only: each processor runs the instance of one width
+// by processor: each one runs the instance of one width
 template <typename TVector, int LANES>
 static NUV_INLINE void MakeRows(const TVector* a_vValues, TRow<TVector> (&a_Rows)[LANES])
 {
@@ -81,6 +81,7 @@ static NUV_INLINE void MakeRows(const TVector* a_vValues, TRow<TVector> (&a_Rows
     }
 }
 
+// by processor: each one runs the instance of one width
 template <typename TVector> static NUV_INLINE void Add(const TRow<TVector>& a_Row, TRow<TVector>& a_Sums)
 {
     NUV_UNROLL for (int k = 0; k < TRow<TVector>::VECTORS; ++k)
@@ -90,6 +91,7 @@ template <typename TVector> static NUV_INLINE void Add(const TRow<TVector>& a_Ro
 }
 
 // Adds the products of a factor and a row.
+// by processor: each one runs the instance of one width
 template <typename TVector>
 static NUV_INLINE void AddTimes(double a_dFactor, const TRow<TVector>& a_Row, TRow<TVector>& a_Sums)
 {
@@ -164,7 +166,7 @@ static NUV_INLINE void FormValues(const TControlPoints& a_Points, unsigned int i
 }
 
 // Adds all points to the sums of a fit.
-// host only: each processor runs the instance of one width
+// by processor: each one runs the instance of one width
 template <typename TVector, typename TSums>
 static NUV_INLINE void AddAllPoints(const TControlPoints& a_Points, const TMeans& a_Means, TSums& a_Sums)
 {
@@ -223,11 +225,11 @@ static NUV_INLINE void SumConformalBy(const TControlPoints& a_Points, const TMea
     a_Sums.dSb = At(Row.Terms, 2);
 }
 
-// host only: the processor has one width of vectors
+// by processor: it has one width of vectors
 NUV_BY_WIDTH(SumAffine, (const TControlPoints& a_Points, const TMeans& a_Means, TAffineSums& a_Sums),
              (a_Points, a_Means, a_Sums))
 
-// host only: the processor has one width of vectors
+// by processor: it has one width of vectors
 NUV_BY_WIDTH(SumConformal, (const TControlPoints& a_Points, const TMeans& a_Means, TConformalSums& a_Sums),
              (a_Points, a_Means, a_Sums))
 

@@ -25,7 +25,7 @@ namespace nuv {
 // ---------------------------------------------------------------------------------------------------------------------
 
 // Rows i to i + LANES - 1. Row i begins at a_vdMatrix. Returns the start of the row behind.
-// host only: each processor runs the instance of one width
+// by processor: each one runs the instance of one width
 template <typename TVector>
 static NUV_INLINE double* AddRowsTogetherBy(int i, double* __restrict a_vdMatrix, const double* __restrict a_vdRow)
 {
@@ -62,7 +62,7 @@ static NUV_INLINE double* AddRowsTogetherBy(int i, double* __restrict a_vdMatrix
 }
 
 // __restrict: the observation does not overlap the matrix.
-// host only: each processor runs the instance of one width
+// by processor: each one runs the instance of one width
 template <typename TVector>
 static NUV_INLINE void AddRowsBy(int a_iUnknowns, double* __restrict a_vdMatrix, const double* __restrict a_vdRow)
 {
@@ -86,7 +86,7 @@ static NUV_INLINE void AddRowsBy(int a_iUnknowns, double* __restrict a_vdMatrix,
     }
 }
 
-// host only: the processor has one width of vectors
+// by processor: it has one width of vectors
 NUV_BY_WIDTH(AddRows, (int a_iUnknowns, double* a_vdMatrix, const double* a_vdRow), (a_iUnknowns, a_vdMatrix, a_vdRow))
 
 void AddObservationByVectors(int a_iUnknowns, double* a_vdMatrix, double* a_vdVector, const double* a_vdRow,
@@ -186,7 +186,7 @@ template <typename TVector> struct TRest
     TVector vvSquares[SQUARES][LANES];
 };
 
-// host only: each processor runs the instance of one width
+// by processor: each one runs the instance of one width
 template <typename TVector> static NUV_INLINE void LoadRow(const double* a_vdFrom, int r, TRest<TVector>& a_Rest)
 {
     NUV_UNROLL for (int s = 0; s < TRest<TVector>::SQUARES; ++s)
@@ -195,7 +195,7 @@ template <typename TVector> static NUV_INLINE void LoadRow(const double* a_vdFro
     }
 }
 
-// host only: each processor runs the instance of one width
+// by processor: each one runs the instance of one width
 template <typename TVector> static NUV_INLINE void StoreRow(const TRest<TVector>& a_Rest, int r, double* a_vdTo)
 {
     NUV_UNROLL for (int s = 0; s < TRest<TVector>::SQUARES; ++s)
@@ -206,7 +206,7 @@ template <typename TVector> static NUV_INLINE void StoreRow(const TRest<TVector>
 
 // Subtracts the products from the rows of a tile from iFirst on. A sum waits for its own last difference; several
 // independent sums together keep the adders busy. The sum of a diagonal element advances beside them at little cost.
-// host only: each processor runs the instance of one width
+// by processor: each one runs the instance of one width
 template <bool DIAGONAL, typename TVector>
 static NUV_INLINE void SubtractFromRows(const TProducts& a_Products, ptrdiff_t a_iFirst, TRest<TVector>& a_Rest,
                                         TDiagonal& a_Diagonal)
@@ -250,7 +250,7 @@ static NUV_INLINE void SubtractFromRows(const TProducts& a_Products, ptrdiff_t a
 }
 
 // Subtracts the products from a tile, and the squares of a diagonal element beside its first rows.
-// host only: each processor runs the instance of one width
+// by processor: each one runs the instance of one width
 template <bool DIAGONAL, typename TVector>
 static NUV_INLINE void SubtractFromTile(const TProducts& a_Products, TTile& a_Tile, TDiagonal& a_Diagonal)
 {
@@ -280,7 +280,7 @@ static NUV_INLINE void SubtractFromTile(const TProducts& a_Products, TTile& a_Ti
     }
 }
 
-// host only: each processor runs the instance of one width
+// by processor: each one runs the instance of one width
 template <typename TVector>
 static NUV_INLINE void SubtractProductsBy(const TProducts& a_Products, TTile& a_Tile, TDiagonal* a_pDiagonal)
 {
@@ -295,7 +295,7 @@ static NUV_INLINE void SubtractProductsBy(const TProducts& a_Products, TTile& a_
     }
 }
 
-// host only: the processor has one width of vectors
+// by processor: it has one width of vectors
 NUV_BY_WIDTH_OR_EIGHT(SubtractProducts, a_Products.bEights,
                       (const TProducts& a_Products, TTile& a_Tile, TDiagonal* a_pDiagonal),
                       (a_Products, a_Tile, a_pDiagonal))
@@ -377,7 +377,7 @@ struct TFinish
 
 // Finishes rows of a tile that are below the diagonal: subtracts the products with the tile's own columns, and scales.
 // The rows become the elements of vectors, so that each column follows the one before without shuffles.
-// host only: each processor runs the instance of one width
+// by processor: each one runs the instance of one width
 template <typename TVector> static NUV_INLINE void FinishRest(const TFinish& a_Finish, TRest<TVector>& a_Rest)
 {
     enum
@@ -406,7 +406,7 @@ template <typename TVector> static NUV_INLINE void FinishRest(const TFinish& a_F
 }
 
 // Loads rows of a tile whose columns begin at c.
-// host only: each processor runs the instance of one width
+// by processor: each one runs the instance of one width
 template <typename TVector>
 static NUV_INLINE void LoadRest(double* const* a_vvdRows, ptrdiff_t c, TRest<TVector>& a_Rest)
 {
@@ -417,7 +417,7 @@ static NUV_INLINE void LoadRest(double* const* a_vvdRows, ptrdiff_t c, TRest<TVe
 }
 
 // Stores the first a_iColumns elements of rows of a tile.
-// host only: each processor runs the instance of one width
+// by processor: each one runs the instance of one width
 template <typename TVector>
 static NUV_INLINE void StoreRest(const TRest<TVector>& a_Rest, ptrdiff_t c, ptrdiff_t a_iColumns,
                                  double* const* a_vvdRows)
@@ -439,7 +439,7 @@ static NUV_INLINE void StoreRest(const TRest<TVector>& a_Rest, ptrdiff_t c, ptrd
 }
 
 // Finishes a tile of a block and stores it.
-// host only: each processor runs the instance of one width
+// by processor: each one runs the instance of one width
 template <typename TVector>
 static NUV_INLINE void FinishTileBy(const TFinish& a_Finish, const TTile& a_Tile, ptrdiff_t a_iRows,
                                     double* const* a_vvdRows)
@@ -456,7 +456,7 @@ static NUV_INLINE void FinishTileBy(const TFinish& a_Finish, const TTile& a_Tile
     }
 }
 
-// host only: the processor has one width of vectors
+// by processor: it has one width of vectors
 NUV_BY_WIDTH_OR_EIGHT(FinishTile, a_Finish.bEights,
                       (const TFinish& a_Finish, const TTile& a_Tile, ptrdiff_t a_iRows, double* const* a_vvdRows),
                       (a_Finish, a_Tile, a_iRows, a_vvdRows))
@@ -464,7 +464,7 @@ NUV_BY_WIDTH_OR_EIGHT(FinishTile, a_Finish.bEights,
 // One pass over the rows of a tile: subtracts the products, and finishes the elements if a_bLast is set. Otherwise the
 // sums stay in the matrix. All rows are subtracted before one is finished: a row that goes through both would leave the
 // kernel too few registers.
-// host only: each processor runs the instance of one width
+// by processor: each one runs the instance of one width
 template <typename TVector>
 static NUV_INLINE void PassRowsBy(const TProducts& a_Products, const TFinish& a_Finish, bool a_bLast,
                                   double* const* a_vvdRows)
@@ -487,7 +487,7 @@ static NUV_INLINE void PassRowsBy(const TProducts& a_Products, const TFinish& a_
     }
 }
 
-// host only: the processor has one width of vectors
+// by processor: it has one width of vectors
 NUV_BY_WIDTH_OR_EIGHT(PassRows, a_Finish.bEights,
                       (const TProducts& a_Products, const TFinish& a_Finish, bool a_bLast, double* const* a_vvdRows),
                       (a_Products, a_Finish, a_bLast, a_vvdRows))
@@ -780,7 +780,7 @@ static NUV_INLINE void SubstituteBackwardBy(ptrdiff_t a_iN, const double* a_vdFa
     }
 }
 
-// host only: the processor has one width of vectors
+// by processor: it has one width of vectors
 NUV_BY_WIDTH(SubstituteBackward, (ptrdiff_t a_iN, const double* a_vdFactor, double* a_vdVector),
              (a_iN, a_vdFactor, a_vdVector))
 

@@ -270,7 +270,7 @@ static NUV_INLINE void SumPointsBy(const TControlPoints& a_Points, const double*
     memcpy(&a_Sums, &Sums, sizeof a_Sums);
 }
 
-// host only: the processor has one width of vectors
+// by processor: it has one width of vectors
 NUV_BY_WIDTH(SumPoints, (const TControlPoints& a_Points, const double* a_vdCoefs, TPointSums<double>& a_Sums),
              (a_Points, a_vdCoefs, a_Sums))
 

@@ -92,7 +92,7 @@ typedef double TEight __attribute__((vector_size(8 * sizeof(double))));
 
 // Swaps the elements between two vectors that a transposition swaps: STEP is the distance of the vectors' numbers. Each
 // element of the first whose number has the bit STEP changes places with the element STEP before it in the second.
-// host only: each processor runs the instance of one width
+// by processor: each one runs the instance of one width
 template <int STEP> static NUV_INLINE void SwapAcross(TPair& a_First, TPair& a_Second)
 {
     const TPair First = a_First;
@@ -100,7 +100,7 @@ template <int STEP> static NUV_INLINE void SwapAcross(TPair& a_First, TPair& a_S
     a_Second = __builtin_shufflevector(First, a_Second, 1, 3);
 }
 
-// host only: each processor runs the instance of one width
+// by processor: each one runs the instance of one width
 template <int STEP> static NUV_INLINE void SwapAcross(TFour& a_First, TFour& a_Second)
 {
     const TFour First = a_First;
@@ -114,7 +114,7 @@ template <int STEP> static NUV_INLINE void SwapAcross(TFour& a_First, TFour& a_S
     a_Second = __builtin_shufflevector(First, a_Second, 2, 3, 6, 7);
 }
 
-// host only: each processor runs the instance of one width
+// by processor: each one runs the instance of one width
 template <int STEP> static NUV_INLINE void SwapAcross(TEight& a_First, TEight& a_Second)
 {
     const TEight First = a_First;
@@ -135,7 +135,7 @@ template <int STEP> static NUV_INLINE void SwapAcross(TEight& a_First, TEight& a
     }
 }
 
-// host only: each processor runs the instance of one width
+// by processor: each one runs the instance of one width
 template <int STEP, int LANES, typename TVector> static NUV_INLINE void SwapAcrossAll(TVector (&a_vRows)[LANES])
 {
     NUV_UNROLL for (int r = 0; r + STEP < LANES; ++r)
@@ -148,7 +148,7 @@ template <int STEP, int LANES, typename TVector> static NUV_INLINE void SwapAcro
 }
 
 // Replaces the rows of a square of as many vectors as each has elements by its columns.
-// host only: each processor runs the instance of one width
+// by processor: each one runs the instance of one width
 template <int LANES, typename TVector> static NUV_INLINE void Transpose(TVector (&a_vRows)[LANES])
 {
     SwapAcrossAll<1>(a_vRows);
