@@ -19,7 +19,7 @@
 
 namespace nuv {
 
-// Load a vector from an array and store it there. The address need not be aligned. Without vectors they take a double.
+// Load a vector from an array and store it there. The address need not be aligned. Without vectors Load takes a double.
 template <typename TVector> static NUV_INLINE void Load(const double* a_vdFrom, TVector& a_Vector)
 {
     memcpy(&a_Vector, a_vdFrom, sizeof a_Vector);
@@ -33,11 +33,6 @@ static NUV_INLINE void Load(const double* a_vdFrom, double& a_dValue)
 template <typename TVector> static NUV_INLINE void Store(const TVector& a_Vector, double* a_vdTo)
 {
     memcpy(a_vdTo, &a_Vector, sizeof a_Vector);
-}
-
-static NUV_INLINE void Store(const double& a_dValue, double* a_vdTo)
-{
-    *a_vdTo = a_dValue;
 }
 
 // Gives every element of a vector the same value.
