@@ -88,8 +88,9 @@ static double Distortion(double a_dA, double a_dB, double a_dD, double a_dE)
     return std::min(dFirst, dSecond) / std::max(dFirst, dSecond);
 }
 
-// Coordinates within the range of degrees are taken as such if they are not near the equator, and if their affine transformation is nearer to a similarity
-// when degrees of longitude have their length at that latitude. Images of the earth mostly are.
+// Coordinates within the range of degrees are taken as such if they are not near the equator, and if their affine
+// transformation is nearer to a similarity when degrees of longitude have their length at that latitude. Images of the
+// earth mostly are.
 static bool SeemDegrees(const TFit& a_Fit, double a_dAspect)
 {
     const judgement::TKindRow& Affine = a_Fit.Judgement.vKinds[nuv::METHOD_AFFINE];
