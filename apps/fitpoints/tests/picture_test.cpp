@@ -306,6 +306,27 @@ TEST_F(Picture, EllipsesShowTheStandardDeviationOfTheComputedPositions)
     }
 }
 
+// The ellipses are those that the table of transformed points states.
+TEST_F(Picture, EllipsesHaveTheAxesAndTheDirectionOfTheTransformedPoints)
+{
+    Write("p.csv", "x,y,X,Y\n0,0,0,0\n10,0,10.2,0.1\n10,8,12.1,9.7\n0,8,-0.3,8.2\n5,3,5.3,3.1\n2,7,2.2,7.4\n");
+    const TRun Table = Run({"p.csv", "--method", "omographic", "--apply", "p.csv", "--deviations"});
+    double dMajor = 0;
+    double dMinor = 0;
+    double dDirection = 0;
+    const std::string szFirst = Table.szOut.substr(Table.szOut.find("\n0,0,") + 1);
+    ASSERT_EQ(3, std::sscanf(szFirst.c_str(), "0,0,%*f,%*f,%*f,%*f,%lf,%lf,%lf", &dMajor, &dMinor, &dDirection));
+
+    const TPicture Drawn = Draw({"p.csv", "--method", "omographic"});
+    const std::vector<TRow> vEllipses = Drawn.Rows("lines linewidth 0.8");
+    ASSERT_LE(37u, vEllipses.size());
+    const auto Diameter = [&](std::size_t i) // half of the distance of two opposite points
+    { return std::hypot(vEllipses[i + 18][0] - vEllipses[i][0], vEllipses[i + 18][1] - vEllipses[i][1]) / 2; };
+    EXPECT_NEAR(dMajor / dMinor, Diameter(0) / Diameter(9), 0.01);
+    const double dDrawn = std::atan2(vEllipses[0][1] - vEllipses[18][1], vEllipses[0][0] - vEllipses[18][0]);
+    EXPECT_NEAR(0, std::sin(dDrawn - dDirection * std::atan(1.0) / 45), 0.02); // either end of the axis
+}
+
 TEST_F(FitPoints, ManyPointsAreDrawnAsCellsInASmallPicture)
 {
     {
