@@ -184,7 +184,7 @@ def checks_of(names, interface):
 
 def formatted(name, text):
     """The text in the format of this repository."""
-    return subprocess.run(["clang-format", f"--assume-filename={HERE / name}"], input=text, text=True, check=True,
+    return subprocess.run(["clang-format-14", f"--assume-filename={HERE / name}"], input=text, text=True, check=True,
                           stdout=subprocess.PIPE).stdout
 
 

@@ -15,8 +15,8 @@ mingw='g++-mingw-w64-x86-64-posix g++-mingw-w64-i686-posix'
 declare -A packages=(
     [fit]="$native $fitpoints"
     [site]="$native $site"
-    [default]="$native_tests $fitpoints $fitpoints_tests $site clang abigail-tools python3-mpmath gappa libmpfr-dev
-               libboost-dev mono-mcs mono-runtime fp-compiler"
+    [default]="$native_tests $fitpoints $fitpoints_tests $site clang clang-format-14 abigail-tools python3-mpmath gappa
+               libmpfr-dev libboost-dev mono-mcs mono-runtime fp-compiler"
     [linux-gcc-cxx20]="$native_tests clang abigail-tools"
     [linux-clang]="$native_tests clang"
     [linux-clang-cxx20]="$native_tests clang"
@@ -28,8 +28,8 @@ declare -A packages=(
     [windows-x86]="$cross_tests g++-mingw-w64-i686-posix"
     [wince-armv4]="$cross_tests $armel clang"
     [consumers]="$native make python3 pkgconf meson clang lld llvm $mingw wine wine64 gcc-arm-none-eabi"
-    [wasm]="$tools python3 googletest libeigen3-dev clang lld llvm binaryen nodejs npm wasi-libc libclang-rt-14-dev-wasm32
-            libc++-14-dev-wasm32 libc++abi-14-dev-wasm32"
+    [wasm]="$tools python3 googletest libeigen3-dev clang lld llvm binaryen nodejs npm wasi-libc
+            libclang-rt-14-dev-wasm32 libc++-14-dev-wasm32 libc++abi-14-dev-wasm32"
     [package-linux]="$native $fitpoints $site"
     [package-deb]="$native $fitpoints $site dpkg-dev file"
     [package-windows-x64]="$tools zip llvm g++-mingw-w64-x86-64-posix"
