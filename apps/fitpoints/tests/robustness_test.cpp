@@ -307,7 +307,9 @@ protected:
     {
         for (int i = 0; i < 200; ++i)
         {
-            const std::string szStatus = Contents("/proc/" + std::to_string(a_iProcess) + "/stat");
+            std::ifstream Status("/proc/" + std::to_string(a_iProcess) + "/stat");
+            std::string szStatus; // stays empty also if the process ends between opening and reading
+            std::getline(Status, szStatus);
             if (szStatus.empty() || szStatus.find(") Z ") != std::string::npos)
             {
                 return true;
