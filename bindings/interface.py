@@ -11,6 +11,7 @@ SPDX-License-Identifier: MIT
 import dataclasses
 import pathlib
 import re
+import sys
 
 ROOT = pathlib.Path(__file__).resolve().parents[1]
 LIBRARY = ROOT / "nuv/nuv_math/include/nuv1math.h"
@@ -142,3 +143,19 @@ def read_interface(path):
     if len(set(names)) != len(names):
         raise NotUnderstood(f"{path.name}: an overload has no name of its own in NAMES_OF_OVERLOADS")
     return interface
+
+
+def write_or_check(directory, files, usage):
+    """The command of a generator: writes the files (name and text), or with --check fails if one is not up to date."""
+    if sys.argv[1:] not in ([], ["--check"]):
+        sys.exit(usage)
+    stale = []
+    for name, text in files.items():
+        path = directory / name
+        if not sys.argv[1:]:
+            path.write_text(text, encoding="utf-8")
+        elif not path.exists() or path.read_text(encoding="utf-8") != text:
+            stale.append(name)
+    if stale:
+        sys.exit(f"{directory.name}/generate.py: not what the headers of C++ give: {', '.join(stale)}; run it without "
+                 "an option")

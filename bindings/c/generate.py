@@ -16,7 +16,7 @@ import sys
 HERE = pathlib.Path(__file__).resolve().parent
 sys.path.insert(0, str(HERE.parent))
 sys.dont_write_bytecode = True
-from interface import JUDGEMENT, LIBRARY, read_interface
+from interface import JUDGEMENT, LIBRARY, read_interface, write_or_check
 
 HEADER_START = """\
 /* nuv1math_c.h: the functions of nuv1math and of its judgement module for C and for every language that can call C.
@@ -204,20 +204,5 @@ def files():
     }
 
 
-def main():
-    """Writes or compares the files."""
-    if sys.argv[1:] not in ([], ["--check"]):
-        sys.exit(__doc__)
-    stale = []
-    for name, text in files().items():
-        path = HERE / name
-        if not sys.argv[1:]:
-            path.write_text(text, encoding="utf-8")
-        elif not path.exists() or path.read_text(encoding="utf-8") != text:
-            stale.append(name)
-    if stale:
-        sys.exit(f"generate.py: not what the headers of C++ give: {', '.join(stale)}; run it without an option")
-
-
 if __name__ == "__main__":
-    main()
+    write_or_check(HERE, files(), __doc__)

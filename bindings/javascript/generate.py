@@ -15,7 +15,7 @@ import sys
 HERE = pathlib.Path(__file__).resolve().parent
 sys.path.insert(0, str(HERE.parent))
 sys.dont_write_bytecode = True
-from interface import JUDGEMENT, LIBRARY, read_interface
+from interface import JUDGEMENT, LIBRARY, read_interface, write_or_check
 
 HEAD = """\
 // {name}: {what}
@@ -115,23 +115,12 @@ def types(interfaces, layouts):
     return "\n".join(lines)
 
 
-def main():
-    """Writes or compares the files."""
-    if sys.argv[1:] not in ([], ["--check"]):
-        sys.exit(__doc__)
+def files():
+    """The generated files: name and text."""
     interfaces = [read_interface(LIBRARY), read_interface(JUDGEMENT)]
     layouts = Layouts(interfaces)
-    files = {"interface.mjs": module(interfaces, layouts), "interface.d.ts": types(interfaces, layouts)}
-    stale = []
-    for name, text in files.items():
-        path = HERE / name
-        if not sys.argv[1:]:
-            path.write_text(text, encoding="utf-8")
-        elif not path.exists() or path.read_text(encoding="utf-8") != text:
-            stale.append(name)
-    if stale:
-        sys.exit(f"generate.py: not what the headers of C++ give: {', '.join(stale)}; run it without an option")
+    return {"interface.mjs": module(interfaces, layouts), "interface.d.ts": types(interfaces, layouts)}
 
 
 if __name__ == "__main__":
-    main()
+    write_or_check(HERE, files(), __doc__)
