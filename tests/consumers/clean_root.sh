@@ -2,11 +2,11 @@
 # clean_root.sh: installs, uses, removes and purges the Debian packages. Runs as root in a Debian that is thrown away.
 # SPDX-License-Identifier: MIT
 #
-# scripts/check packages makes that Debian. It holds the packages in /root/try/packages and the sources in /root/try/tree.
+# scripts/check packages makes that Debian. It holds the packages in /opt/try/packages and the sources in /opt/try/tree.
 set -euo pipefail
 export DEBIAN_FRONTEND=noninteractive LC_ALL=C.UTF-8
 
-cd /root/try
+cd /opt/try
 names=(libnuv1math1 libnuv1math-dev nuv1math-tools nuv1math-doc)
 consumers=tree/tests/consumers
 
@@ -55,7 +55,7 @@ apt-get -q remove -y "${names[@]}" >/dev/null
 dpkg --purge "${names[@]}" >/dev/null 2>&1
 expect_nothing dpkg -l
 expect_nothing ldconfig -p
-expect_nothing find / -xdev -path /root -prune -o -path /proc -prune -o -name '*nuv1math*' -print
+expect_nothing find / -xdev -path /opt/try -prune -o -path /proc -prune -o -name '*nuv1math*' -print
 
 # Without packages, by the commands of README.md for the whole system.
 sudo() { "$@"; }
