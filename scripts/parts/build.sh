@@ -11,6 +11,7 @@ armel='g++ g++-arm-linux-gnueabi libc6-dev-armel-cross qemu-user' # g++ for the 
 site='python3 doxygen nodejs katex'
 fitpoints='libcli11-dev libcsv-dev nlohmann-json3-dev gnuplot-nox fonts-unifont help2man man-db'
 fitpoints_tests='gdal-bin proj-bin'
+npm=$(command -v npm >/dev/null || echo npm) # a nodejs that is not Debian's has its own npm and conflicts with this one
 mingw='g++-mingw-w64-x86-64-posix g++-mingw-w64-i686-posix'
 declare -A packages=(
     [fit]="$native $fitpoints"
@@ -28,7 +29,7 @@ declare -A packages=(
     [windows-x86]="$cross_tests g++-mingw-w64-i686-posix"
     [wince-armv4]="$cross_tests $armel clang"
     [consumers]="$native make python3 pkgconf meson clang lld llvm $mingw wine wine64 gcc-arm-none-eabi"
-    [wasm]="$tools python3 googletest libeigen3-dev clang lld llvm binaryen nodejs npm wasi-libc
+    [wasm]="$tools python3 googletest libeigen3-dev clang lld llvm binaryen nodejs $npm wasi-libc
             libclang-rt-14-dev-wasm32 libc++-14-dev-wasm32 libc++abi-14-dev-wasm32"
     [package-linux]="$native $fitpoints $site"
     [package-deb]="$native $fitpoints $site dpkg-dev file"
