@@ -2,6 +2,9 @@
 #
 # The pages of the library as a site of HTML files. The target `site` makes it in the directory site/html of the build.
 # It needs doxygen, nodejs and katex; without them there is no target. The component `doc` installs it if it was made.
+# Packages have the site without the page apps/georeference, because that takes the compiler for WebAssembly.
+
+set(NUV1MATH_SITE_PAGE "" CACHE FILEPATH "The built page apps/georeference, which the site takes; scripts/docs site builds it")
 
 find_package(Python3 COMPONENTS Interpreter)
 find_program(NUV1MATH_DOXYGEN doxygen)
@@ -30,8 +33,8 @@ file(GLOB site_inputs CONFIGURE_DEPENDS ${PROJECT_SOURCE_DIR}/docs/*.* ${PROJECT
   ${PROJECT_SOURCE_DIR}/scripts/pages/*.py ${PROJECT_SOURCE_DIR}/README.md ${PROJECT_SOURCE_DIR}/tests/consumers/*/*)
 set(site_index ${PROJECT_BINARY_DIR}/site/html/index.html)
 add_custom_command(OUTPUT ${site_index} VERBATIM
-  COMMAND ${Python3_EXECUTABLE} -B ${PROJECT_SOURCE_DIR}/scripts/pages/build_site.py ${PROJECT_BINARY_DIR}/site
-  DEPENDS ${site_inputs} ${NUV1MATH_INCLUDE_DIR}/nuv1math.h
+  COMMAND ${Python3_EXECUTABLE} -B ${PROJECT_SOURCE_DIR}/scripts/pages/build_site.py ${PROJECT_BINARY_DIR}/site ${NUV1MATH_SITE_PAGE}
+  DEPENDS ${site_inputs} ${NUV1MATH_SITE_PAGE} ${NUV1MATH_INCLUDE_DIR}/nuv1math.h
   COMMENT "Making the site of the library's pages")
 add_custom_target(site ${in_all} DEPENDS ${site_index})
 

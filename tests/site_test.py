@@ -23,8 +23,8 @@ GROUPS = ("fits", "affine", "conformal", "omographic", "packed", "linear", "dens
           "random")
 
 
-def make_site(folder):
-    subprocess.run([sys.executable, "-B", ROOT / "scripts/pages/build_site.py", folder], check=True)
+def make_site(folder, *page):
+    subprocess.run([sys.executable, "-B", ROOT / "scripts/pages/build_site.py", folder, *page], check=True)
     return {path.name: path.read_bytes() for path in pathlib.Path(folder, "html").iterdir()}
 
 
@@ -64,6 +64,19 @@ class Site(unittest.TestCase):
 
     def test_is_small(self):
         self.assertLess(sum(map(len, self.files.values())), 1000000)
+
+    def test_does_not_link_to_the_page_that_it_has_not(self):
+        self.assertNotIn("georeference.html", self.pages["index.html"])
+
+    def test_takes_the_page_as_it_is(self):
+        page = "<!DOCTYPE html><title>\\(x\\)</title><script>'<a href=\"b.html\">'</script>"
+        with tempfile.TemporaryDirectory() as folder:
+            built = pathlib.Path(folder, "built.html")
+            built.write_text(page)
+            files = make_site(folder, built)
+        self.assertEqual(files["georeference.html"].decode(), page)
+        self.assertIn('href="georeference.html"', files["index.html"].decode())
+        self.assertEqual(files.keys() - {"georeference.html"}, self.files.keys())
 
 
 class Claims(unittest.TestCase):

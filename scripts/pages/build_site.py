@@ -4,7 +4,9 @@
 Copyright (c) 2026 the nuv1math authors
 SPDX-License-Identifier: MIT
 
-    build_site.py DIRECTORY       replaces DIRECTORY/html; DIRECTORY/input holds what doxygen reads
+    build_site.py DIRECTORY [PAGE]    replaces DIRECTORY/html; DIRECTORY/input holds what doxygen reads
+
+PAGE is the built page apps/georeference. The site takes it as it is, and the front page links to it.
 
 Needs doxygen, and katex with nodejs for the formulas. Fails, and leaves the old site, if doxygen gives a warning or if
 a link of the new site leads nowhere. The same inputs give the same bytes.
@@ -91,21 +93,23 @@ def tidy(pages):
 
 
 def main():
-    if len(sys.argv) != 2:
-        sys.exit("usage: build_site.py DIRECTORY")
-    folder = pathlib.Path(sys.argv[1]).resolve()
+    if len(sys.argv) not in (2, 3):
+        sys.exit("usage: build_site.py DIRECTORY [PAGE]")
+    folder, *built = (pathlib.Path(argument).resolve() for argument in sys.argv[1:])
     for program in ("doxygen", "node"):
         if not shutil.which(program):
             fail(f"the program {program} is missing")
     unfinished = folder / "new"
     shutil.rmtree(unfinished, ignore_errors=True)
     unfinished.mkdir(parents=True)
-    inputs = site_inputs.write_inputs(unfinished / "input")
+    inputs = site_inputs.write_inputs(unfinished / "input", bool(built))
     run_doxygen(unfinished, inputs, [*site_inputs.IMAGES, unfinished / "input"])
     site = unfinished / "html"
     pages = sorted(site.glob("*.html"))
     typeset(pages)
     tidy(pages)
+    for page in built: # it is complete, nothing in it is doxygen's
+        shutil.copyfile(page, site / site_inputs.GEOREFERENCE)
     site_links.remove_unused(site)
     broken = site_links.broken_links(site)
     if broken:

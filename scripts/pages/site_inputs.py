@@ -19,6 +19,7 @@ README = ROOT / "README.md"
 HEADER = ROOT / "nuv/nuv_math/include/nuv1math.h"
 EXPORTS = (ROOT / "tests/exports.txt").read_text().splitlines()
 FUNCTIONS = sorted({line.split("(")[0].removeprefix("nuv::") for line in EXPORTS})
+GEOREFERENCE = "georeference.html" # the page apps/georeference, if the site has it
 IMAGES = [ROOT / "docs/figures", ROOT / "docs", ROOT / "apps/fitpoints"]
 
 
@@ -145,8 +146,10 @@ def from_readme(match):
     return show_links(README, part[0].strip()) + "\n"
 
 
-def show_document(document, label):
+def show_document(document, label, with_georeference):
     text = re.sub(r"<!-- README: ([\w ]+?)(?:, (.*?))? -->\n", from_readme, document.read_text())
+    if with_georeference:
+        text = re.sub(r"<!-- with georeference: (.*?) -->", r"\1", text)
     text = re.sub(r"<!--.*?-->\n?", "", text, flags=re.DOTALL)
     title, rest = text.lstrip().split("\n", 1)
     rest = re.sub(r"^(##+) +(.+)$", lambda m: f"{m[1]} {m[2]} {{#{anchor(label, m[2])}}}", rest, flags=re.MULTILINE)
@@ -164,8 +167,8 @@ def show_document(document, label):
     return f"{head}\n{rest}"
 
 
-def write_inputs(folder):
-    """Writes the inputs, and returns their paths."""
+def write_inputs(folder, with_georeference):
+    """Writes the inputs, and returns their paths. A site without the page apps/georeference does not link to it."""
     folder.mkdir()
     paths = [folder / HEADER.name]
     paths[0].write_text(show_header())
@@ -173,7 +176,7 @@ def write_inputs(folder):
     paths[1].write_text(list_functions())
     for document, label in DOCUMENTS.items():
         paths.append(folder / f"{label}.md")
-        paths[-1].write_text(show_document(document, label))
+        paths[-1].write_text(show_document(document, label, with_georeference))
     for name in plots.PLOTS:
         (folder / f"{name}.svg").write_text(plots.draw(name, (ROOT / f"docs/{name}.md").read_text()))
     return paths
