@@ -11,13 +11,15 @@ armel='g++ g++-arm-linux-gnueabi libc6-dev-armel-cross qemu-user' # g++ for the 
 site='python3 doxygen nodejs katex'
 fitpoints='libcli11-dev libcsv-dev nlohmann-json3-dev gnuplot-nox fonts-unifont help2man man-db'
 fitpoints_tests='gdal-bin proj-bin'
+python='python3-dev python3-cffi python3-numpy python3-setuptools python3-wheel python3-pip python3-venv'
+python_tests='python3-pytest python3-hypothesis python3-numpydoc mypy'
 npm=$(command -v npm >/dev/null || echo npm) # a nodejs that is not Debian's has its own npm and conflicts with this one
 mingw='g++-mingw-w64-x86-64-posix g++-mingw-w64-i686-posix'
 declare -A packages=(
     [fit]="$native $fitpoints"
     [site]="$native $site"
     [default]="$native_tests $fitpoints $fitpoints_tests $site clang clang-format-14 abigail-tools python3-mpmath gappa
-               libmpfr-dev libboost-dev mono-mcs mono-runtime fp-compiler"
+               libmpfr-dev libboost-dev mono-mcs mono-runtime fp-compiler $python $python_tests"
     [linux-gcc-cxx20]="$native_tests clang abigail-tools"
     [linux-clang]="$native_tests clang"
     [linux-clang-cxx20]="$native_tests clang"

@@ -1,0 +1,10 @@
+"""conftest.py: settings of all tests. The cases of hypothesis are the same in every run.
+
+Copyright (c) 2026 the nuv1math authors
+SPDX-License-Identifier: MIT
+"""
+
+import hypothesis
+
+hypothesis.settings.register_profile("fixed", derandomize=True, database=None, deadline=None)
+hypothesis.settings.load_profile("fixed")
