@@ -1,20 +1,27 @@
 # SPDX-License-Identifier: MIT
 #
-# Installs the library, its public header, what finds them (CMake's find_package, pkg-config), and the documents. The
-# components are those of the Debian packages: runtime, devel, tools and doc.
+# Installs the library, its C interface, their headers, what finds them (CMake's find_package, pkg-config), and the
+# documents. The components are those of the Debian packages: runtime, runtime_c, devel, tools and doc.
 
 include(CMakePackageConfigHelpers)
 
-# ---- Library and header ----
+# ---- Libraries and headers ----
 
-install(TARGETS nuv1math EXPORT nuv1math-targets
-  RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR} COMPONENT runtime
-  LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT runtime NAMELINK_COMPONENT devel
-  ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT devel)
-install(FILES ${NUV1MATH_INCLUDE_DIR}/nuv1math.h DESTINATION ${CMAKE_INSTALL_INCLUDEDIR} COMPONENT devel)
-if(NUV1MATH_MSVC_LIBRARY)
-  install(FILES ${NUV1MATH_MSVC_LIBRARY} DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT devel)
+# nuv1math_install_library(<target> <component> <header>): the component gets what programs need to run.
+function(nuv1math_install_library target component header)
+  install(TARGETS ${target} EXPORT nuv1math-targets
+    RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR} COMPONENT ${component}
+    LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT ${component} NAMELINK_COMPONENT devel
+    ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT devel)
+  install(FILES ${header} DESTINATION ${CMAKE_INSTALL_INCLUDEDIR} COMPONENT devel)
+endfunction()
+
+nuv1math_install_library(nuv1math runtime ${NUV1MATH_INCLUDE_DIR}/nuv1math.h)
+if(TARGET nuv1math_c)
+  nuv1math_install_library(nuv1math_c runtime_c ${PROJECT_SOURCE_DIR}/bindings/c/nuv1math_c.h)
 endif()
+get_property(msvc_libraries GLOBAL PROPERTY NUV1MATH_MSVC_LIBRARIES)
+install(FILES ${msvc_libraries} DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT devel)
 
 # ---- find_package(nuv1math) ----
 
@@ -43,6 +50,8 @@ endforeach()
 set(pc_libs "")
 set(pc_cflags "")
 set(pc_private "Libs.private:")
+set(pc_c_cflags "")
+set(pc_c_requires "Requires:")
 if(NOT WIN32)
   set(pc_private "Libs.private: -lm")
 endif()
@@ -50,9 +59,15 @@ if(NOT shared)
   string(REPLACE "Libs.private:" "" pc_libs "${pc_private}")
   set(pc_private "Libs.private:")
   set(pc_cflags " -DNUV1MATH_STATIC")
+  set(pc_c_cflags " -DNUV1MATH_C_STATIC")
+  set(pc_c_requires "Requires: nuv1math")
 endif()
 configure_file(${CMAKE_CURRENT_LIST_DIR}/nuv1math.pc.in ${PROJECT_BINARY_DIR}/nuv1math.pc @ONLY)
 install(FILES ${PROJECT_BINARY_DIR}/nuv1math.pc DESTINATION ${pkgconfig_dir} COMPONENT devel)
+if(TARGET nuv1math_c)
+  configure_file(${CMAKE_CURRENT_LIST_DIR}/nuv1math_c.pc.in ${PROJECT_BINARY_DIR}/nuv1math_c.pc @ONLY)
+  install(FILES ${PROJECT_BINARY_DIR}/nuv1math_c.pc DESTINATION ${pkgconfig_dir} COMPONENT devel)
+endif()
 
 # ---- Documents ----
 
@@ -61,3 +76,7 @@ if(NOT NUV1MATH_DEBIAN_PACKAGES) # a Debian package states its licence in its ow
   install(FILES ${PROJECT_SOURCE_DIR}/LICENSE DESTINATION ${CMAKE_INSTALL_DOCDIR} COMPONENT doc)
 endif()
 install(DIRECTORY ${PROJECT_SOURCE_DIR}/examples DESTINATION ${CMAKE_INSTALL_DOCDIR} COMPONENT doc)
+if(TARGET nuv1math_c)
+  install(DIRECTORY ${PROJECT_SOURCE_DIR}/bindings/c/examples/ DESTINATION ${CMAKE_INSTALL_DOCDIR}/examples/languages
+    COMPONENT doc)
+endif()

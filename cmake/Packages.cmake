@@ -1,7 +1,7 @@
 # SPDX-License-Identifier: MIT
 #
 # The Debian packages, which `cpack -G DEB` makes from the components of Install.cmake: libnuv1math1 (runtime),
-# libnuv1math-dev (devel), nuv1math-tools (tools), nuv1math-doc (doc). Build with the preset package-deb:
+# libnuv1math-c1 (runtime_c), libnuv1math-dev (devel), nuv1math-tools (tools), nuv1math-doc (doc). Build with the preset package-deb:
 # the prefix must be /usr. scripts/package does all of it.
 
 set(packaging ${PROJECT_SOURCE_DIR}/packaging)
@@ -18,7 +18,7 @@ set(CPACK_PRE_BUILD_SCRIPTS ${packaging}/finish_stage.cmake)
 set(CPACK_POST_BUILD_SCRIPTS ${packaging}/finish_packages.cmake)
 
 set(CPACK_DEB_COMPONENT_INSTALL ON)
-set(CPACK_COMPONENTS_ALL runtime devel tools doc)
+set(CPACK_COMPONENTS_ALL runtime runtime_c devel tools doc)
 set(CPACK_COMPONENTS_GROUPING IGNORE)
 set(CPACK_DEBIAN_ENABLE_COMPONENT_DEPENDS ON)
 set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
@@ -26,7 +26,7 @@ set(CPACK_DEBIAN_PACKAGE_MAINTAINER "nuv1math maintainers <maintainers@nuv1math.
 set(CPACK_DEBIAN_PACKAGE_SOURCE nuv1math)
 set(CPACK_DEBIAN_PACKAGE_CONTROL_STRICT_PERMISSION ON)
 set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
-set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS_PRIVATE_DIRS ${PROJECT_BINARY_DIR}/nuv/nuv1math)
+set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS_PRIVATE_DIRS ${PROJECT_BINARY_DIR}/nuv/nuv1math ${PROJECT_BINARY_DIR}/bindings/c)
 
 # CPack of Debian 12 has no setting for the field Multi-Arch. It writes the section as it stands, so the field follows in
 # a line of its own.
@@ -44,15 +44,27 @@ bits on every platform.
 ${text}" PARENT_SCOPE)
 endfunction()
 
-# The library. `symbols` and `shlibs` tell other packages on what they depend; CPack's own would demand this very version.
-set(CPACK_DEBIAN_RUNTIME_PACKAGE_NAME libnuv1math${PROJECT_VERSION_MAJOR})
+# package_library(COMPONENT package): the package of a shared library. `symbols` and `shlibs` tell other packages on what
+# they depend; CPack's own would demand this very version.
+function(package_library component package)
+  set(CPACK_DEBIAN_${component}_PACKAGE_NAME ${package} PARENT_SCOPE)
+  set(CPACK_DEBIAN_${component}_PACKAGE_SECTION "libs\nMulti-Arch: same" PARENT_SCOPE)
+  set(CPACK_DEBIAN_${component}_PACKAGE_CONTROL_EXTRA
+    ${packaging}/triggers ${packaging}/${package}/symbols ${packaging}/${package}/shlibs PARENT_SCOPE)
+endfunction()
+
+package_library(RUNTIME libnuv1math${PROJECT_VERSION_MAJOR})
 describe(RUNTIME "library" "This package has the shared library.")
-package_section(RUNTIME libs same)
-set(CPACK_DEBIAN_RUNTIME_PACKAGE_CONTROL_EXTRA ${packaging}/triggers ${packaging}/symbols ${packaging}/shlibs)
+
+package_library(RUNTIME_C libnuv1math-c${PROJECT_VERSION_MAJOR})
+describe(RUNTIME_C "C interface" "This package has the shared library of the C interface, which every language
+that can call C can use.")
+set(CPACK_COMPONENT_RUNTIME_C_DEPENDS runtime)
 
 set(CPACK_DEBIAN_DEVEL_PACKAGE_NAME libnuv1math-dev)
-describe(DEVEL "development files" "This package has the header, and the files for pkg-config and CMake.")
-set(CPACK_COMPONENT_DEVEL_DEPENDS runtime)
+describe(DEVEL "development files" "This package has the headers for C++ and C, and the files for pkg-config and
+CMake.")
+set(CPACK_COMPONENT_DEVEL_DEPENDS runtime runtime_c)
 package_section(DEVEL libdevel same)
 set(CPACK_DEBIAN_DEVEL_PACKAGE_SHLIBDEPS OFF)
 

@@ -7,7 +7,7 @@ set -euo pipefail
 export DEBIAN_FRONTEND=noninteractive LC_ALL=C.UTF-8
 
 cd /opt/try
-names=(libnuv1math1 libnuv1math-dev nuv1math-tools nuv1math-doc)
+names=(libnuv1math1 libnuv1math-c1 libnuv1math-dev nuv1math-tools nuv1math-doc)
 consumers=tree/tests/consumers
 
 # expect TEXT COMMAND...: the command succeeds and prints this text in a line.
@@ -34,21 +34,33 @@ rm -f /etc/dpkg/dpkg.cfg.d/*
 apt-get -q install -y --no-install-recommends ./packages/*.deb >/dev/null
 expect_nothing dpkg -V "${names[@]}"
 expect libnuv1math.so.1 ldconfig -p
+expect libnuv1math_c.so.1 ldconfig -p
 
 # Used.
 # shellcheck disable=SC2046 # the words of pkg-config are options
 g++ "$consumers/consumer.cpp" $(pkg-config --cflags --libs nuv1math) -o used
 expect ok ./used
 expect libnuv1math.so.1 ldd used
-cmake -S "$consumers/found" -B found >/dev/null
-cmake --build found >/dev/null
+digits=$(cat tree/bindings/c/examples/fit.txt)
+# shellcheck disable=SC2046 # the words of pkg-config are options
+gcc -std=c89 -pedantic -Wall -Wextra -Werror tree/bindings/c/examples/fit.c \
+    $(pkg-config --cflags --libs nuv1math_c) -o used_by_c
+expect "$digits" ./used_by_c
+gcc tree/bindings/c/examples/fit.c -lnuv1math_c -o used_by_c
+expect "$digits" ./used_by_c
+for project in found found-c; do
+    cmake -S "$consumers/$project" -B "$project" >/dev/null
+    cmake --build "$project" >/dev/null
+done
 expect ok found/consumer
+expect "$digits" found-c/consumer
 expect 'fitpoints 1' fitpoints --version
 expect 'degrees of freedom' fitpoints tree/apps/fitpoints/sample.csv
 expect 'html' ls /usr/share/doc/nuv1math
 expect 'fitpoints.1.gz' ls /usr/share/man/man1
 # dpkg-shlibdeps is not here; what it reads is.
 expect 'libnuv1math 1 libnuv1math1' cat /var/lib/dpkg/info/libnuv1math1:*.shlibs
+expect 'libnuv1math_c 1 libnuv1math-c1' cat /var/lib/dpkg/info/libnuv1math-c1:*.shlibs
 
 # Removed and purged: nothing is left, and the loader has forgotten the library.
 apt-get -q remove -y "${names[@]}" >/dev/null

@@ -22,7 +22,10 @@ CONSUMER = HERE / "consumer.cpp"
 WORK = pathlib.Path(sys.argv[1]).resolve()
 TOOLCHAINS = ROOT / "cmake/toolchains"
 MINGW = {"x64": "x86_64-w64-mingw32", "x86": "i686-w64-mingw32"}
-ALONE = [f"-DNUV1MATH_BUILD_{part}=OFF" for part in ("APPS", "BINDINGS", "EXAMPLES", "TESTS")]
+ALONE = [f"-DNUV1MATH_BUILD_{part}=OFF" for part in ("APPS", "EXAMPLES", "TESTS")]
+C_PROGRAM = ROOT / "bindings/c/examples/fit.c"
+C_PRINTS = (ROOT / "bindings/c/examples/fit.txt").read_text()
+STRICT_C = ["-std=c89", "-pedantic", "-Wall", "-Wextra", "-Werror"]
 STANDARDS = ["98", "03", "11", "14", "17", "20", "23"]
 
 
@@ -86,8 +89,8 @@ def wine(program, *arguments):
     return finish(TOOLCHAINS / "wine-session", program, *arguments, NUV_WINE_SESSION=WORK / "wine")
 
 
-def pkg_config(prefix, *options):
-    return run("pkg-config", *options, "nuv1math", PKG_CONFIG_PATH=prefix / "lib/pkgconfig").split()
+def pkg_config(prefix, *options, package="nuv1math"):
+    return run("pkg-config", *options, package, PKG_CONFIG_PATH=prefix / "lib/pkgconfig").split()
 
 
 class FoundByCMake(unittest.TestCase):
@@ -142,6 +145,52 @@ class FoundByPkgConfig(unittest.TestCase):
         variables = {"PKG_CONFIG_PATH": shared() / "lib/pkgconfig", "LD_LIBRARY_PATH": shared() / "lib", "CXX": "g++"}
         run("meson", "setup", build, source, **variables)
         run("meson", "test", "-C", build, **variables)
+
+
+class CInterface(unittest.TestCase):
+    """The C interface, used by a program in C89."""
+
+    def found_by_cmake(self, name, prefix, *options):
+        return build_project(HERE / "found-c", fresh(name), f"-DCMAKE_PREFIX_PATH={prefix}", *options)
+
+    def test_found_by_cmake(self):
+        self.assertEqual(run(self.found_by_cmake("c-shared", shared())), C_PRINTS)
+
+    def test_static_library_found_by_cmake(self):
+        program = self.found_by_cmake("c-static", static())
+        self.assertEqual(run(program), C_PRINTS)
+        self.assertNotIn("nuv1math", run("ldd", program))
+
+    def test_an_installation_without_it_is_an_error(self):
+        without = installed("without-c", "-DNUV1MATH_BUILD_BINDINGS=OFF")
+        self.assertEqual(list(without.rglob("*nuv1math_c*")), [])
+        with self.assertRaisesRegex(AssertionError, "the C interface is not installed"):
+            configure(HERE / "found-c", fresh("c-without"), f"-DCMAKE_PREFIX_PATH={without}")
+
+    def test_found_by_pkg_config(self):
+        """-rpath tells the program where the C interface is. The C interface knows where the library is."""
+        for name, prefix in (("shared", shared()), ("static", static())):
+            with self.subTest(name):
+                program = fresh(f"c-pkg-config-{name}") / "consumer"
+                run("gcc", *STRICT_C, C_PROGRAM, "-o", program, f"-Wl,-rpath,{prefix / 'lib'}",
+                    *pkg_config(prefix, "--cflags", "--libs", package="nuv1math_c"))
+                self.assertEqual(run(program), C_PRINTS)
+
+    def test_header_gives_no_warning(self):
+        for language, standards in (("c", ("c89", "c99", "c17")), ("c++", ("c++98", "c++20"))):
+            for compiler in ("gcc", "clang"):
+                for standard in standards:
+                    with self.subTest(compiler=compiler, standard=standard):
+                        result = finish(compiler, f"-std={standard}", *STRICT_C[1:], "-fsyntax-only", "-x", language,
+                                        ROOT / "bindings/c/nuv1math_c.h")
+                        self.assertEqual((result.returncode, result.stdout), (0, ""))
+
+    def test_on_windows(self):
+        for name, prefix in (("shared", windows("x64")), ("static", windows("x64", "-DBUILD_SHARED_LIBS=OFF"))):
+            with self.subTest(name):
+                program = self.found_by_cmake(f"c-windows-{name}", prefix, "-DCMAKE_FIND_ROOT_PATH_MODE_PACKAGE=BOTH",
+                                              "--toolchain", TOOLCHAINS / "windows-x64.cmake")
+                self.assertEqual(wine(f"{program}.exe").stdout.strip(), C_PRINTS.strip())
 
 
 class Parent(unittest.TestCase):
@@ -222,29 +271,40 @@ class Microsoft(unittest.TestCase):
     MACHINES = {"x64": ("x86_64-pc-windows-msvc", "i386:x86-64", "ExitProcess"),
                 "x86": ("i686-pc-windows-msvc", "i386", "ExitProcess@4")}
 
-    def link(self, machine):
+    # Library: the program in C++ or C that calls it, and its standard.
+    PROGRAMS = {"nuv1math": ("consumer.cpp", "c++98"), "nuv1math_c": ("consumer_c.c", "c89")}
+
+    def link(self, machine, library):
         target, name, imported = self.MACHINES[machine]
-        folder = fresh(f"microsoft-{machine}")
-        run("clang++", f"--target={target}", "-std=c++98", "-Wall", "-Wextra", "-Werror", "-O2", f"-I{HEADERS}", "-c",
-            HERE / "microsoft/consumer.cpp", "-o", folder / "consumer.obj")
+        source, standard = self.PROGRAMS[library]
+        folder = fresh(f"microsoft-{machine}-{library}")
+        run("clang", f"--target={target}", f"-std={standard}", "-Wall", "-Wextra", "-Werror", "-O2",
+            f"-I{windows(machine) / 'include'}", "-c", HERE / "microsoft" / source, "-o", folder / "consumer.obj")
         (folder / "kernel32.def").write_text(f"LIBRARY KERNEL32.dll\nEXPORTS\n    {imported}\n")
         run("llvm-dlltool", "-k", "-m", name, "-d", folder / "kernel32.def", "-l", folder / "kernel32.lib")
         run("lld-link", "/entry:Start", "/subsystem:console", "/nodefaultlib", "/safeseh:no",
             f"/out:{folder / 'consumer.exe'}", folder / "consumer.obj", folder / "kernel32.lib",
-            windows(machine) / "lib/nuv1math.lib")
-        shutil.copy(windows(machine) / "bin/nuv1math.dll", folder)
+            windows(machine) / f"lib/{library}.lib")
+        shutil.copy(windows(machine) / f"bin/{library}.dll", folder)
         return folder / "consumer.exe"
 
     def test_program_runs(self):
-        self.assertEqual(wine(self.link("x64")).returncode, 77)
+        for library in self.PROGRAMS:
+            with self.subTest(library):
+                self.assertEqual(wine(self.link("x64", library)).returncode, 77)
 
     def test_program_of_32_bits_links(self):
-        imports = run("llvm-readobj", "--coff-imports", self.link("x86"))
-        self.assertIn("?CalcCoefs@nuv@@YA_NH", imports)
+        for library, symbol in (("nuv1math", "?CalcCoefs@nuv@@YA_NH"), ("nuv1math_c", "nuv_CalcCoefs")):
+            with self.subTest(library):
+                imports = run("llvm-readobj", "--coff-imports", self.link("x86", library))
+                self.assertIn(f"Symbol: {symbol}", imports)
+                exports = run("llvm-readobj", "--coff-exports", windows("x86") / f"bin/{library}.dll")
+                self.assertIn(f"Name: {symbol}", exports)
 
     def test_package_gives_the_import_library_of_microsofts_linker(self):
         printed = configure(HERE / "microsoft", fresh("microsoft-package"), f"-DCMAKE_PREFIX_PATH={windows('x64')}")
-        self.assertIn(f"links {windows('x64')}/lib/nuv1math.lib\n", printed)
+        for library in self.PROGRAMS:
+            self.assertIn(f"links {windows('x64')}/lib/{library}.lib\n", printed)
 
 
 class Header(unittest.TestCase):
