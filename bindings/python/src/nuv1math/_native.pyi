@@ -1,0 +1,5 @@
+# SPDX-License-Identifier: MIT
+from typing import Any
+
+ffi: Any
+lib: Any
