@@ -108,24 +108,6 @@ struct TRowWriter
     std::string szBuffer;
 };
 
-static void AddField(TRowWriter& a_Writer, const std::string& a_szField)
-{
-    const bool bPlain = a_szField.find_first_of("\"\r") == std::string::npos &&
-                        a_szField.find(a_Writer.iSeparator) == std::string::npos &&
-                        (a_szField.empty() || (a_szField[0] != '#' && a_szField[0] != ' ' && a_szField.back() != ' '));
-    if (bPlain)
-    {
-        a_Writer.szBuffer += a_szField;
-        return;
-    }
-    a_Writer.szBuffer += '"';
-    for (const char iChar : a_szField)
-    {
-        a_Writer.szBuffer.append(iChar == '"' ? 2 : 1, iChar);
-    }
-    a_Writer.szBuffer += '"';
-}
-
 static void WriteBuffer(TRowWriter& a_Writer)
 {
     a_Writer.Write(a_Writer.szBuffer);
@@ -140,7 +122,7 @@ static void WriteFields(TRowWriter& a_Writer, const TFields& a_vszFields)
         {
             a_Writer.szBuffer += a_Writer.iSeparator;
         }
-        AddField(a_Writer, a_vszFields[i]);
+        a_Writer.szBuffer += QuotedField(a_vszFields[i], a_Writer.iSeparator);
     }
     a_Writer.szBuffer += '\n';
     if (a_Writer.szBuffer.size() > BUFFERED_BYTES)
@@ -234,7 +216,7 @@ static long ApplyToRows(const TApplication& a_Application, const TFit& a_Fit, TR
 
 std::vector<std::string> ApplyFit(const TApplication& a_Application, const TFit& a_Fit, const TWrite& a_Write)
 {
-    TRowReader Reader(a_Application.szFile, UNBOUNDED_FILE);
+    TRowReader Reader(FileInput(a_Application.szFile), UNBOUNDED_FILE);
     if (a_Application.bDeviations && a_Fit.Judgement.bSigma == 0)
     {
         Fail("--deviations", "the fit has no redundancy, from which they could be estimated");

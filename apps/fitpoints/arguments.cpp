@@ -5,10 +5,10 @@
 #include "arguments.h"
 #include "exports.h"
 #include "output_file.h"
+#include "support.h"
 #include "text.h"
 
 #include <CLI/CLI.hpp>
-#include <map>
 #include <sstream>
 
 namespace fitpoints {
@@ -38,12 +38,6 @@ static const char* const FOOTER =
     "Exit code: 0, or 2 with one line on standard error. Warnings go to standard error and leave the exit code 0.";
 
 const char* const STANDARD_STREAM = "-";
-
-static const std::map<std::string, judgement::enumMethod> METHODS = {{"auto", judgement::ASK_AUTO},
-                                                                     {"richest", judgement::ASK_RICHEST},
-                                                                     {"conformal", judgement::ASK_CONFORMAL},
-                                                                     {"affine", judgement::ASK_AFFINE},
-                                                                     {"omographic", judgement::ASK_OMOGRAPHIC}};
 
 static void DeclareExports(CLI::App& a_App, TArguments& a_Arguments)
 {

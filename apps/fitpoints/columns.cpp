@@ -6,8 +6,8 @@
 #include "text.h"
 
 #include <algorithm>
-#include <charconv>
 #include <cmath>
+#include <fast_float/fast_float.h>
 
 namespace fitpoints {
 
@@ -181,23 +181,31 @@ void CheckFieldCount(const TRowReader& a_Reader, const TColumns& a_Columns, cons
 // ---------------------------------------------------------------------------------------------------------------------
 // Numbers
 
+// True if all digits before the exponent of a decimal number are 0.
+static bool IsZero(const std::string& a_szNumber)
+{
+    const std::size_t iDigit = a_szNumber.find_first_of("123456789eE");
+    return iDigit == std::string::npos || a_szNumber[iDigit] == 'e' || a_szNumber[iDigit] == 'E';
+}
+
 // Why a text is no number; empty if it is one. a_dValue gets the number.
 static std::string ParseNumber(const std::string& a_szText, double& a_dValue)
 {
     const char* szBegin = a_szText.data();
     const char* const szEnd = szBegin + a_szText.size();
-    if (*szBegin == '+' && a_szText.size() > 1 && a_szText[1] != '-') // from_chars takes no plus sign
+    if (*szBegin == '+' && a_szText.size() > 1 && a_szText[1] != '-') // which from_chars does not take
     {
         ++szBegin;
     }
-    const std::from_chars_result Result = std::from_chars(szBegin, szEnd, a_dValue);
-    if (Result.ec == std::errc::result_out_of_range)
-    {
-        return "is out of the range of a double";
-    }
+    const fast_float::from_chars_result Result = fast_float::from_chars(szBegin, szEnd, a_dValue);
     if (Result.ec != std::errc() || Result.ptr != szEnd)
     {
         return "is not a decimal number";
+    }
+    const bool bTooLarge = std::isinf(a_dValue) && a_szText.find_first_of("0123456789") != std::string::npos;
+    if (bTooLarge || (a_dValue == 0 && !IsZero(a_szText)))
+    {
+        return "is out of the range of a double";
     }
     return std::isfinite(a_dValue) ? "" : "is not a finite number";
 }

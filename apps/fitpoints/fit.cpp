@@ -8,7 +8,6 @@
 #include "warnings.h"
 
 #include <algorithm>
-#include <new>
 
 namespace fitpoints {
 
@@ -27,7 +26,7 @@ static std::size_t FittedCount(const TPoints& a_Points)
 {
     if (a_Reason == judgement::REASON_NO_MEMORY)
     {
-        throw std::bad_alloc();
+        FailForMemory();
     }
     const bool bAny = a_Judgement.Support.vReasons[nuv::METHOD_CONFORMAL] == judgement::REASON_NONE;
     const bool bAsked = a_Options.Method < judgement::ASK_RICHEST;

@@ -216,7 +216,7 @@ static void Run(const TArguments& a_Arguments)
 {
     CheckArguments(a_Arguments);
     ShowStage("reading");
-    const TPoints Points = ReadPoints(a_Arguments.szFile);
+    const TPoints Points = ReadPoints(FileInput(a_Arguments.szFile));
     CheckPlaces(a_Arguments);
     ShowStage("fitting");
     TFit Fit = FitPoints(Points, a_Arguments.Fit);

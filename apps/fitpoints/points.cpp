@@ -7,8 +7,6 @@
 #include "text.h"
 
 #include <algorithm>
-#include <iterator>
-#include <sstream>
 
 namespace fitpoints {
 
@@ -96,8 +94,15 @@ static const char* const GCP_OPTION = "-gcp";
 
 static TFields Words(const std::string& a_szLine)
 {
-    std::istringstream Stream(a_szLine);
-    return {std::istream_iterator<std::string>(Stream), {}};
+    const char* const szBlanks = " \t\n\v\f\r";
+    TFields vszWords;
+    for (std::size_t i = a_szLine.find_first_not_of(szBlanks); i != std::string::npos;)
+    {
+        const std::size_t iEnd = std::min(a_szLine.find_first_of(szBlanks, i), a_szLine.size());
+        vszWords.push_back(a_szLine.substr(i, iEnd - i));
+        i = a_szLine.find_first_not_of(szBlanks, iEnd);
+    }
+    return vszWords;
 }
 
 static bool IsGcpLine(const std::string& a_szLine)
@@ -158,13 +163,13 @@ static void ReadGcpLines(TRowReader& a_Reader, std::string& a_szLine, TPoints& a
 
 // ---------------------------------------------------------------------------------------------------------------------
 
-TPoints ReadPoints(const std::string& a_szFile)
+TPoints ReadPoints(TInput a_Input)
 {
-    TRowReader Reader(a_szFile, GREATEST_FILE);
+    TRowReader Reader(std::move(a_Input), GREATEST_FILE);
     std::string szLine;
     if (!ReadRowText(Reader, szLine))
     {
-        Fail(Reader.szFile, Reader.iBytes <= 1 ? "the file is empty" : "the file has no header line");
+        Fail(Reader.szFile, Reader.iBytes == 0 ? "the file is empty" : "the file has no header line");
     }
     TPoints Points = {Reader.szFile, FILE_CSV, "", {}, {}};
     (IsGcpLine(szLine) ? ReadGcpLines : ReadTable)(Reader, szLine, Points);

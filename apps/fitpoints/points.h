@@ -5,6 +5,8 @@
 #ifndef NUV_FITPOINTS_POINTS_H
 #define NUV_FITPOINTS_POINTS_H
 
+#include "input.h"
+
 #include <string>
 #include <vector>
 
@@ -41,9 +43,8 @@ struct TArrays
     std::vector<double> vdX, vdY, vdXa, vdYa;
 };
 
-// The first line that is no comment tells the kind of the file; "-" is standard input. Fails with file and line if
-// anything is wrong with it.
-TPoints ReadPoints(const std::string& a_szFile);
+// The first line that is no comment tells the kind of the file. Fails with file and line if anything is wrong with it.
+TPoints ReadPoints(TInput a_Input);
 
 TArrays Arrays(const std::vector<TPoint>& a_vPoints);
 

@@ -10,6 +10,9 @@
 
 namespace fitpoints {
 
+// By enumFileKind: csv, qgis, gcp.
+extern const char* const FORMAT_NAMES[3];
+
 // The report is written part by part: that of a million points would take much memory. A summary leaves out the points.
 void WriteTextReport(const TPoints& a_Points, const TFit& a_Fit, bool a_bSummary, const TWrite& a_Write);
 

@@ -13,7 +13,7 @@ namespace fitpoints {
 
 using TJson = nlohmann::ordered_json;
 
-static const char* const FORMATS[] = {"csv", "qgis", "gcp"};       // by enumFileKind
+const char* const FORMAT_NAMES[3] = {"csv", "qgis", "gcp"};
 static const char* const ROLES[] = {"fitted", "check", "dropped"}; // by judgement::enumRole
 static const char* const CHOICES[] = {"asked", "richest", "least_leave_one_out_error", "poorer_as_good",
                                       "not_judged"}; // by judgement::enumChoice
@@ -171,7 +171,7 @@ static TJson Summary(const TPoints& a_Points, const TFit& a_Fit)
     Largest["length"] = a_Fit.vPoints[a_Fit.iLargest].dLength;
     return {{"program", "fitpoints " FITPOINTS_VERSION},
             {"file", a_Points.szFile},
-            {"format", FORMATS[a_Points.Kind]},
+            {"format", FORMAT_NAMES[a_Points.Kind]},
             {"n", J.iFitted},
             {"columns_not_read", a_Points.vszUnread},
             {"kind", KindName(a_Fit.Kind)},

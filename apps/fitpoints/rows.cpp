@@ -1,54 +1,23 @@
-// rows.cpp: reads lines from a file and splits them into fields.
+// rows.cpp: reads lines and splits them into fields.
 // Copyright (c) 2026 the nuv1math authors
 // SPDX-License-Identifier: MIT
 
 #include "rows.h"
-#include "progress.h"
 #include "text.h"
 
 #include <algorithm>
-#include <cerrno>
-#include <sys/stat.h>
 
 namespace fitpoints {
 
 // The bounds of lines and files limit the memory and the time that any input takes, endless ones included.
 static const std::size_t GREATEST_LINE = 64 * 1024;
 
-static const char* const STANDARD_INPUT = "-";
+static const std::size_t BUFFER = 64 * 1024;
 
-// Standard input stays open: a file that is opened later would take its descriptor.
-static int KeepOpen(std::FILE*)
-{
-    return 0;
-}
-
-std::string InputName(const std::string& a_szFile)
-{
-    return a_szFile == STANDARD_INPUT ? "standard input" : a_szFile;
-}
-
-TRowReader::TRowReader(const std::string& a_szFile, std::size_t a_iGreatestFile)
-    : szFile(InputName(a_szFile)), File(a_szFile == STANDARD_INPUT ? stdin : std::fopen(a_szFile.c_str(), "rb"),
-                                        a_szFile == STANDARD_INPUT ? KeepOpen : std::fclose),
-      iSeparator(','), iGreatestFile(a_iGreatestFile), iLine(0), iBytes(0), iFileSize(0)
-{
-    if (!File)
-    {
-        FailWithError(szFile, "cannot be read", errno);
-    }
-    csv_init(&Parser, CSV_STRICT | CSV_STRICT_FINI);
-    struct stat Status;
-    if (fstat(fileno(File.get()), &Status) == 0 && S_ISREG(Status.st_mode))
-    {
-        iFileSize = Status.st_size;
-    }
-}
-
-TRowReader::~TRowReader()
-{
-    csv_free(&Parser);
-}
+TRowReader::TRowReader(TInput a_Input, std::size_t a_iGreatestFile)
+    : szFile(a_Input.szName), Input(std::move(a_Input)), vcBuffer(BUFFER), iNext(0), iEnd(0), iSeparator(','),
+      iGreatestFile(a_iGreatestFile), iLine(0), iBytes(0)
+{}
 
 std::string Place(const TRowReader& a_Reader)
 {
@@ -70,25 +39,35 @@ static void CheckBounds(const TRowReader& a_Reader, const std::string& a_szLine)
     }
 }
 
-// Reads up to and with the next LF or to the end of the file. Returns the LF or EOF; the line is without it.
-static int ReadToLineEnd(TRowReader& a_Reader, std::string& a_szLine)
+// Fills the buffer when all of it is used. False at the end of the input.
+static bool FillBuffer(TRowReader& a_Reader)
 {
-    std::FILE* const File = a_Reader.File.get();
-    a_szLine.clear();
-    int iChar = getc_unlocked(File); // there is one thread; the lock would triple the time
-    for (; iChar != EOF && iChar != '\n'; iChar = getc_unlocked(File))
+    if (a_Reader.iNext == a_Reader.iEnd)
     {
-        a_szLine.push_back(static_cast<char>(iChar));
-        ++a_Reader.iBytes;
+        a_Reader.iNext = 0;
+        a_Reader.iEnd = a_Reader.Input.Read(a_Reader.vcBuffer.data(), a_Reader.vcBuffer.size());
+    }
+    return a_Reader.iEnd > 0;
+}
+
+// Reads up to and with the next LF or to the end of the input. The line is without the LF. False if nothing is left.
+static bool ReadToLineEnd(TRowReader& a_Reader, std::string& a_szLine)
+{
+    a_szLine.clear();
+    bool bFound = false;
+    while (!bFound && FillBuffer(a_Reader))
+    {
+        const char* const pNext = a_Reader.vcBuffer.data() + a_Reader.iNext;
+        const char* const pEnd = a_Reader.vcBuffer.data() + a_Reader.iEnd;
+        const char* const pFound = std::find(pNext, pEnd, '\n');
+        bFound = pFound != pEnd;
+        const std::size_t iTaken = static_cast<std::size_t>(pFound - pNext) + (bFound ? 1 : 0);
+        a_szLine.append(pNext, pFound);
+        a_Reader.iNext += iTaken;
+        a_Reader.iBytes += iTaken;
         CheckBounds(a_Reader, a_szLine);
     }
-    ++a_Reader.iBytes;
-    CheckBounds(a_Reader, a_szLine);
-    if (std::ferror(File))
-    {
-        FailWithError(a_Reader.szFile, "cannot be read", errno);
-    }
-    return iChar;
+    return bFound || !a_szLine.empty();
 }
 
 static void RemovePrefix(std::string& a_szLine, const std::string& a_szPrefix)
@@ -103,7 +82,7 @@ static void RemovePrefix(std::string& a_szLine, const std::string& a_szPrefix)
 static bool ReadLine(TRowReader& a_Reader, std::string& a_szLine)
 {
     ++a_Reader.iLine;
-    if (ReadToLineEnd(a_Reader, a_szLine) == EOF && a_szLine.empty())
+    if (!ReadToLineEnd(a_Reader, a_szLine))
     {
         return false;
     }
@@ -123,21 +102,10 @@ static bool IsRow(const std::string& a_szLine)
     return a_szLine.find_first_not_of(" \t") != std::string::npos && a_szLine[0] != '#';
 }
 
-// Now and then, because this costs more than the reading of a line.
-static void ShowReading(const TRowReader& a_Reader)
-{
-    const long iOften = 4096; // lines
-    if (a_Reader.iFileSize > 0 && a_Reader.iLine % iOften == 0)
-    {
-        ShowFraction(static_cast<double>(a_Reader.iBytes) / static_cast<double>(a_Reader.iFileSize));
-    }
-}
-
 bool ReadRowText(TRowReader& a_Reader, std::string& a_szLine)
 {
     while (ReadLine(a_Reader, a_szLine))
     {
-        ShowReading(a_Reader);
         if (IsRow(a_szLine))
         {
             return true;
@@ -174,37 +142,93 @@ std::string SeparatorName(char a_iSeparator)
     return a_iSeparator == ',' ? "a comma" : a_iSeparator == ';' ? "a semicolon" : "a tab";
 }
 
-struct TRow
+static bool IsBlank(char a_iChar, char a_iSeparator)
 {
-    TFields& vszFields;
-    int iEnds; // row ends that the parser saw: more than one if a carriage return stands inside the line
-};
-
-static void AddField(void* a_szText, std::size_t a_iLength, void* a_Row)
-{
-    static_cast<TRow*>(a_Row)->vszFields.emplace_back(static_cast<const char*>(a_szText), a_iLength);
+    return (a_iChar == ' ' || a_iChar == '\t') && a_iChar != a_iSeparator;
 }
 
-static void EndRow(int, void* a_Row)
+// The place of the first character from a_iFirst on that is no blank.
+static std::size_t SkipBlanks(const std::string& a_szLine, std::size_t a_iFirst, char a_iSeparator)
 {
-    ++static_cast<TRow*>(a_Row)->iEnds;
-}
-
-void SplitRow(TRowReader& a_Reader, const std::string& a_szLine, TFields& a_vszFields)
-{
-    a_vszFields.clear();
-    TRow Row = {a_vszFields, 0};
-    csv_parser* const Parser = &a_Reader.Parser;
-    csv_set_delim(Parser, static_cast<unsigned char>(a_Reader.iSeparator));
-    if (csv_parse(Parser, a_szLine.data(), a_szLine.size(), AddField, EndRow, &Row) != a_szLine.size() ||
-        csv_fini(Parser, AddField, EndRow, &Row) != 0)
+    while (a_iFirst < a_szLine.size() && IsBlank(a_szLine[a_iFirst], a_iSeparator))
     {
-        Fail(Place(a_Reader), "the quotes of the line do not match");
+        ++a_iFirst;
     }
-    if (Row.iEnds != 1)
+    return a_iFirst;
+}
+
+// The field in quotes that starts at a_iFirst. Returns the place behind it and behind the blanks that follow. Two quotes
+// inside stand for one. The place is npos if the closing quote is missing.
+static std::size_t TakeQuoted(const std::string& a_szLine, std::size_t a_iFirst, char a_iSeparator,
+                              std::string& a_szField)
+{
+    for (std::size_t i = a_iFirst + 1; i < a_szLine.size(); ++i)
+    {
+        const bool bQuote = a_szLine[i] == '"';
+        if (bQuote && (i + 1 == a_szLine.size() || a_szLine[i + 1] != '"'))
+        {
+            return SkipBlanks(a_szLine, i + 1, a_iSeparator);
+        }
+        a_szField += a_szLine[i];
+        i += bQuote ? 1 : 0;
+    }
+    return std::string::npos;
+}
+
+// The field without quotes that starts at a_iFirst, without the blanks at its end. Returns the place behind it.
+static std::size_t TakePlain(const std::string& a_szLine, std::size_t a_iFirst, char a_iSeparator,
+                             std::string& a_szField)
+{
+    const char viEnds[] = {a_iSeparator, '"', '\r', '\0'};
+    const std::size_t iEnd = std::min(a_szLine.find_first_of(viEnds, a_iFirst, 3), a_szLine.size());
+    a_szField.assign(a_szLine, a_iFirst, iEnd - a_iFirst);
+    while (!a_szField.empty() && IsBlank(a_szField.back(), a_iSeparator))
+    {
+        a_szField.pop_back();
+    }
+    return iEnd;
+}
+
+void SplitRow(const TRowReader& a_Reader, const std::string& a_szLine, TFields& a_vszFields)
+{
+    const char iSeparator = a_Reader.iSeparator;
+    a_vszFields.clear();
+    bool bReturn = false;
+    std::size_t iNext = 0;
+    for (bool bMore = true; bMore; ++iNext)
+    {
+        std::string& szField = a_vszFields.emplace_back();
+        iNext = SkipBlanks(a_szLine, iNext, iSeparator);
+        const bool bQuoted = iNext < a_szLine.size() && a_szLine[iNext] == '"';
+        iNext = (bQuoted ? TakeQuoted : TakePlain)(a_szLine, iNext, iSeparator, szField);
+        bMore = iNext < a_szLine.size();
+        bReturn = bReturn || (bMore && a_szLine[iNext] == '\r');
+        if (iNext > a_szLine.size() || (bMore && a_szLine[iNext] != '\r' && a_szLine[iNext] != iSeparator))
+        {
+            Fail(Place(a_Reader), "the quotes of the line do not match");
+        }
+    }
+    if (bReturn)
     {
         Fail(Place(a_Reader), "a carriage return stands inside the line");
     }
+}
+
+std::string QuotedField(const std::string& a_szField, char a_iSeparator)
+{
+    const bool bPlain = a_szField.find_first_of("\"\r") == std::string::npos &&
+                        a_szField.find(a_iSeparator) == std::string::npos &&
+                        (a_szField.empty() || (a_szField[0] != '#' && a_szField[0] != ' ' && a_szField.back() != ' '));
+    if (bPlain)
+    {
+        return a_szField;
+    }
+    std::string szQuoted = "\"";
+    for (const char iChar : a_szField)
+    {
+        szQuoted.append(iChar == '"' ? 2 : 1, iChar);
+    }
+    return szQuoted + '"';
 }
 
 } // namespace fitpoints

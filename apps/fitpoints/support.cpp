@@ -5,9 +5,13 @@
 #include "support.h"
 #include "text.h"
 
-#include <map>
-
 namespace fitpoints {
+
+const std::map<std::string, judgement::enumMethod> METHODS = {{"auto", judgement::ASK_AUTO},
+                                                              {"richest", judgement::ASK_RICHEST},
+                                                              {"conformal", judgement::ASK_CONFORMAL},
+                                                              {"affine", judgement::ASK_AFFINE},
+                                                              {"omographic", judgement::ASK_OMOGRAPHIC}};
 
 static const std::map<judgement::enumReason, const char*> TEXTS = {
     {judgement::REASON_NO_MEMORY, "not enough memory"},

@@ -7,9 +7,13 @@
 
 #include "judgement/judgement.h"
 
+#include <map>
 #include <string>
 
 namespace fitpoints {
+
+// What --method takes.
+extern const std::map<std::string, judgement::enumMethod> METHODS;
 
 // conformal, affine, omographic.
 const char* KindName(nuv::enumMethodUsed a_Kind);

@@ -1,4 +1,4 @@
-// text.cpp: failures, and the texts of messages and numbers.
+// text.cpp: the texts of messages and numbers.
 // Copyright (c) 2026 the nuv1math authors
 // SPDX-License-Identifier: MIT
 
@@ -9,11 +9,6 @@
 #include <cstring>
 
 namespace fitpoints {
-
-void Fail(const std::string& a_szPlace, const std::string& a_szWhat)
-{
-    throw TFailure(a_szPlace + ": " + a_szWhat);
-}
 
 void FailWithError(const std::string& a_szPlace, const std::string& a_szWhat, int a_iError)
 {

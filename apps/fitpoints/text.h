@@ -1,21 +1,16 @@
-// text.h: failures, and the texts of messages and numbers.
+// text.h: the texts of messages and numbers.
 // Copyright (c) 2026 the nuv1math authors
 // SPDX-License-Identifier: MIT
 
 #ifndef NUV_FITPOINTS_TEXT_H
 #define NUV_FITPOINTS_TEXT_H
 
+#include "failure.h"
+
 #include <functional>
-#include <stdexcept>
 #include <string>
 
 namespace fitpoints {
-
-// Ends the program with this line on standard error and exit code 2.
-struct TFailure : std::runtime_error
-{
-    using std::runtime_error::runtime_error;
-};
 
 // Takes the next part of a long text.
 using TWrite = std::function<void(const std::string&)>;
@@ -23,10 +18,7 @@ using TWrite = std::function<void(const std::string&)>;
 // A long text is passed on when it has about this size.
 static const std::size_t BUFFERED_BYTES = 256 * 1024;
 
-// Throws TFailure with "<place>: <what>".
-[[noreturn]] void Fail(const std::string& a_szPlace, const std::string& a_szWhat);
-
-// Throws TFailure with "<place>: <what>: <error>", where a_iError is a value of errno.
+// Fails with "<place>: <what>: <error>", where a_iError is a value of errno.
 [[noreturn]] void FailWithError(const std::string& a_szPlace, const std::string& a_szWhat, int a_iError);
 
 // "<file>:<line>".

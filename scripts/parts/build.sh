@@ -9,7 +9,7 @@ native_tests="$native python3 llvm libgtest-dev libgmock-dev librapidcheck-dev l
 cross_tests="$tools python3 llvm binutils googletest libeigen3-dev"
 armel='g++ g++-arm-linux-gnueabi libc6-dev-armel-cross qemu-user' # g++ for the emulator's plugin
 site='python3 doxygen nodejs katex'
-fitpoints='libcli11-dev libcsv-dev nlohmann-json3-dev gnuplot-nox fonts-unifont help2man man-db'
+fitpoints='libcli11-dev libfast-float-dev nlohmann-json3-dev gnuplot-nox fonts-unifont help2man man-db'
 fitpoints_tests='gdal-bin proj-bin'
 python='python3-dev python3-cffi python3-numpy python3-setuptools python3-wheel python3-pip python3-venv'
 python_tests='python3-pytest python3-hypothesis python3-numpydoc mypy'
@@ -32,6 +32,7 @@ declare -A packages=(
     [wince-armv4]="$cross_tests $armel clang"
     [consumers]="$native make python3 pkgconf meson clang lld llvm $mingw wine wine64 gcc-arm-none-eabi"
     [wasm]="$tools python3 googletest libeigen3-dev clang lld llvm binaryen nodejs $npm wasi-libc
+            nlohmann-json3-dev libfast-float-dev
             libclang-rt-14-dev-wasm32 libc++-14-dev-wasm32 libc++abi-14-dev-wasm32"
     [package-linux]="$native $fitpoints $site"
     [package-deb]="$native $fitpoints $site dpkg-dev file"

@@ -129,7 +129,7 @@ std::string FileOfPoints(const TPoints& a_Points)
 void CheckRoundTrip(const TPoints& a_Points)
 {
     static const TMemoryFile File;
-    const TPoints Again = ReadPoints(File.Write(FileOfPoints(a_Points)));
+    const TPoints Again = ReadPoints(FileInput(File.Write(FileOfPoints(a_Points))));
     NUV_CHECK(Again.vPoints.size() == a_Points.vPoints.size());
     for (std::size_t i = 0; i < Again.vPoints.size(); ++i)
     {
@@ -228,9 +228,9 @@ void CheckWorldFile(const TPoints& a_Points, const TFit& a_Fit)
 void CheckExports(const TPoints& a_Points, const TFit& a_Fit)
 {
     static const TMemoryFile File;
-    const TPoints Gcps = ReadPoints(File.Write(GcpArguments(a_Points, a_Fit)));
+    const TPoints Gcps = ReadPoints(FileInput(File.Write(GcpArguments(a_Points, a_Fit))));
     NUV_CHECK(Gcps.Kind == FILE_GCP && static_cast<int>(Gcps.vPoints.size()) == a_Fit.Judgement.iFitted);
-    const TPoints Qgis = ReadPoints(File.Write(GeoreferencerFile(a_Points, a_Fit)));
+    const TPoints Qgis = ReadPoints(FileInput(File.Write(GeoreferencerFile(a_Points, a_Fit))));
     NUV_CHECK(Qgis.Kind == FILE_QGIS && Qgis.szCrs == a_Points.szCrs);
     NUV_CHECK(Qgis.vPoints.size() == a_Points.vPoints.size());
     for (std::size_t i = 0; i < Qgis.vPoints.size(); ++i)
@@ -249,7 +249,7 @@ void CheckApplication(const std::string& a_szFile, const TPoints& a_Points, cons
         std::string szTable;
         const TApplication Application = {a_szFile, bInverse, a_Fit.Judgement.bSigma != 0};
         ApplyFit(Application, a_Fit, [&](const std::string& a_szText) { szTable += a_szText; });
-        const TPoints Applied = ReadPoints(File.Write(szTable));
+        const TPoints Applied = ReadPoints(FileInput(File.Write(szTable)));
         NUV_CHECK(Applied.vPoints.size() == a_Points.vPoints.size());
     }
 }
@@ -277,7 +277,7 @@ void CheckScript(const TPoints& a_Points, const TFit& a_Fit)
 
 void FitAndReport(const std::string& a_szFile, const judgement::TOptions& a_Options)
 {
-    const TPoints Points = ReadPoints(a_szFile);
+    const TPoints Points = ReadPoints(FileInput(a_szFile));
     CheckRoundTrip(Points);
     const TFit Fit = FitPoints(Points, a_Options);
     CheckFit(Points, a_Options, Fit);

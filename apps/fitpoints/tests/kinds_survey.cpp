@@ -169,7 +169,7 @@ void AddPoint(const TArrays& a_Points, std::size_t i, TErrors& a_Errors)
 // The fitted points of a file.
 TArrays PointsOf(const char* a_szFile)
 {
-    TPoints Points = ReadPoints(a_szFile);
+    TPoints Points = ReadPoints(FileInput(a_szFile));
     auto& vPoints = Points.vPoints;
     vPoints.erase(std::remove_if(vPoints.begin(), vPoints.end(), [](const TPoint& a_Point) { return a_Point.bCheck; }),
                   vPoints.end());

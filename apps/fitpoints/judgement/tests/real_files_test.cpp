@@ -34,7 +34,8 @@ std::vector<TFile> Files()
             continue;
         }
         TFile File = {Entry.path().filename().string(), {}};
-        for (const fitpoints::TPoint& Point : fitpoints::ReadPoints(Entry.path().string()).vPoints)
+        for (const fitpoints::TPoint& Point :
+             fitpoints::ReadPoints(fitpoints::FileInput(Entry.path().string())).vPoints)
         {
             if (!Point.bCheck)
             {
