@@ -12,6 +12,7 @@ SPDX-License-Identifier: MIT
 """
 
 from ._errors import ImpossibleError, IndeterminateError, NotPositiveDefiniteError, ResultError
+from ._fit import Ellipses, Fit, Inverse, KindRow, KindTable, Parameters, fit
 from ._functions import (AffineCoefsToInvCoefs, AffineCoefsToOmographicCoefs, AffineCoefsToParam, AffineParamsToCoefs,
                          AffineUntransform, CalcAffineCoefs, CalcCoefs, CalcConformalCoefs, CalcOmographicCoefs,
                          Cholesky, CholeskyLowTri, ConformalCoefsToAffineCoefs, ConformalCoefsToInvCoefs,
@@ -19,7 +20,8 @@ from ._functions import (AffineCoefsToInvCoefs, AffineCoefsToOmographicCoefs, Af
                          RandnScaled, RandRange, Roots, RootsLinear, SetRandomSeed, SolveChol, SolveCholLowTri,
                          SolveLinTrig, SolveQuadTrig, UpdateNormMatrixLowTri, UpdateNormMatrixLowTriSparse)
 from ._interface import (VERSION, AffineCoefs, AffineParams, ConformalCoefs, ConformalParams, MethodUsed,
-                         OmographicParams)
+                         OmographicParams, Reason)
+from ._judge import FitError
 
 __version__ = VERSION
 __all__ = [
@@ -27,8 +29,9 @@ __all__ = [
     "AffineParamsToCoefs", "AffineUntransform", "CalcAffineCoefs", "CalcCoefs", "CalcConformalCoefs",
     "CalcOmographicCoefs", "Cholesky", "CholeskyLowTri", "ConformalCoefs", "ConformalCoefsToAffineCoefs",
     "ConformalCoefsToInvCoefs", "ConformalCoefsToParam", "ConformalParams", "ConformalParamsToCoefs",
-    "DeleteCholLowTri", "ImpossibleError", "IndeterminateError", "InitCholLowTri", "MethodUsed",
-    "NotPositiveDefiniteError", "OmographicParams", "Rand", "RandRange", "Randn", "RandnScaled", "ResultError", "Roots",
-    "RootsLinear", "SetRandomSeed", "SolveChol", "SolveCholLowTri", "SolveLinTrig", "SolveQuadTrig",
-    "UpdateNormMatrixLowTri", "UpdateNormMatrixLowTriSparse",
+    "DeleteCholLowTri", "Ellipses", "Fit", "FitError", "ImpossibleError", "IndeterminateError", "InitCholLowTri",
+    "Inverse", "KindRow", "KindTable", "MethodUsed", "NotPositiveDefiniteError", "OmographicParams", "Parameters",
+    "Rand", "RandRange", "Randn", "RandnScaled", "Reason", "ResultError", "Roots", "RootsLinear", "SetRandomSeed",
+    "SolveChol", "SolveCholLowTri", "SolveLinTrig", "SolveQuadTrig", "UpdateNormMatrixLowTri",
+    "UpdateNormMatrixLowTriSparse", "fit",
 ]
