@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""generate.py: makes interface.mjs and interface.d.ts from the headers of C++: values of enumerations, places of the
+"""generate.py: makes interface.mjs and interface.d.mts from the headers of C++: values of enumerations, places of the
 fields of records in the memory of a module, and types.
 
 usage: generate.py           writes the files
@@ -88,8 +88,8 @@ def typescript(kind, layouts):
 
 
 def types(interfaces, layouts):
-    """interface.d.ts."""
-    lines = [HEAD.format(name="interface.d.ts", what="types of the records, and the functions of the C interface.")]
+    """interface.d.mts."""
+    lines = [HEAD.format(name="interface.d.mts", what="types of the records, and the functions of the C interface.")]
     for interface in interfaces:
         lines += [f"export const {name}: {value};" for name, _, value in interface.constants]
         for enumeration in interface.enumerations:
@@ -119,7 +119,7 @@ def files():
     """The generated files: name and text."""
     interfaces = [read_interface(LIBRARY), read_interface(JUDGEMENT)]
     layouts = Layouts(interfaces)
-    return {"interface.mjs": module(interfaces, layouts), "interface.d.ts": types(interfaces, layouts)}
+    return {"interface.mjs": module(interfaces, layouts), "interface.d.mts": types(interfaces, layouts)}
 
 
 if __name__ == "__main__":

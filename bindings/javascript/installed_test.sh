@@ -2,12 +2,20 @@
 # installed_test.sh PACKAGE DIRECTORY: packs the folder, installs the file in an empty project and runs the tests on it.
 # SPDX-License-Identifier: MIT
 set -eu
+here=$(dirname "$0")
 rm -rf "$2"
 mkdir -p "$2"
 cd "$2"
-file=$(npm pack --silent "$1")
+file=$("$NUV_NPM" pack --silent "$1")
+size=$(wc -c <"$file")
+echo "the packed package has $size bytes"
+[ "$size" -le 60000 ] || { echo "these are more than 60000" >&2; exit 1; }
 echo '{ "private": true }' >package.json
-npm install --silent --offline --no-audit --no-fund "./$file"
-size=$(gzip -9 -c node_modules/nuv1math/*.mjs node_modules/nuv1math/nuv1math-vectors.wasm | wc -c)
-[ "$size" -le 60000 ] || { echo "a page would load $size bytes, more than 60000" >&2; exit 1; }
-NUV_PACKAGE="$2/node_modules/nuv1math/nuv1math.mjs" node --test "$(dirname "$0")/test.mjs"
+"$NUV_NPM" install --silent --offline --no-audit --no-fund "./$file"
+NUV_PACKAGE="$2/node_modules/nuv1math/nuv1math.mjs" node --test "$here/test.mjs"
+
+# A program with types.
+cp "$here/types_test.mts" .
+"$NUV_TSC" --strict --noUnusedLocals --module node16 --target es2022 --lib es2022,dom types_test.mts
+bits=$(node types_test.mjs)
+[ "$bits" = "$NUV_EXPECTED_BITS" ] || { echo "the program with types printed $bits" >&2; exit 1; }

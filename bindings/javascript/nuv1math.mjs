@@ -31,7 +31,8 @@ function nameOf(enumeration, value, prefix) {
     return found.slice(prefix.length).toLowerCase().replaceAll('_', ' ');
 }
 
-async function readModule(name) {
+// The bytes of a file beside this one.
+async function readBytes(name) {
     const url = new URL(name, import.meta.url);
     if (url.protocol === 'file:') {
         const { readFile } = await import('node:fs/promises');
@@ -41,14 +42,24 @@ async function readModule(name) {
     if (!answer.ok) {
         throw new Error(`${url}: ${answer.status} ${answer.statusText}`);
     }
-    return answer.arrayBuffer();
+    return new Uint8Array(await answer.arrayBuffer());
+}
+
+// The module with vectors, or the one without them, of which the package has what differs.
+async function readModule(vectors) {
+    const bytes = await readBytes('nuv1math-vectors.wasm');
+    if (vectors) {
+        return bytes;
+    }
+    const { applyDifference } = await import('./difference.mjs');
+    return applyDifference(bytes, await readBytes('nuv1math-plain.difference'));
 }
 
 // Loads a module. options.bytes: its contents, instead of the files beside this one. options.vectors: whether to take
-// the one with vectors; by default if the engine has them. options.report: gets the text of an assertion report.
+// the module with vectors; by default if the engine has them. options.report: gets the text of an assertion report.
 export async function load(options = {}) {
     const vectors = options.vectors ?? WebAssembly.validate(VECTOR_PROBE);
-    const bytes = options.bytes ?? await readModule(vectors ? 'nuv1math-vectors.wasm' : 'nuv1math-plain.wasm');
+    const bytes = options.bytes ?? await readModule(vectors);
     return new Library(await WebAssembly.compile(bytes), options.report ?? ((text) => console.error(text)));
 }
 
@@ -80,7 +91,7 @@ export class Library {
         }
     }
 
-    // Fits control points and judges the result. source and target: arrays of [x, y]. See Fit and nuv1math.d.ts.
+    // Fits control points and judges the result. source and target: arrays of [x, y]. See Fit and nuv1math.d.mts.
     fit(source, target, options = {}) {
         return this.using((arena, functions) => judge(this, arena, functions, source, target, options));
     }
@@ -94,6 +105,9 @@ class Arena {
     }
 
     allocate(size) {
+        if (this.addresses === null) {
+            throw new Error('the memory of the arena was released');
+        }
         const address = this.functions.malloc(Math.max(size, 1));
         if (address === 0) {
             throw new RangeError(`the library has no memory for ${size} bytes`);
@@ -104,7 +118,7 @@ class Arena {
 
     release() {
         this.addresses.forEach((address) => this.functions.free(address));
-        this.addresses = [];
+        this.addresses = null;
     }
 
     doubles(values) {

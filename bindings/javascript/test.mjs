@@ -1,10 +1,13 @@
-// test.mjs: the package in node. NUV_PACKAGE is the path of nuv1math.mjs, with both modules beside it.
+// test.mjs: the package in node. NUV_PACKAGE is the path of nuv1math.mjs, with its modules beside it, and NUV_PLAIN that of
+// the module without vectors as it was built.
 // Copyright (c) 2026 the nuv1math authors
 // SPDX-License-Identifier: MIT
 
 import assert from 'node:assert/strict';
-import { test } from 'node:test';
+import { readFileSync } from 'node:fs';
 import process from 'node:process';
+import { test } from 'node:test';
+import { pathToFileURL } from 'node:url';
 
 const { constants, FitError, load } = await import(process.env.NUV_PACKAGE);
 
@@ -57,6 +60,13 @@ for (const [name, library] of Object.entries(libraries)) {
     });
 }
 
+test('the module without vectors is the one that was built', async () => {
+    const { applyDifference } = await import(new URL('difference.mjs', pathToFileURL(process.env.NUV_PACKAGE)));
+    const read = (name) => readFileSync(new URL(name, pathToFileURL(process.env.NUV_PACKAGE)));
+    const made = applyDifference(read('nuv1math-vectors.wasm'), read('nuv1math-plain.difference'));
+    assert.equal(Buffer.compare(made, readFileSync(process.env.NUV_PLAIN)), 0);
+});
+
 test('both modules give the same bits', () => {
     const [one, other] = Object.values(libraries).map((library) => {
         const fit = library.fit(SOURCE, TARGET.map(([x, y], i) => [x + Math.sin(i), y + Math.cos(3 * i)]));
@@ -98,6 +108,43 @@ test('memory grows while it is used, and is released', async () => {
     assert.equal(library.functions.memory.buffer.byteLength, after);
 });
 
+test('values survive memory that grows', async () => {
+    const library = await load();
+    library.using((arena, functions) => {
+        const [before, address] = [functions.memory.buffer, arena.doubles([1.5, -2.5])];
+        const record = arena.record('TVector', { dX: 3.5, dY: -4.5 });
+        arena.allocate(before.byteLength);
+        assert.equal(before.byteLength, 0, 'the views of before are detached');
+        assert.deepEqual([...new Float64Array(functions.memory.buffer, address, 2)], [1.5, -2.5]);
+        assert.deepEqual(arena.read('TVector', record), { dX: 3.5, dY: -4.5 });
+    });
+});
+
+test('memory that cannot grow is an error, and what was allocated before is released', async () => {
+    const library = await load();
+    const allocateAll = () => library.using((arena) => {
+        for (;;) {
+            arena.allocate(2 ** 29);
+        }
+    });
+    assert.throws(allocateAll, /the library has no memory for 536870912 bytes/);
+    const grown = library.functions.memory.buffer.byteLength;
+    assert.throws(allocateAll, RangeError);
+    assert.equal(library.functions.memory.buffer.byteLength, grown);
+    assert.equal(library.fit(SOURCE, TARGET).kind, 'conformal');
+});
+
+test('an arena ends with its work', async () => {
+    const library = await load();
+    let kept;
+    assert.throws(() => library.using((arena) => {
+        kept = arena;
+        arena.doubles([1, 2, 3]);
+        throw new SyntaxError('of the caller');
+    }), SyntaxError);
+    assert.throws(() => kept.doubles([1]), /the memory of the arena was released/);
+});
+
 test('a million calls leak nothing', async () => {
     const library = await load();
     const call = () => library.using((arena, functions) => {
@@ -109,6 +156,7 @@ test('a million calls leak nothing', async () => {
         call();
     }
     for (let i = 0; i < 1000; ++i) {
+        library.fit(SOURCE, TARGET);
         assert.throws(() => library.fit(SOURCE, SOURCE.map(() => [1, 1])), FitError);
     }
     assert.equal(library.functions.memory.buffer.byteLength, before);

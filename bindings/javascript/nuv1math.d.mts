@@ -1,4 +1,4 @@
-// nuv1math.d.ts: types of nuv1math.mjs.
+// nuv1math.d.mts: types of nuv1math.mjs.
 // Copyright (c) 2026 the nuv1math authors
 // SPDX-License-Identifier: MIT
 
@@ -66,6 +66,17 @@ export interface LoadOptions {
     report?: (text: string) => void;
 }
 
+/** Memory of the module while `Library.using` works. What is allocated in it is an address. */
+export interface Arena {
+    allocate(size: number): number;
+    doubles(values: ArrayLike<number>): number;
+    ints(values: ArrayLike<number>): number;
+    /** A record of interface.d.mts; fields that the values lack become 0. */
+    record(name: string, values?: object): number;
+    write(name: string, address: number, values: object): void;
+    read(name: string, address: number): any;
+}
+
 /** An instance of the module. */
 export class Library {
     /** The functions of C; arrays and records are addresses in `functions.memory`. */
@@ -73,6 +84,8 @@ export class Library {
     /** The text of an assertion report, after which every call throws; else null. */
     readonly broken: string | null;
     fit(source: Point[], target: Point[], options?: FitOptions): Fit;
+    /** Calls a function with memory that is released when it ends, also by an exception. */
+    using<T>(work: (arena: Arena, functions: Functions) => T): T;
 }
 
 export function load(options?: LoadOptions): Promise<Library>;

@@ -1,4 +1,4 @@
-// interface.d.ts: types of the records, and the functions of the C interface.
+// interface.d.mts: types of the records, and the functions of the C interface.
 // Copyright (c) 2026 the nuv1math authors
 // SPDX-License-Identifier: MIT
 // Made by generate.py from nuv1math.h and judgement.h; change those, and run it again.
