@@ -5,6 +5,7 @@
 
 Replaces in INDEX.HTML
   <link rel="stylesheet" href="FILE">                           by the text of the file,
+  <template id="ID" data-file="FILE"></template>                by a template with the text of the file,
   <script id="engine-module" type="text/plain"></script>        by the same with MODULE.WASM in base64,
   <script type="module" src="FILE"></script>                    by a script with the modules that FILE imports.
 Each module becomes a function that is called once and returns its exports. The last one, FILE itself, stands behind them.
@@ -12,12 +13,14 @@ Fails if the result would still need another file.
 """
 
 import base64
+import html
 import pathlib
 import re
 import sys
 
 STYLE = re.compile(r'<link rel="stylesheet" href="([^"]+)">')
 SCRIPT = re.compile(r'<script type="module" src="([^"]+)"></script>')
+TEMPLATE = re.compile(r'<template id="([^"]+)" data-file="([^"]+)"></template>')
 MODULE = '<script id="engine-module" type="text/plain"></script>'
 IMPORT = re.compile(r"^import \{([^}]*)\} from '([^']+)';\n", re.MULTILINE)
 EXPORT = re.compile(r"^export (?=(?:async function|function|class|const) (\w+))", re.MULTILINE)
@@ -60,6 +63,9 @@ def inlined(index, module):
     def style(match):
         return f"<style>\n{(index.parent / match[1]).read_text()}</style>"
 
+    def template(match):
+        return f'<template id="{match[1]}">{html.escape((index.parent / match[2]).read_text(), quote=False)}</template>'
+
     def script(match):
         modules = Modules()
         main = modules.translated((index.parent / match[1]).resolve())
@@ -69,6 +75,7 @@ def inlined(index, module):
         text, count = pattern.subn(replacement, text)
         if count != 1:
             raise ValueError(f"{index}: {count} places of {pattern.pattern} instead of one")
+    text = TEMPLATE.sub(template, text)
     check(index, text)
     if text.count(MODULE) != 1:
         raise ValueError(f"{index}: {text.count(MODULE)} places of {MODULE} instead of one")
