@@ -1,0 +1,68 @@
+// entry.mjs: the form for the place that a new point lacks.
+// Copyright (c) 2026 the nuv1math authors
+// SPDX-License-Identifier: MIT
+
+import { parseNumber, parsePair } from './numbers.mjs';
+import { isComplete } from './store.mjs';
+
+function element(id) {
+    return document.getElementById(id);
+}
+
+// The actions: edit(id, values), remove(id).
+export class Entry {
+    constructor(actions) {
+        this.form = element('entry');
+        this.first = element('entry-first');
+        this.second = element('entry-second');
+        this.point = null;
+        this.form.addEventListener('submit', (event) => this.#set(event));
+        element('entry-cancel').addEventListener('click', () => actions.remove(this.point.id));
+        this.form.addEventListener('keydown', (event) => event.key === 'Escape' && actions.remove(this.point.id));
+        this.actions = actions;
+    }
+
+    // Shows the form if the point lacks a place; predicted: where the transformation puts it, or null.
+    show(point, number, predicted) {
+        const isOther = point?.id !== this.point?.id;
+        this.point = point;
+        this.form.hidden = point === null || isComplete(point);
+        if (this.form.hidden) {
+            return;
+        }
+        this.names = point.X === null || point.Y === null ? ['X', 'Y'] : ['x', 'y'];
+        const view = this.names[0] === 'X' ? 'target' : 'source';
+        element('entry-text').textContent = `Point ${number}: click its place in the ${view} view, or type it.`;
+        element('entry-first-name').textContent = this.names[0];
+        element('entry-second-name').textContent = this.names[1];
+        const [first, second] = predicted ?? ['', ''];
+        this.first.placeholder = first === '' ? '' : `about ${first}`;
+        this.second.placeholder = second === '' ? '' : `about ${second}`;
+        if (isOther) {
+            [this.first.value, this.second.value] = this.names.map((name) => point[name] ?? '');
+            element('entry-error').textContent = '';
+        }
+    }
+
+    focus() {
+        if (!this.form.hidden) {
+            this.first.focus({ preventScroll: true });
+        }
+    }
+
+    // Takes two numbers, or a pair in the first field.
+    #set(event) {
+        event.preventDefault();
+        const pair = parsePair(this.first.value);
+        const values = pair ?? [parseNumber(this.first.value), parseNumber(this.second.value)];
+        const missing = values.indexOf(null);
+        if (missing < 0) {
+            this.actions.edit(this.point.id, { [this.names[0]]: values[0], [this.names[1]]: values[1] });
+            return;
+        }
+        const input = [this.first, this.second][missing];
+        const isEmpty = input.value.trim() === '';
+        element('entry-error').textContent = isEmpty ? '' : `'${input.value}' is not a number for ${this.names[missing]}`;
+        input.focus();
+    }
+}

@@ -1,0 +1,104 @@
+// files.mjs: opens files, and saves results as files.
+// Copyright (c) 2026 the nuv1math authors
+// SPDX-License-Identifier: MIT
+
+import { loadImage } from './images.mjs';
+import { readWorldFile } from './pixels.mjs';
+
+const WORLD_FILE = /\.(wld|[a-z]{2,4}w)$/i;
+const IMAGE_FILE = /\.(png|jpe?g|webp|gif|bmp|svg|avif|tiff?|jp2|ecw|sid|heic)$/i;
+const SAVED = {
+    points: { suffix: '.points', type: 'text/plain' },
+    csv: { suffix: '.csv', type: 'text/csv' },
+    world: { suffix: '.wld', type: 'text/plain' },
+    gcp: { suffix: '.gcp.txt', type: 'text/plain' },
+    proj: { suffix: '.proj.txt', type: 'text/plain' },
+    report: { suffix: '.report.txt', type: 'text/plain' },
+    json: { suffix: '.json', type: 'application/json' },
+};
+
+function kindOf(file) {
+    return WORLD_FILE.test(file.name) ? 'world' : file.type.startsWith('image/') || IMAGE_FILE.test(file.name)
+        ? 'image' : 'points';
+}
+
+function baseOf(name) {
+    return name.replace(/\.[^.]*$/, '') || 'points';
+}
+
+// The text of a result for saving.
+function textOf(engine, what) {
+    return what === 'report' ? engine.report() : what === 'json' ? engine.json() : engine.export(what);
+}
+
+// Offers a result as a download. Fails with the engine's reason if there is no such result.
+export function saveResult(engine, what, file) {
+    const { suffix, type } = SAVED[what];
+    const name = baseOf(file) + suffix;
+    const url = URL.createObjectURL(new Blob([textOf(engine, what)], { type }));
+    const link = document.createElement('a');
+    link.href = url;
+    link.download = name;
+    link.click();
+    setTimeout(() => URL.revokeObjectURL(url), 10000);
+    return name;
+}
+
+export class Opener {
+    constructor(engine, store) {
+        this.engine = engine;
+        this.store = store;
+    }
+
+    // Opens files of any kind. side: 'source' or 'target' for images that belong there, else null. Returns what happened, a
+    // sentence each; failures are {failed: text}.
+    async open(files, side) {
+        const told = [];
+        for (const file of files) {
+            try {
+                told.push(await this.#openOne(file, side));
+            } catch (error) {
+                told.push({ failed: error.message });
+            }
+        }
+        return told;
+    }
+
+    async #openOne(file, side) {
+        const kind = kindOf(file);
+        if (kind === 'image') {
+            return this.openImage(await loadImage(file.name, file), side);
+        }
+        const text = await file.text();
+        return kind === 'world' ? this.#openWorldFile(file.name, text) : this.openPoints(file.name, text);
+    }
+
+    openPoints(name, text) {
+        const read = this.engine.read(name, text);
+        this.store.open(name, read);
+        const unread = read.unread.length > 0 ? ` Not read: the columns ${read.unread.join(', ')}.` : '';
+        const isAbove = read.kind === 'csv' && read.points.every((point) => point.y < 0);
+        const above = isAbove ? ' All y are negative: if they count rows as QGIS does, choose so at "Source pixels".' : '';
+        return `${name}: ${read.points.length} points.${unread}${above}`;
+    }
+
+    openImage(image, side) {
+        const isTarget = side === 'target' || (side === null && this.store.document.sourceImage !== null);
+        const size = `${image.name}: ${image.width} × ${image.height} pixels, `;
+        if (!isTarget) {
+            this.store.change({ sourceImage: image });
+            return `${size}the source image.`;
+        }
+        this.store.change({ targetImage: image, place: null });
+        return `${size}the target image. Target coordinates are its pixels; its world file places it on a map.`;
+    }
+
+    #openWorldFile(name, text) {
+        const place = readWorldFile(name, text);
+        if (this.store.document.targetImage === null) {
+            throw new Error(`${name}: a world file places a target image; open that image first`);
+        }
+        this.store.change({ place });
+        return `${name}: places the target image.`;
+    }
+}

@@ -1,0 +1,108 @@
+// fitting.mjs: the result of the engine for a document.
+// Copyright (c) 2026 the nuv1math authors
+// SPDX-License-Identifier: MIT
+
+import { isComplete } from './store.mjs';
+
+// The parts of a document that the fit depends on.
+const INPUTS = ['points', 'options', 'kind', 'crs', 'file', 'unread'];
+
+const STATES = {
+    fitted: 'fitted',
+    check: 'check point',
+    dropped: 'dropped as a blunder',
+    suspect: 'suspected blunder',
+    pending: 'place missing',
+};
+
+function columns(positions) {
+    return [positions.map(([x]) => x), positions.map(([, y]) => y)];
+}
+
+export function wordsOfState(state) {
+    return STATES[state];
+}
+
+// `report` is the engine's report as an object, or null; then `error` tells why.
+export class Fitting {
+    #document = null;
+    #quick = false;
+    #results = new Map();
+
+    constructor(engine) {
+        this.engine = engine;
+        this.report = null;
+        this.error = '';
+        this.milliseconds = 0;
+    }
+
+    // Fits anew if the document has changed in what the fit depends on, or if the last fit was a quick one and this one is
+    // not. A quick one does not look for blunders.
+    update(document, quick = false) {
+        const before = this.#document;
+        if (before !== null && INPUTS.every((key) => before[key] === document[key])
+            && (quick || !this.#quick)) {
+            return;
+        }
+        this.#document = document;
+        this.#quick = quick;
+        const start = performance.now();
+        this.#fit(document, quick);
+        this.milliseconds = performance.now() - start;
+    }
+
+    #fit({ points, options, kind, crs, file, unread }, quick) {
+        const complete = points.filter(isComplete);
+        this.#results = new Map();
+        this.report = null;
+        this.error = '';
+        if (complete.length === 0) {
+            return;
+        }
+        try {
+            this.report = this.engine.fit(complete, { ...options, kind, crs, file, unread, quick });
+            this.report.points.forEach((result, index) => this.#results.set(complete[index].id, result));
+        } catch (error) {
+            this.error = error.message;
+        }
+    }
+
+    // What the report tells of a point, or null.
+    of(id) {
+        return this.#results.get(id) ?? null;
+    }
+
+    stateOf(point) {
+        if (!isComplete(point)) {
+            return 'pending';
+        }
+        const result = this.of(point.id);
+        return result === null ? (point.check ? 'check' : 'fitted') : result.suspect && result.role !== 'dropped'
+            ? 'suspect' : result.role;
+    }
+
+    // The text of a number as the report has it; of none, nothing.
+    number(value) {
+        return value === null || value === undefined ? '' : this.engine.number(value, 6);
+    }
+
+    // Images of source positions. null for one that has none, as all of them without a transformation, or that is beyond the
+    // line to infinity.
+    images(positions) {
+        const { xs, ys, beyond } = this.engine.transform(...columns(positions));
+        return positions.map((_, i) => beyond[i] === 0 && Number.isFinite(xs[i]) ? [xs[i], ys[i]] : null);
+    }
+
+    // Source positions of target positions, or null.
+    sources(positions) {
+        const { xs, ys } = this.engine.inverse(...columns(positions));
+        return positions.map((_, i) => Number.isFinite(xs[i]) ? [xs[i], ys[i]] : null);
+    }
+
+    // The coefficients A to H that count from the origins, {coefficients, source, target}.
+    frame() {
+        const { local, original } = this.report.frames;
+        return local === null ? { coefficients: original.coefficients, source: [0, 0], target: [0, 0] }
+            : { coefficients: local.coefficients, source: local.source_origin, target: local.target_origin };
+    }
+}

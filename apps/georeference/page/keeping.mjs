@@ -1,0 +1,50 @@
+// keeping.mjs: what the browser keeps: points and settings in its local storage, images in its database.
+// Copyright (c) 2026 the nuv1math authors
+// SPDX-License-Identifier: MIT
+
+const KEY = 'nuv1math.georeference';
+const IMAGES = 'images';
+const IMAGE_SIDES = ['sourceImage', 'targetImage'];
+
+function request(work) {
+    return new Promise((resolve, reject) => {
+        work.onsuccess = () => resolve(work.result);
+        work.onerror = () => reject(work.error);
+    });
+}
+
+async function imageTable(mode) {
+    const opening = indexedDB.open(KEY, 1);
+    opening.onupgradeneeded = () => opening.result.createObjectStore(IMAGES);
+    const database = await request(opening);
+    return database.transaction(IMAGES, mode).objectStore(IMAGES);
+}
+
+// Keeps points and settings. Throws if the browser refuses.
+export function keepDocument(document, settings) {
+    const kept = { ...document, sourceImage: null, targetImage: null };
+    localStorage.setItem(KEY, JSON.stringify({ document: kept, settings }));
+}
+
+// What was kept, or null. Anything that is not a document of this page counts as nothing.
+export function keptDocument(empty) {
+    try {
+        const { document, settings } = JSON.parse(localStorage.getItem(KEY)) ?? {};
+        return Array.isArray(document?.points) ? { document: { ...empty, ...document }, settings: settings ?? {} } : null;
+    } catch {
+        return null;
+    }
+}
+
+// Keeps or forgets an image. Throws if the browser refuses.
+export async function keepImage(side, image) {
+    const table = await imageTable('readwrite');
+    await request(image === null ? table.delete(side) : table.put({ name: image.name, blob: image.blob }, side));
+}
+
+// The kept images as {sourceImage: {name, blob}, targetImage: ...}, without those that were not kept.
+export async function keptImages() {
+    const table = await imageTable('readonly');
+    const images = await Promise.all(IMAGE_SIDES.map((side) => request(table.get(side))));
+    return Object.fromEntries(IMAGE_SIDES.map((side, index) => [side, images[index]]).filter(([, image]) => image));
+}

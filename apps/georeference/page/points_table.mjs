@@ -1,0 +1,252 @@
+// points_table.mjs: the table of control points. Of many points only the rows in sight exist.
+// Copyright (c) 2026 the nuv1math authors
+// SPDX-License-Identifier: MIT
+
+import { parseNumber, parsePair } from './numbers.mjs';
+import { wordsOfState } from './fitting.mjs';
+
+const ALL = 150;        // points up to which all rows exist
+const BEYOND = 12;      // rows above and below the visible ones
+const FIELDS = ['name', 'x', 'y', 'X', 'Y'];
+const PARTNER = { x: 'y', X: 'Y' };
+const RESULTS = ['dX', 'dY', 'length', 'leave'];
+
+function cell(row, className, content = null) {
+    const element = row.insertCell();
+    element.className = className;
+    if (content !== null) {
+        element.append(content);
+    }
+    return element;
+}
+
+function field(name, type) {
+    const input = document.createElement('input');
+    input.type = type;
+    input.dataset.field = name;
+    return input;
+}
+
+// The actions: edit(id, values), choose(id), remove(id), complain(text).
+export class PointsTable {
+    #rows = new Map();
+    #first = 0;
+    #shown = [];
+
+    constructor(table, actions) {
+        this.table = table;
+        this.body = table.tBodies[0];
+        this.scroller = table.parentElement;
+        this.actions = actions;
+        this.points = [];
+        this.above = this.#spacer();
+        this.below = this.#spacer();
+        this.#listen();
+    }
+
+    #spacer() {
+        const row = document.createElement('tr');
+        row.setAttribute('aria-hidden', 'true');
+        row.insertCell().colSpan = 13;
+        return row;
+    }
+
+    #listen() {
+        this.scroller.addEventListener('scroll', () => this.show(this.points, this.fitting, this.chosen), { passive: true });
+        this.body.addEventListener('change', (event) => this.#changed(event.target));
+        this.body.addEventListener('focusin', (event) => {
+            const id = this.#idOf(event.target);
+            if (id !== this.chosen) {
+                this.actions.choose(id);
+            }
+        });
+        this.body.addEventListener('click', (event) => {
+            if (event.target.closest('button')) {
+                this.actions.remove(this.#idOf(event.target));
+            }
+        });
+        this.body.addEventListener('keydown', (event) => this.#key(event));
+    }
+
+    #idOf(element) {
+        return Number(element.closest('tr').dataset.id);
+    }
+
+    // Enter and the vertical arrows go to the same field of the next row.
+    #key(event) {
+        const step = { Enter: event.shiftKey ? -1 : 1, ArrowDown: 1, ArrowUp: -1 }[event.key];
+        const name = event.target.dataset.field;
+        if (step === undefined || name === undefined || name === 'check') {
+            return;
+        }
+        event.preventDefault();
+        const index = this.points.findIndex((point) => point.id === this.#idOf(event.target)) + step;
+        if (index >= 0 && index < this.points.length) {
+            this.focus(this.points[index].id, name);
+        } else {
+            event.target.blur();
+        }
+    }
+
+    focus(id, name) {
+        this.#scrollTo(this.points.findIndex((point) => point.id === id));
+        this.#rows.get(id)?.inputs[name].focus();
+    }
+
+    #scrollTo(index) {
+        const height = this.#rowHeight();
+        const [top, room] = [index * height, this.scroller.clientHeight - 2 * height];
+        if (top < this.scroller.scrollTop || top > this.scroller.scrollTop + room) {
+            this.scroller.scrollTop = top - room / 2;
+            this.show(this.points, this.fitting, this.chosen);
+        }
+    }
+
+    #changed(input) {
+        const id = this.#idOf(input);
+        const name = input.dataset.field;
+        if (name === 'check') {
+            this.actions.edit(id, { check: input.checked });
+        } else if (name === 'name') {
+            this.actions.edit(id, { name: input.value });
+        } else {
+            this.#coordinate(id, name, input);
+        }
+    }
+
+    #coordinate(id, name, input) {
+        const pair = name in PARTNER ? parsePair(input.value) : null;
+        const value = input.value.trim() === '' ? null : parseNumber(input.value);
+        const isBad = pair === null && value === null && input.value.trim() !== '';
+        input.toggleAttribute('aria-invalid', false);
+        if (isBad) {
+            input.setAttribute('aria-invalid', 'true');
+            const number = this.points.findIndex((point) => point.id === id) + 1;
+            this.actions.complain(`point ${number}: '${input.value}' is not a number for ${name}`);
+        } else {
+            this.actions.edit(id, pair === null ? { [name]: value } : { [name]: pair[0], [PARTNER[name]]: pair[1] });
+        }
+    }
+
+    // ---- drawing ----
+
+    #rowHeight() {
+        return this.#shown.length > 0 ? this.#shown[0].row.offsetHeight : 24;
+    }
+
+    #window() {
+        const { points, scroller } = this;
+        if (points.length <= ALL) {
+            return [0, points.length];
+        }
+        const height = this.#rowHeight();
+        const first = Math.max(0, Math.floor(scroller.scrollTop / height) - BEYOND);
+        return [first, Math.min(points.length, first + Math.ceil(scroller.clientHeight / height) + 2 * BEYOND)];
+    }
+
+    show(points, fitting, chosen) {
+        Object.assign(this, { points, fitting, chosen });
+        const [first, end] = this.#window();
+        const wanted = points.slice(first, end);
+        this.#arrange(wanted, first, points.length - end);
+        wanted.forEach((point, index) => this.#fill(this.#rows.get(point.id), point, first + index + 1));
+        this.table.setAttribute('aria-rowcount', String(points.length + 1));
+    }
+
+    // Makes the rows that are missing and removes those that are out of sight. A row keeps its fields while it is there.
+    #arrange(wanted, countAbove, countBelow) {
+        const height = this.#rowHeight();
+        const keep = new Set(wanted.map((point) => point.id));
+        for (const [id, { row }] of this.#rows) {
+            if (!keep.has(id)) {
+                row.remove();
+                this.#rows.delete(id);
+            }
+        }
+        let before = this.above;
+        this.body.firstElementChild === this.above || this.body.prepend(this.above);
+        for (const point of wanted) {
+            const parts = this.#rows.get(point.id) ?? this.#make(point.id);
+            before.nextElementSibling === parts.row || before.after(parts.row);
+            before = parts.row;
+        }
+        before.nextElementSibling === this.below || before.after(this.below);
+        this.#space(this.above, countAbove * height);
+        this.#space(this.below, countBelow * height);
+        this.#shown = wanted.map((point) => this.#rows.get(point.id));
+    }
+
+    #space(spacer, height) {
+        spacer.hidden = height === 0;
+        spacer.style.height = `${height}px`;
+    }
+
+    #make(id) {
+        const row = document.createElement('tr');
+        row.dataset.id = id;
+        const inputs = {};
+        const results = {};
+        const number = cell(row, 'number');
+        for (const name of FIELDS) {
+            inputs[name] = field(name, 'text');
+            cell(row, name === 'name' ? 'text' : 'number', inputs[name]);
+        }
+        inputs.check = field('check', 'checkbox');
+        cell(row, 'check', inputs.check);
+        for (const name of RESULTS) {
+            results[name] = cell(row, 'number');
+            results[name].dataset.result = name;
+        }
+        const state = cell(row, 'state');
+        const button = document.createElement('button');
+        button.type = 'button';
+        button.textContent = '✕';
+        cell(row, '', button);
+        const parts = { row, number, inputs, results, state, button };
+        this.#rows.set(id, parts);
+        return parts;
+    }
+
+    #fill(parts, point, number) {
+        const result = this.fitting.of(point.id);
+        const state = this.fitting.stateOf(point);
+        this.#write(parts.number, String(number));
+        parts.row.setAttribute('aria-rowindex', String(number + 1));
+        parts.row.toggleAttribute('data-chosen', point.id === this.chosen);
+        parts.row.dataset.state = state;
+        this.#fillFields(parts, point, number);
+        const leave = result?.leave_one_out;
+        const values = { dX: result?.dX, dY: result?.dY, length: result?.length,
+            leave: leave ? Math.hypot(...leave) : null };
+        for (const name of RESULTS) {
+            this.#write(parts.results[name], this.fitting.number(values[name]));
+            parts.results[name].dataset.value = values[name] ?? '';
+        }
+        const largest = this.fitting.report?.largest_residual.point;
+        const isLargest = result !== null && result.point === largest;
+        this.#write(parts.state, wordsOfState(state) + (isLargest ? ', largest residual' : ''));
+    }
+
+    #fillFields({ inputs, button }, point, number) {
+        for (const name of FIELDS) {
+            const input = inputs[name];
+            const value = point[name] === null ? '' : String(point[name]);
+            if (input.dataset.value !== value) {
+                input.dataset.value = value;
+                input.value = value;
+                input.removeAttribute('aria-invalid');
+            }
+            input.dataset.number === String(number) || input.setAttribute('aria-label', `${name} of point ${number}`);
+            input.dataset.number = number;
+        }
+        inputs.check.checked = point.check;
+        inputs.check.setAttribute('aria-label', `point ${number} is a check point`);
+        button.setAttribute('aria-label', `delete point ${number}`);
+    }
+
+    #write(element, text) {
+        if (element.textContent !== text) {
+            element.textContent = text;
+        }
+    }
+}

@@ -1,0 +1,155 @@
+// result_panel.mjs: what the report tells of the transformation as a whole.
+// Copyright (c) 2026 the nuv1math authors
+// SPDX-License-Identifier: MIT
+
+const CHOICES = {
+    asked: 'the kind that was asked for',
+    richest: 'the richest kind that the points support',
+    least_leave_one_out_error: 'the least leave-one-out error',
+    poorer_as_good: 'a richer kind predicts no better',
+    not_judged: 'nothing can be judged by leave-one-out',
+};
+const PARAMETERS = [['sx', 'scale x', 1], ['sy', 'scale y', 1], ['rotation', 'rotation', 180 / Math.PI],
+    ['skew', 'skew', 180 / Math.PI]];
+
+function element(id) {
+    return document.getElementById(id);
+}
+
+function write(target, text) {
+    if (target.textContent !== text) {
+        target.textContent = text;
+    }
+}
+
+function label({ point, name }) {
+    return name ? `'${name}'` : `point ${point}`;
+}
+
+// A list of texts, in the items that are there already.
+function fillList(list, texts) {
+    while (list.childElementCount > texts.length) {
+        list.lastElementChild.remove();
+    }
+    texts.forEach((text, index) => write(list.children[index] ?? list.appendChild(document.createElement('li')), text));
+}
+
+// The result in a sentence.
+export function verdict(fitting, complete) {
+    const { report, error } = fitting;
+    if (report === null) {
+        return complete === 0 ? 'No points yet. Two give a conformal transformation, three an affine, four an omographic one.'
+            : error;
+    }
+    const rms = report.rms === null ? 'no redundancy, so nothing checks it' : `RMS ${fitting.number(report.rms)} target units`;
+    const count = report.suspects.length;
+    const suspects = count === 0 ? 'no suspected blunder' : `${count} suspected blunder${count > 1 ? 's' : ''}: `
+        + `${report.suspects.slice(0, 5).map(label).join(', ')}${count > 5 ? ', …' : ''}`;
+    return `${report.mirrored ? 'Mirrored c' : report.kind[0].toUpperCase()}${report.kind.slice(1)} transformation of `
+        + `${report.n} points: ${rms}; ${suspects}.`;
+}
+
+export class ResultPanel {
+    constructor(engine) {
+        this.engine = engine;
+        this.kinds = element('kinds').tBodies[0];
+    }
+
+    show(fitting, complete) {
+        this.fitting = fitting;
+        const text = verdict(fitting, complete);
+        write(element('verdict'), text);
+        element('result').dataset.kind = fitting.report?.kind ?? '';
+        this.#showKinds(fitting.report);
+        this.#showSuspects(fitting.report);
+        this.#showWarnings(fitting.report);
+        this.#showParameters(fitting.report);
+    }
+
+    #showKinds(report) {
+        const kinds = report?.kinds ?? [];
+        while (this.kinds.rows.length > kinds.length) {
+            this.kinds.deleteRow(-1);
+        }
+        kinds.forEach((kind, index) => this.#showKind(this.kinds.rows[index] ?? this.#newKind(), kind, report));
+    }
+
+    #newKind() {
+        const row = this.kinds.insertRow();
+        const head = document.createElement('th');
+        head.scope = 'row';
+        row.append(head);
+        return row;
+    }
+
+    #showKind(row, kind, report) {
+        const greatest = kind.greatest_leave_one_out;
+        const values = kind.missing !== null ? [[kind.missing, 'why']] : [[kind.coefficients], [kind.degrees_of_freedom],
+            [kind.rms], ...kind.not_judged !== null ? [[kind.not_judged, 'why']]
+                : [[kind.leave_one_out_rms], [greatest?.length ?? null], [greatest ? label(greatest) : '', 'why']]];
+        row.dataset.kind = kind.kind;
+        row.classList.toggle('taken', kind.kind === report.kind);
+        row.ariaCurrent = String(kind.kind === report.kind);
+        write(row.cells[0], kind.kind);
+        while (row.cells.length > values.length + 1) {
+            row.deleteCell(-1);
+        }
+        values.forEach(([value, className = 'number'], index) => {
+            const cell = row.cells[index + 1] ?? row.insertCell();
+            cell.className = className;
+            cell.colSpan = className === 'why' ? 6 - index : 1;
+            cell.dataset.value = value ?? '';
+            write(cell, typeof value === 'number' ? this.fitting.number(value) : value ?? 'none');
+        });
+    }
+
+    #showSuspects(report) {
+        const level = report?.level ?? 0;
+        const texts = (report?.suspects ?? []).map((suspect) => `${label(suspect)}, point ${suspect.point}: residual `
+            + `${this.fitting.number(suspect.length)}, suspect under the ${suspect.under_kind} kind`
+            + (suspect.dropped === null ? '' : `, dropped as number ${suspect.dropped}`));
+        fillList(element('suspects'), report === null ? [] : texts.length > 0 ? texts : [`none, at the level ${level}`]);
+    }
+
+    #showWarnings(report) {
+        const warnings = report?.warnings ?? [];
+        element('warnings-part').hidden = warnings.length === 0;
+        fillList(element('warnings'), warnings);
+    }
+
+    #showParameters(report) {
+        const list = element('parameters');
+        list.replaceChildren();
+        const add = (name, text, value) => {
+            const [term, definition] = [document.createElement('dt'), document.createElement('dd')];
+            term.textContent = name;
+            definition.textContent = text;
+            definition.dataset.parameter = name;
+            definition.dataset.value = value ?? '';
+            list.append(term, definition);
+        };
+        if (report === null) {
+            return;
+        }
+        add('chosen by', CHOICES[report.choice] ?? report.choice);
+        report.not_richer.forEach((text) => add('not richer', text));
+        add('points', `${report.n} fitted, ${report.dropped} dropped, ${report.check_points} check points`);
+        if (report.check_rms !== null) {
+            add('check RMS', this.fitting.number(report.check_rms), report.check_rms);
+        }
+        add('largest', `${this.fitting.number(report.largest_residual.length)} at ${label(report.largest_residual)}`,
+            report.largest_residual.length);
+        if (report.parameters === null) {
+            add('scale, rotation', 'change from point to point in an omographic transformation');
+            return;
+        }
+        PARAMETERS.forEach(([key, name, factor]) => add(name, this.fitting.number(report.parameters[key] * factor)
+            + (factor === 1 ? '' : '°'), report.parameters[key]));
+    }
+
+    // What need not follow every frame: the announcement and the report.
+    settle() {
+        write(element('live'), element('verdict').textContent);
+        write(element('report'), this.fitting.report === null ? 'There is no transformation.' : this.engine.report());
+    }
+}
