@@ -153,14 +153,15 @@ static TCandidate Without(const TCandidate& a_Group, int a_iPosition)
     return Result;
 }
 
-// Exchanges single points of the group as long as that lowers the sum of squares.
+// Exchanges single points of the group as long as that lowers the sum of squares. The last point is the one that Extend has
+// added, the best one beside the others.
 static void Exchange(TSearch& a_Search, TCandidate& a_Group)
 {
     bool bChanged = true;
     for (int iRound = 0; bChanged && iRound < GREATEST_EXCHANGES; ++iRound)
     {
         bChanged = false;
-        for (int k = 0; k < a_Group.iCount; ++k)
+        for (int k = 0; k < a_Group.iCount - 1; ++k)
         {
             TCandidate Other = Without(a_Group, k);
             if (Extend(a_Search, Other) && Other.dSum < a_Group.dSum)

@@ -64,32 +64,100 @@ static const double CONVERGED_STEP = 1e-13;
 // If rounding keeps a step of at most this size from lowering the sum of squares, the iterations have converged, too.
 static const double ROUNDED_STEP = 1e-9;
 
-void ImageDerivatives(const nuv::TOmographicParams& a_Coefs, double a_dX, double a_dY, double* a_vdByX, double* a_vdByY)
+enum
+{
+    POSITIONS = 3,   // unknowns of X alone: A, B, C; of Y alone: D, E, F
+    DENOMINATORS = 2 // unknowns of both: G, H
+};
+
+// The derivatives of a point: of X by A, B, C, which are also those of Y by D, E, F, and of X and Y by G and H.
+struct TDerivatives
+{
+    double vdPosition[POSITIONS];
+    double vdX[DENOMINATORS];
+    double vdY[DENOMINATORS];
+};
+
+static TDerivatives DerivativesAt(const nuv::TOmographicParams& a_Coefs, double a_dX, double a_dY,
+                                  const TVector& a_Image)
 {
     const double dW = Denominator(a_Coefs, a_dX, a_dY);
-    const TVector Image = ImageOf(a_Coefs, a_dX, a_dY);
     const double dP = a_dX / dW;
     const double dQ = a_dY / dW;
-    const double vdByX[COEFS] = {dP, dQ, 1.0 / dW, 0, 0, 0, -Image.dX * dP, -Image.dX * dQ};
-    const double vdByY[COEFS] = {0, 0, 0, dP, dQ, 1.0 / dW, -Image.dY * dP, -Image.dY * dQ};
-    memcpy(a_vdByX, vdByX, sizeof vdByX);
-    memcpy(a_vdByY, vdByY, sizeof vdByY);
+    const TDerivatives Derivatives = {
+        {dP, dQ, 1.0 / dW}, {-a_Image.dX * dP, -a_Image.dX * dQ}, {-a_Image.dY * dP, -a_Image.dY * dQ}};
+    return Derivatives;
 }
 
+void ImageDerivatives(const nuv::TOmographicParams& a_Coefs, double a_dX, double a_dY, double* a_vdByX, double* a_vdByY)
+{
+    const TDerivatives D = DerivativesAt(a_Coefs, a_dX, a_dY, ImageOf(a_Coefs, a_dX, a_dY));
+    memset(a_vdByX, 0, COEFS * sizeof(double));
+    memset(a_vdByY, 0, COEFS * sizeof(double));
+    memcpy(a_vdByX, D.vdPosition, sizeof D.vdPosition);
+    memcpy(a_vdByY + POSITIONS, D.vdPosition, sizeof D.vdPosition);
+    memcpy(a_vdByX + 2 * POSITIONS, D.vdX, sizeof D.vdX);
+    memcpy(a_vdByY + 2 * POSITIONS, D.vdY, sizeof D.vdY);
+}
+
+static double* RowOf(double* a_vdMatrix, int a_iRow)
+{
+    return a_vdMatrix + a_iRow * (a_iRow + 1) / 2;
+}
+
+static void AddPositions(double a_dFactor, const TDerivatives& a_Derivatives, double* a_vdSums)
+{
+    for (int j = 0; j < POSITIONS; ++j)
+    {
+        a_vdSums[j] += a_dFactor * a_Derivatives.vdPosition[j];
+    }
+}
+
+// Adds both observations of a point, but for the block of D, E, F. The X observation comes before the Y observation.
+static void AddPoint(const TDerivatives& a_Derivatives, const TVector& a_Rest, TOmographicEquations& a_Equations)
+{
+    for (int j = 0; j < POSITIONS; ++j)
+    {
+        double* const vdRow = RowOf(a_Equations.vdMatrix, j);
+        for (int k = 0; k <= j; ++k)
+        {
+            vdRow[k] += a_Derivatives.vdPosition[j] * a_Derivatives.vdPosition[k];
+        }
+    }
+    AddPositions(a_Rest.dX, a_Derivatives, a_Equations.vdVector);
+    AddPositions(a_Rest.dY, a_Derivatives, a_Equations.vdVector + POSITIONS);
+    for (int j = 0; j < DENOMINATORS; ++j)
+    {
+        const double dX = a_Derivatives.vdX[j];
+        const double dY = a_Derivatives.vdY[j];
+        double* const vdRow = RowOf(a_Equations.vdMatrix, 2 * POSITIONS + j);
+        AddPositions(dX, a_Derivatives, vdRow);
+        AddPositions(dY, a_Derivatives, vdRow + POSITIONS);
+        for (int k = 0; k <= j; ++k)
+        {
+            vdRow[2 * POSITIONS + k] = vdRow[2 * POSITIONS + k] + dX * a_Derivatives.vdX[k] + dY * a_Derivatives.vdY[k];
+        }
+        a_Equations.vdVector[2 * POSITIONS + j] =
+            a_Equations.vdVector[2 * POSITIONS + j] + dX * a_Rest.dX + dY * a_Rest.dY;
+    }
+}
+
+// The sums are those of UpdateNormMatrixLowTri for the X and the Y row of each point. The products with the six zeros of
+// the two rows are left out, and the block of D, E, F is that of A, B, C.
 void FormEquations(const TControlPoints& a_Points, const nuv::TOmographicParams& a_Coefs,
                    TOmographicEquations& a_Equations)
 {
     memset(&a_Equations, 0, sizeof a_Equations);
     for (int i = 0; i < a_Points.iCount; ++i)
     {
-        double vdByX[COEFS];
-        double vdByY[COEFS];
         const TVector Image = ImageOf(a_Coefs, a_Points.vdX[i], a_Points.vdY[i]);
-        ImageDerivatives(a_Coefs, a_Points.vdX[i], a_Points.vdY[i], vdByX, vdByY);
-        nuv::UpdateNormMatrixLowTri(COEFS, a_Equations.vdMatrix, a_Equations.vdVector, vdByX,
-                                    a_Points.vdXa[i] - Image.dX);
-        nuv::UpdateNormMatrixLowTri(COEFS, a_Equations.vdMatrix, a_Equations.vdVector, vdByY,
-                                    a_Points.vdYa[i] - Image.dY);
+        const TVector Rest = {a_Points.vdXa[i] - Image.dX, a_Points.vdYa[i] - Image.dY};
+        AddPoint(DerivativesAt(a_Coefs, a_Points.vdX[i], a_Points.vdY[i], Image), Rest, a_Equations);
+    }
+    for (int j = 0; j < POSITIONS; ++j)
+    {
+        memcpy(RowOf(a_Equations.vdMatrix, POSITIONS + j) + POSITIONS, RowOf(a_Equations.vdMatrix, j),
+               (static_cast<size_t>(j) + 1) * sizeof(double));
     }
 }
 
@@ -115,8 +183,11 @@ static double GreatestMove(const TControlPoints& a_Points, const nuv::TOmographi
     {
         const TVector Old = ImageOf(a_Old, a_Points.vdX[i], a_Points.vdY[i]);
         const TVector New = ImageOf(a_New, a_Points.vdX[i], a_Points.vdY[i]);
-        const double dMove = Length(New.dX - Old.dX, New.dY - Old.dY);
-        dGreatest = dMove > dGreatest || !IsFinite(dMove) ? dMove : dGreatest;
+        if (!IsShorter(New.dX - Old.dX, New.dY - Old.dY, dGreatest))
+        {
+            const double dMove = Length(New.dX - Old.dX, New.dY - Old.dY);
+            dGreatest = dMove > dGreatest || !IsFinite(dMove) ? dMove : dGreatest;
+        }
     }
     return dGreatest;
 }

@@ -25,6 +25,14 @@ bool AreFinite(const nuv::TOmographicParams& a_Coefs);
 // sqrt(x^2 + y^2) without overflow.
 double Length(double a_dX, double a_dY);
 
+// True only if the vector is shorter than a_dLength. A search of the greatest length asks this first, because Length takes
+// a division and a root. The answer is false for nearly equal lengths, for NaN, and where squares are inaccurate.
+inline bool IsShorter(double a_dX, double a_dY, double a_dLength)
+{
+    const double dSquare = a_dLength * a_dLength;
+    return a_dX * a_dX + a_dY * a_dY < 0.99 * dSquare && dSquare > 1e-280 && dSquare < 1e300;
+}
+
 double GreatestMagnitude(int a_iCount, const double* a_vdValues);
 
 // Points in arrays of their own, with their indices in the points that they come from.

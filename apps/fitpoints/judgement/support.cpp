@@ -56,9 +56,21 @@ static double DistanceFromPoint(const TSide& a_Side, const TLine& a_Line, int i)
     return Length(a_Side.vdX[i] - a_Line.dX, a_Side.vdY[i] - a_Line.dY);
 }
 
+// The distance, or 0 if it is less than a_dLeast.
+static double DistanceFromPointBeyond(const TSide& a_Side, const TLine& a_Line, int i, double a_dLeast)
+{
+    const bool bShorter = IsShorter(a_Side.vdX[i] - a_Line.dX, a_Side.vdY[i] - a_Line.dY, a_dLeast);
+    return bShorter ? 0 : DistanceFromPoint(a_Side, a_Line, i);
+}
+
 static double DistanceFromLine(const TSide& a_Side, const TLine& a_Line, int i)
 {
     return fabs((a_Side.vdY[i] - a_Line.dY) * a_Line.dUx - (a_Side.vdX[i] - a_Line.dX) * a_Line.dUy);
+}
+
+static double DistanceFromLineBeyond(const TSide& a_Side, const TLine& a_Line, int i, double /* a_dLeast */)
+{
+    return DistanceFromLine(a_Side, a_Line, i);
 }
 
 // A line that only has a point, for DistanceFromPoint.
@@ -78,17 +90,18 @@ static TLine LineThrough(const TSide& a_Side, int i, int j)
     return Line;
 }
 
-// The point with the greatest measure.
-static int Farthest(const TSide& a_Side, const TLine& a_Line, double (*a_pMeasure)(const TSide&, const TLine&, int))
+// The point with the greatest distance. The last argument of a_pDistance is the greatest distance so far.
+static int Farthest(const TSide& a_Side, const TLine& a_Line,
+                    double (*a_pDistance)(const TSide&, const TLine&, int, double))
 {
     int iFarthest = 0;
-    double dGreatest = a_pMeasure(a_Side, a_Line, 0);
+    double dGreatest = a_pDistance(a_Side, a_Line, 0, 0);
     for (int i = 1; i < a_Side.iCount; ++i)
     {
-        const double dMeasure = a_pMeasure(a_Side, a_Line, i);
-        if (dMeasure > dGreatest)
+        const double dDistance = a_pDistance(a_Side, a_Line, i, dGreatest);
+        if (dDistance > dGreatest)
         {
-            dGreatest = dMeasure;
+            dGreatest = dDistance;
             iFarthest = i;
         }
     }
@@ -114,9 +127,9 @@ struct TSpread
 static TSpread FindSpread(const TSide& a_Side)
 {
     TSpread Spread = {0, 0, 0, 0, 0, 0};
-    Spread.iP = Farthest(a_Side, At(a_Side, 0), DistanceFromPoint);
+    Spread.iP = Farthest(a_Side, At(a_Side, 0), DistanceFromPointBeyond);
     const TLine P = At(a_Side, Spread.iP);
-    Spread.iQ = Farthest(a_Side, P, DistanceFromPoint);
+    Spread.iQ = Farthest(a_Side, P, DistanceFromPointBeyond);
     Spread.dExtent = DistanceFromPoint(a_Side, P, Spread.iQ);
     const double dRelative = RELATIVE_TOLERANCE * Spread.dExtent;
     const double dRounding = ROUNDING_TOLERANCE * LargestCoordinate(a_Side);
@@ -124,7 +137,7 @@ static TSpread FindSpread(const TSide& a_Side)
     if (Spread.dExtent > 0)
     {
         const TLine Line = LineThrough(a_Side, Spread.iP, Spread.iQ);
-        Spread.iR = Farthest(a_Side, Line, DistanceFromLine);
+        Spread.iR = Farthest(a_Side, Line, DistanceFromLineBeyond);
         Spread.dAcross = DistanceFromLine(a_Side, Line, Spread.iR);
     }
     return Spread;
