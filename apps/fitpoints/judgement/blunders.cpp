@@ -24,7 +24,6 @@ namespace judgement {
 
 enum
 {
-    GREATEST_GROUP = 3,
     GREATEST_PAIRED = 40,    // up to so many points the search for a pair begins at each of them
     GREATEST_GROUPED = 1000, // among more points two or three blunders cannot hide each other; they are found together
     GREATEST_EXCHANGES = 10  // rounds in which each point of a group is exchanged for a worse one
@@ -43,11 +42,13 @@ struct TSearch
     TControlPoints Points;
     TKindFit Fit;
     double dLevel, dRounding;
-    int iLeast;       // points that must remain
-    TPointSet Others; // the points outside of a group
-    bool bNoMemory;   // a fit has failed because there is no memory
-    int* viLeftOut;   // flags of the points of a group
-    double* vdLeave;  // leave-one-out residuals in X and Y and drops
+    int iLeast;                                        // points that must remain
+    TPointSet Others;                                  // the points outside of a group
+    bool bNoMemory;                                    // a fit has failed because there is no memory
+    int* viLeftOut;                                    // flags of the points of a group
+    double* vdLeave;                                   // block of LeaveArrays
+    const double* vdDropsOfAll;                        // the drops of the fit of all points, or null
+    double vdPairs[GREATEST_PAIRED * GREATEST_PAIRED]; // sums of squares without two points, for FindPair
 };
 
 // A group of points, and the sum of squares without them.
@@ -63,7 +64,7 @@ static bool AllocateSearch(TSearch& a_Search)
     const size_t n = static_cast<size_t>(a_Search.Points.iCount > 0 ? a_Search.Points.iCount : 1);
     const bool bSet = AllocateSet(a_Search.Points.iCount, a_Search.Others);
     a_Search.viLeftOut = static_cast<int*>(calloc(n, sizeof(int)));
-    a_Search.vdLeave = static_cast<double*>(malloc(3 * n * sizeof(double)));
+    a_Search.vdLeave = static_cast<double*>(malloc(LEAVE_ARRAYS * n * sizeof(double)));
     return bSet && a_Search.viLeftOut != NULL && a_Search.vdLeave != NULL;
 }
 
@@ -102,29 +103,39 @@ static bool FitWithout(TSearch& a_Search, const TCandidate& a_Group, TKindFit& a
                     FitSupported(PointsOf(a_Search.Others), a_Search.Fit.Kind, a_Search.Fit.bMirrored != 0, a_Fit));
 }
 
-// Drops of all points outside of the group are in the last third of vdLeave afterwards.
-static bool LeaveOneOutWithout(TSearch& a_Search, const TCandidate& a_Group, TKindFit& a_Fit)
+// The drops of all points outside of the group, or null.
+static const double* DropsWithout(TSearch& a_Search, const TCandidate& a_Group, TKindFit& a_Fit)
 {
-    const int n = a_Search.Points.iCount;
-    return FitWithout(a_Search, a_Group, a_Fit) &&
-           Succeeds(a_Search, LeaveOneOut(PointsOf(a_Search.Others), a_Fit, a_Search.vdLeave, a_Search.vdLeave + n,
-                                          a_Search.vdLeave + 2 * static_cast<ptrdiff_t>(n)));
+    const TLeaveArrays Leave = LeaveArrays(a_Search.vdLeave, a_Search.Points.iCount);
+    if (!FitWithout(a_Search, a_Group, a_Fit))
+    {
+        return NULL;
+    }
+    if (a_Group.iCount == 0 && a_Search.vdDropsOfAll != NULL)
+    {
+        return a_Search.vdDropsOfAll;
+    }
+    const enumReason Reason = LeaveOneOut(PointsOf(a_Search.Others), a_Fit, Leave.vdX, Leave.vdY, Leave.vdDrops);
+    return Succeeds(a_Search, Reason) ? Leave.vdDrops : NULL;
 }
 
-static const double* Drops(const TSearch& a_Search)
+// Adds a point to the group. a_dDrop is that from the sum without the group to the sum without the point, too.
+static void AddToGroup(int a_iPoint, double a_dSum, double a_dDrop, TCandidate& a_Group)
 {
-    return a_Search.vdLeave + 2 * static_cast<ptrdiff_t>(a_Search.Points.iCount);
+    const double dSum = a_dSum - a_dDrop;
+    a_Group.viPoints[a_Group.iCount++] = a_iPoint;
+    a_Group.dSum = dSum > 0 ? dSum : 0;
 }
 
 // Adds to the group the point without which the sum of squares drops most. The group is unchanged if there is none.
 static bool Extend(TSearch& a_Search, TCandidate& a_Group)
 {
     TKindFit Fit;
-    if (!LeaveOneOutWithout(a_Search, a_Group, Fit))
+    const double* const vdDrops = DropsWithout(a_Search, a_Group, Fit);
+    if (vdDrops == NULL)
     {
         return false;
     }
-    const double* const vdDrops = Drops(a_Search);
     int iBest = 0;
     for (int i = 1; i < a_Search.Others.iCount; ++i)
     {
@@ -134,9 +145,7 @@ static bool Extend(TSearch& a_Search, TCandidate& a_Group)
     {
         return false;
     }
-    const double dSum = Fit.dSumOfSquares - vdDrops[iBest];
-    a_Group.viPoints[a_Group.iCount++] = a_Search.Others.viIndex[iBest];
-    a_Group.dSum = dSum > 0 ? dSum : 0;
+    AddToGroup(a_Search.Others.viIndex[iBest], Fit.dSumOfSquares, vdDrops[iBest], a_Group);
     return true;
 }
 
@@ -173,14 +182,57 @@ static void Exchange(TSearch& a_Search, TCandidate& a_Group)
     }
 }
 
-// The best pair that has a given first point, for every first point.
+// The sum of squares without two points; infinite if the others do not determine the kind. A negative one is not known yet.
+static double SumWithoutPair(TSearch& a_Search, int i, int j)
+{
+    double& dSum = a_Search.vdPairs[i < j ? i * GREATEST_PAIRED + j : j * GREATEST_PAIRED + i];
+    if (dSum < 0)
+    {
+        const TCandidate Pair = {2, {i, j, 0}, 0};
+        TKindFit Fit;
+        dSum = FitWithout(a_Search, Pair, Fit) ? Fit.dSumOfSquares : HUGE_VAL;
+    }
+    return dSum;
+}
+
+// Extend for a group of one point, with two points left out in a single fit for both of them.
+static bool ExtendToPair(TSearch& a_Search, TCandidate& a_Group)
+{
+    TKindFit Fit;
+    int iBest = -1;
+    double dGreatest = 0;
+    if (!FitWithout(a_Search, a_Group, Fit))
+    {
+        return false;
+    }
+    for (int i = 0; i < a_Search.Points.iCount; ++i)
+    {
+        const double dDrop =
+            i != a_Group.viPoints[0] ? Fit.dSumOfSquares - SumWithoutPair(a_Search, i, a_Group.viPoints[0]) : 0;
+        iBest = dDrop > dGreatest ? i : iBest;
+        dGreatest = dDrop > dGreatest ? dDrop : dGreatest;
+    }
+    if (iBest >= 0)
+    {
+        AddToGroup(iBest, Fit.dSumOfSquares, dGreatest, a_Group);
+    }
+    return iBest >= 0;
+}
+
+// The best pair that has a given first point, for every first point. The leave-one-out residuals of the omographic kind
+// take a fit for each point, those of the other kinds none.
 static bool FindPair(TSearch& a_Search, TCandidate& a_Pair)
 {
+    bool (*const pExtend)(TSearch&, TCandidate&) = a_Search.Fit.Kind == nuv::METHOD_OMOGRAPHIC ? ExtendToPair : Extend;
     bool bFound = false;
+    for (int i = 0; i < GREATEST_PAIRED * GREATEST_PAIRED; ++i)
+    {
+        a_Search.vdPairs[i] = -1;
+    }
     for (int i = 0; i < a_Search.Points.iCount; ++i)
     {
         TCandidate Pair = {1, {i, 0, 0}, 0};
-        if (Extend(a_Search, Pair) && (!bFound || Pair.dSum < a_Pair.dSum))
+        if (pExtend(a_Search, Pair) && (!bFound || Pair.dSum < a_Pair.dSum))
         {
             a_Pair = Pair;
             bFound = true;
@@ -309,11 +361,11 @@ static void FindSingles(TSearch& a_Search, TGroup& a_Group)
     const TCandidate None = {0, {0, 0, 0}, 0};
     TCandidate Worst = None;
     TKindFit Fit;
-    if (!Extend(a_Search, Worst) || !LeaveOneOutWithout(a_Search, None, Fit))
+    const double* const vdDrops = Extend(a_Search, Worst) ? DropsWithout(a_Search, None, Fit) : NULL;
+    if (vdDrops == NULL)
     {
         return;
     }
-    const double* const vdDrops = Drops(a_Search);
     const double dGreatest = vdDrops[Worst.viPoints[0]];
     a_Group.dProbability = Probability(a_Search, dGreatest, Worst.dSum, iFreedom, 1);
     for (int i = 0; i < n && n - a_Group.iCount > a_Search.iLeast; ++i)
@@ -326,11 +378,12 @@ static void FindSingles(TSearch& a_Search, TGroup& a_Group)
     }
 }
 
-enumReason FindGroup(const TControlPoints& a_Points, const TKindFit& a_Fit, double a_dLevel, double a_dRounding,
-                     int a_iLeast, TGroup& a_Group)
+enumReason FindGroup(const TControlPoints& a_Points, const TKindFit& a_Fit, const double* a_vdDrops, double a_dLevel,
+                     double a_dRounding, int a_iLeast, TGroup& a_Group)
 {
     TSearch Search;
     Search.Points = a_Points;
+    Search.vdDropsOfAll = a_vdDrops;
     Search.Fit = a_Fit;
     Search.dLevel = a_dLevel;
     Search.dRounding = a_dRounding;
@@ -357,8 +410,9 @@ int LeastRemaining(int a_iCount, nuv::enumMethodUsed a_Kind)
 }
 
 // Finds groups until there is none, each among the points that are left.
-static enumReason FindGroups(const TControlPoints& a_Points, const TKindFit& a_Fit, double a_dLevel, double a_dRounding,
-                             TPointSet& a_Rest, TGroup& a_Group, int* a_viOrder, int& a_iFound)
+static enumReason FindGroups(const TControlPoints& a_Points, const TKindFit& a_Fit, const double* a_vdDrops,
+                             double a_dLevel, double a_dRounding, TPointSet& a_Rest, TGroup& a_Group, int* a_viOrder,
+                             int& a_iFound)
 {
     const int iLeast = LeastRemaining(a_Points.iCount, a_Fit.Kind);
     TKindFit Fit = a_Fit;
@@ -372,7 +426,7 @@ static enumReason FindGroups(const TControlPoints& a_Points, const TKindFit& a_F
         {
             return Reason == REASON_NO_MEMORY ? Reason : REASON_NONE;
         }
-        Reason = FindGroup(Rest, Fit, a_dLevel, a_dRounding, iLeast, a_Group);
+        Reason = FindGroup(Rest, Fit, a_iFound > 0 ? NULL : a_vdDrops, a_dLevel, a_dRounding, iLeast, a_Group);
         for (int k = 0; k < a_Group.iCount; ++k)
         {
             a_viOrder[a_Rest.viIndex[a_Group.viPoints[k]]] = ++a_iFound;
@@ -383,6 +437,12 @@ static enumReason FindGroups(const TControlPoints& a_Points, const TKindFit& a_F
 
 enumReason FindBlunders(const TControlPoints& a_Points, const TKindFit& a_Fit, double a_dLevel, double a_dRounding,
                         int* a_viOrder, int& a_iFound)
+{
+    return FindBlundersByDrops(a_Points, a_Fit, NULL, a_dLevel, a_dRounding, a_viOrder, a_iFound);
+}
+
+enumReason FindBlundersByDrops(const TControlPoints& a_Points, const TKindFit& a_Fit, const double* a_vdDrops,
+                               double a_dLevel, double a_dRounding, int* a_viOrder, int& a_iFound)
 {
     TPointSet Rest;
     TGroup Group = {0, NULL, 1};
@@ -399,7 +459,7 @@ enumReason FindBlunders(const TControlPoints& a_Points, const TKindFit& a_Fit, d
         {
             a_viOrder[i] = 0;
         }
-        Reason = FindGroups(a_Points, a_Fit, a_dLevel, a_dRounding, Rest, Group, a_viOrder, a_iFound);
+        Reason = FindGroups(a_Points, a_Fit, a_vdDrops, a_dLevel, a_dRounding, Rest, Group, a_viOrder, a_iFound);
     }
     ReleaseSet(Rest);
     free(Group.viPoints);

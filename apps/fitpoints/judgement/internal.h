@@ -57,6 +57,28 @@ void FillSet(const TControlPoints& a_Points, const int* a_viLeftOut, TPointSet& 
 // Subtracts the origins from the points of the set.
 void ReduceSet(const TOrigins& a_Origins, TPointSet& a_Set);
 
+// Arrays of leave-one-out residuals in X and Y, and of drops.
+struct TLeaveArrays
+{
+    double* vdX;
+    double* vdY;
+    double* vdDrops;
+};
+
+// The arrays in a block of LEAVE_ARRAYS arrays of a_iCount values.
+enum
+{
+    LEAVE_ARRAYS = 3
+};
+TLeaveArrays LeaveArrays(double* a_vdBlock, int a_iCount);
+
+// JudgeKinds that keeps the leave-one-out residuals: a_vLeave has arrays for each kind.
+enumReason JudgeKindsKeeping(const TControlPoints& a_Points, const TSupport& a_Support, bool a_bMirrored,
+                             const TLeaveArrays* a_vLeave, TKindRow* a_vRows);
+
+// True if the arrays of the kind are filled.
+bool IsLeaveKept(const TKindRow& a_Row);
+
 // FitKind for points that may not support the kind: FindSupport first.
 enumReason FitSupported(const TControlPoints& a_Points, nuv::enumMethodUsed a_Kind, bool a_bMirrored, TKindFit& a_Fit);
 
@@ -77,6 +99,12 @@ void FormEquations(const TControlPoints& a_Points, const nuv::TOmographicParams&
 // Converges the omographic fit.
 void Refine(const TControlPoints& a_Points, TKindFit& a_Fit);
 
+// The greatest number of points that are tested together.
+enum
+{
+    GREATEST_GROUP = 3
+};
+
 // The worst group of suspected blunders among points.
 struct TGroup
 {
@@ -86,9 +114,14 @@ struct TGroup
 };
 
 // Searches the worst group. a_iLeast points must remain. Among more than 1000 points the group has all single points that
-// are suspect and at least half as bad as the worst one, in the order of their indices.
-enumReason FindGroup(const TControlPoints& a_Points, const TKindFit& a_Fit, double a_dLevel, double a_dRounding,
-                     int a_iLeast, TGroup& a_Group);
+// are suspect and at least half as bad as the worst one, in the order of their indices. a_vdDrops: the drops by LeaveOneOut
+// for these points and this fit, or null if they are not known.
+enumReason FindGroup(const TControlPoints& a_Points, const TKindFit& a_Fit, const double* a_vdDrops, double a_dLevel,
+                     double a_dRounding, int a_iLeast, TGroup& a_Group);
+
+// FindBlunders with drops that are known.
+enumReason FindBlundersByDrops(const TControlPoints& a_Points, const TKindFit& a_Fit, const double* a_vdDrops,
+                               double a_dLevel, double a_dRounding, int* a_viOrder, int& a_iFound);
 
 // The least number of points that the test of blunders leaves: half of them, and one more than the kind needs.
 int LeastRemaining(int a_iCount, nuv::enumMethodUsed a_Kind);

@@ -17,12 +17,13 @@ struct TCase
     TControlPoints Points; // all points, as given
     const TOptions* pOptions;
     double dRounding;
-    TPointSet Fitted;  // the fitted points, in the frame of the fit
-    int* viLeftOut;    // 1 for check points, 2 for dropped points; all points
-    int* viDropped;    // the order of dropping; all points
-    int* viOrder;      // ranks of suspects among the fitted points
-    int* viGroup;      // points of a group
-    double* vdScratch; // three values for each fitted point
+    TPointSet Fitted; // the fitted points, in the frame of the fit
+    int* viLeftOut;   // 1 for check points, 2 for dropped points; all points
+    int* viDropped;   // the order of dropping; all points
+    int* viOrder;     // ranks of suspects among the fitted points
+    int* viGroup;     // points of a group
+    double* vdLeave;  // the block of vLeave
+    TLeaveArrays vLeave[KINDS];
 };
 
 static void* Memory(int a_iCount, size_t a_iSize)
@@ -41,9 +42,13 @@ static bool AllocateCase(const TControlPoints& a_Points, const TOptions& a_Optio
     a_Case.viDropped = static_cast<int*>(Memory(n, sizeof(int)));
     a_Case.viOrder = static_cast<int*>(Memory(n, sizeof(int)));
     a_Case.viGroup = static_cast<int*>(Memory(n, sizeof(int)));
-    a_Case.vdScratch = static_cast<double*>(Memory(n, 3 * sizeof(double)));
+    a_Case.vdLeave = static_cast<double*>(Memory(n, KINDS * LEAVE_ARRAYS * sizeof(double)));
+    for (int k = 0; k < KINDS; ++k)
+    {
+        a_Case.vLeave[k] = LeaveArrays(a_Case.vdLeave + static_cast<ptrdiff_t>(k) * LEAVE_ARRAYS * n, n);
+    }
     return bSet && a_Case.viLeftOut != NULL && a_Case.viDropped != NULL && a_Case.viOrder != NULL &&
-           a_Case.viGroup != NULL && a_Case.vdScratch != NULL;
+           a_Case.viGroup != NULL && a_Case.vdLeave != NULL;
 }
 
 static void ReleaseCase(TCase& a_Case)
@@ -53,7 +58,7 @@ static void ReleaseCase(TCase& a_Case)
     free(a_Case.viDropped);
     free(a_Case.viOrder);
     free(a_Case.viGroup);
-    free(a_Case.vdScratch);
+    free(a_Case.vdLeave);
 }
 
 // ---------------------------------------------------------------------------------------------------------------------
@@ -109,8 +114,8 @@ static enumReason FitCase(TCase& a_Case, TJudgement& a_Result)
         FindOrigins(PointsOf(a_Case.Fitted), a_Result.Origins);
         ReduceSet(a_Result.Origins, a_Case.Fitted);
     }
-    const enumReason Reason =
-        JudgeKinds(PointsOf(a_Case.Fitted), a_Result.Support, a_Case.pOptions->bMirrored != 0, a_Result.vKinds);
+    const enumReason Reason = JudgeKindsKeeping(PointsOf(a_Case.Fitted), a_Result.Support,
+                                                a_Case.pOptions->bMirrored != 0, a_Case.vLeave, a_Result.vKinds);
     return Reason != REASON_NONE ? Reason : TakeKind(a_Case, a_Result);
 }
 
@@ -126,6 +131,12 @@ static double LevelOfOneKind(const TCase& a_Case, const TJudgement& a_Result)
         iKinds += a_Result.vKinds[k].Reason == REASON_NONE ? 1 : 0;
     }
     return a_Case.pOptions->dLevel / iKinds;
+}
+
+// The drops of a kind, or null.
+static const double* DropsOf(const TCase& a_Case, const TKindRow& a_Row)
+{
+    return IsLeaveKept(a_Row) ? a_Case.vLeave[a_Row.Fit.Kind].vdDrops : NULL;
 }
 
 // Leaves out the worst suspects: one, or many of very many points.
@@ -148,15 +159,15 @@ static enumReason FindWorst(TCase& a_Case, const TJudgement& a_Result, int& a_iF
     a_iFound = 0;
     for (int k = a_Result.Fit.Kind; k < KINDS; ++k)
     {
-        if (a_Result.vKinds[k].Reason != REASON_NONE)
+        const TKindRow& Row = a_Result.vKinds[k];
+        if (Row.Reason != REASON_NONE)
         {
             continue;
         }
-        const TKindFit& Fit = a_Result.vKinds[k].Fit;
         const int iFirst = a_Case.Fitted.iCount + a_Result.iDropped;
         TGroup Group = {0, a_Case.viGroup, 1};
-        const enumReason Reason =
-            FindGroup(PointsOf(a_Case.Fitted), Fit, dLevel, a_Case.dRounding, LeastRemaining(iFirst, Fit.Kind), Group);
+        const enumReason Reason = FindGroup(PointsOf(a_Case.Fitted), Row.Fit, DropsOf(a_Case, Row), dLevel,
+                                            a_Case.dRounding, LeastRemaining(iFirst, Row.Fit.Kind), Group);
         if (Reason != REASON_NONE)
         {
             return Reason;
@@ -164,7 +175,7 @@ static enumReason FindWorst(TCase& a_Case, const TJudgement& a_Result, int& a_iF
         if (Group.iCount > 0 && (a_iFound == 0 || Group.dProbability < dLeast))
         {
             dLeast = Group.dProbability;
-            a_iFound = Group.iCount > 3 ? Group.iCount : 1;
+            a_iFound = Group.iCount > GREATEST_GROUP ? Group.iCount : 1;
             memcpy(a_Case.viOrder, Group.viPoints, static_cast<size_t>(a_iFound) * sizeof(int));
         }
     }
@@ -185,6 +196,14 @@ static enumReason DropBlunders(TCase& a_Case, TJudgement& a_Result)
         }
     }
     return Reason;
+}
+
+// True if the last search of DropBlunders was free to take a group of any size. It has found none, so there is none.
+static bool IsSearched(const TCase& a_Case, const TJudgement& a_Result)
+{
+    const int n = a_Case.Fitted.iCount;
+    return a_Case.pOptions->bRobust &&
+           n - GREATEST_GROUP >= LeastRemaining(n + a_Result.iDropped, nuv::METHOD_OMOGRAPHIC);
 }
 
 static void MarkSuspects(const TCase& a_Case, int a_iKind, TJudgement& a_Result, TPointJudgement* a_vPoints)
@@ -208,9 +227,10 @@ static enumReason FindSuspects(TCase& a_Case, TJudgement& a_Result, TPointJudgem
     {
         int iFound = 0;
         const TKindRow& Row = a_Result.vKinds[k];
-        const enumReason Reason = Row.Reason != REASON_NONE ? REASON_NO_REDUNDANCY
-                                                            : FindBlunders(PointsOf(a_Case.Fitted), Row.Fit, dLevel,
-                                                                           a_Case.dRounding, a_Case.viOrder, iFound);
+        const enumReason Reason = Row.Reason != REASON_NONE
+                                      ? REASON_NO_REDUNDANCY
+                                      : FindBlundersByDrops(PointsOf(a_Case.Fitted), Row.Fit, DropsOf(a_Case, Row),
+                                                            dLevel, a_Case.dRounding, a_Case.viOrder, iFound);
         if (Reason == REASON_NO_MEMORY)
         {
             return Reason;
@@ -284,26 +304,22 @@ static void AddTest(const TCase& a_Case, const TJudgement& a_Result, double a_dD
     a_Point.dProbability = TailOfF(1, iFreedom - 2, dF);
 }
 
-static enumReason AddLeaveOneOut(const TCase& a_Case, const TJudgement& a_Result, TPointJudgement* a_vPoints)
+static void AddLeaveOneOut(const TCase& a_Case, const TJudgement& a_Result, TPointJudgement* a_vPoints)
 {
-    const int n = a_Case.Fitted.iCount;
-    double* const vdY = a_Case.vdScratch + n;
-    double* const vdDrops = vdY + n;
-    const enumReason Reason = LeaveOneOut(PointsOf(a_Case.Fitted), a_Result.Fit, a_Case.vdScratch, vdY, vdDrops);
-    for (int j = 0; j < n && Reason == REASON_NONE; ++j)
+    const TLeaveArrays& Leave = a_Case.vLeave[a_Result.Fit.Kind];
+    for (int j = 0; j < a_Case.Fitted.iCount && IsLeaveKept(a_Result.vKinds[a_Result.Fit.Kind]); ++j)
     {
         TPointJudgement& Point = a_vPoints[a_Case.Fitted.viIndex[j]];
-        const double dLength = Length(a_Case.vdScratch[j], vdY[j]);
+        const double dLength = Length(Leave.vdX[j], Leave.vdY[j]);
         if (IsFinite(dLength))
         {
             Point.bLeave = 1;
-            Point.dLeaveX = a_Case.vdScratch[j];
-            Point.dLeaveY = vdY[j];
+            Point.dLeaveX = Leave.vdX[j];
+            Point.dLeaveY = Leave.vdY[j];
             Point.dLeaveLength = dLength;
-            AddTest(a_Case, a_Result, vdDrops[j], Point);
+            AddTest(a_Case, a_Result, Leave.vdDrops[j], Point);
         }
     }
-    return Reason == REASON_NO_MEMORY ? Reason : REASON_NONE;
 }
 
 // ---------------------------------------------------------------------------------------------------------------------
@@ -385,8 +401,9 @@ static enumReason JudgeCase(TCase& a_Case, TJudgement& a_Result, TPointJudgement
     a_Result.dRms = a_Result.vKinds[a_Result.Fit.Kind].dRms;
     AddAllResiduals(a_Case, a_Result, a_vPoints);
     AddStatistics(a_Case, a_vPoints, a_Result);
-    Reason = AddLeaveOneOut(a_Case, a_Result, a_vPoints);
-    return Reason == REASON_NONE && Options.dLevel > 0 ? FindSuspects(a_Case, a_Result, a_vPoints) : Reason;
+    AddLeaveOneOut(a_Case, a_Result, a_vPoints);
+    return Options.dLevel > 0 && !IsSearched(a_Case, a_Result) ? FindSuspects(a_Case, a_Result, a_vPoints)
+                                                               : REASON_NONE;
 }
 
 enumReason Judge(const TControlPoints& a_Points, const enumRole* a_pRoles, const TOptions& a_Options,

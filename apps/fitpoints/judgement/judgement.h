@@ -620,7 +620,7 @@ enumReason InversePoint(const nuv::TOmographicParams& a_Coefs, const TOrigins& a
 /** @name Everything
  *  @{ */
 
-/** Fits control points and judges the result. Allocates memory: about 150 bytes for each point.
+/** Fits control points and judges the result. Allocates memory: about 200 bytes for each point.
  *
  *  Method: local origins of the fitted points (FindOrigins); FindSupport; JudgeKinds; the kind by a_Options.Method;
  *  FindBlunders under this kind and under the richer ones that exist, each at the level a_Options.dLevel divided by

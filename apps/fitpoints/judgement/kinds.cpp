@@ -13,7 +13,7 @@ namespace judgement {
 // A poorer kind is taken if its error is at most so many times the least one.
 static const double AS_GOOD = 1.05;
 
-// Adds the leave-one-out errors to a row. Three arrays in one block hold the residuals.
+// Adds the leave-one-out errors to a row.
 static void SummariseLeaveOneOut(int a_iCount, const double* a_vdX, const double* a_vdY, TKindRow& a_Row)
 {
     double dSum = 0;
@@ -34,11 +34,9 @@ static void SummariseLeaveOneOut(int a_iCount, const double* a_vdX, const double
 }
 
 static void JudgeKind(const TControlPoints& a_Points, const TSupport& a_Support, nuv::enumMethodUsed a_Kind,
-                      bool a_bMirrored, double* a_vdBlock, TKindRow& a_Row)
+                      bool a_bMirrored, const TLeaveArrays& a_Leave, TKindRow& a_Row)
 {
     const int n = a_Points.iCount;
-    double* const vdLeaveY = a_vdBlock + n;
-    double* const vdDrops = vdLeaveY + n;
     a_Row = TKindRow();
     a_Row.iUnknowns = Unknowns(a_Kind);
     a_Row.iFreedom = Freedom(n, a_Kind);
@@ -53,24 +51,39 @@ static void JudgeKind(const TControlPoints& a_Points, const TSupport& a_Support,
         return;
     }
     a_Row.dRms = a_Row.iFreedom > 0 ? sqrt(a_Row.Fit.dSumOfSquares / a_Row.iFreedom) : 0;
-    a_Row.LeaveReason = LeaveOneOut(a_Points, a_Row.Fit, a_vdBlock, vdLeaveY, vdDrops);
+    a_Row.LeaveReason = LeaveOneOut(a_Points, a_Row.Fit, a_Leave.vdX, a_Leave.vdY, a_Leave.vdDrops);
     if (a_Row.LeaveReason == REASON_NONE)
     {
-        SummariseLeaveOneOut(n, a_vdBlock, vdLeaveY, a_Row);
+        SummariseLeaveOneOut(n, a_Leave.vdX, a_Leave.vdY, a_Row);
     }
+}
+
+bool IsLeaveKept(const TKindRow& a_Row)
+{
+    return a_Row.LeaveReason == REASON_NONE || a_Row.LeaveReason == REASON_DEPENDS_ON_POINT;
+}
+
+enumReason JudgeKindsKeeping(const TControlPoints& a_Points, const TSupport& a_Support, bool a_bMirrored,
+                             const TLeaveArrays* a_vLeave, TKindRow* a_vRows)
+{
+    enumReason Reason = REASON_NONE;
+    for (int k = 0; k < KINDS && Reason == REASON_NONE; ++k)
+    {
+        JudgeKind(a_Points, a_Support, static_cast<nuv::enumMethodUsed>(k), a_bMirrored, a_vLeave[k], a_vRows[k]);
+        Reason = a_vRows[k].Reason == REASON_NO_MEMORY || a_vRows[k].LeaveReason == REASON_NO_MEMORY ? REASON_NO_MEMORY
+                                                                                                     : REASON_NONE;
+    }
+    return Reason;
 }
 
 enumReason JudgeKinds(const TControlPoints& a_Points, const TSupport& a_Support, bool a_bMirrored, TKindRow* a_vRows)
 {
-    const size_t iValues = 3 * static_cast<size_t>(a_Points.iCount > 0 ? a_Points.iCount : 1);
-    double* const vdBlock = static_cast<double*>(malloc(iValues * sizeof(double)));
-    enumReason Reason = vdBlock == NULL ? REASON_NO_MEMORY : REASON_NONE;
-    for (int k = 0; k < KINDS && Reason == REASON_NONE; ++k)
-    {
-        JudgeKind(a_Points, a_Support, static_cast<nuv::enumMethodUsed>(k), a_bMirrored, vdBlock, a_vRows[k]);
-        Reason = a_vRows[k].Reason == REASON_NO_MEMORY || a_vRows[k].LeaveReason == REASON_NO_MEMORY ? REASON_NO_MEMORY
-                                                                                                     : REASON_NONE;
-    }
+    const size_t iCount = static_cast<size_t>(a_Points.iCount > 0 ? a_Points.iCount : 1);
+    double* const vdBlock = static_cast<double*>(malloc(LEAVE_ARRAYS * iCount * sizeof(double)));
+    const TLeaveArrays Leave = LeaveArrays(vdBlock, a_Points.iCount);
+    const TLeaveArrays vLeave[KINDS] = {Leave, Leave, Leave};
+    const enumReason Reason =
+        vdBlock == NULL ? REASON_NO_MEMORY : JudgeKindsKeeping(a_Points, a_Support, a_bMirrored, vLeave, a_vRows);
     free(vdBlock);
     return Reason;
 }

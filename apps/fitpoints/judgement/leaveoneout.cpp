@@ -23,15 +23,13 @@ static const int GREATEST_REPEATED = 100;
 // If I - H is closer to singular than this, the other points do not determine the kind.
 static const double LEAST_FREEDOM = 1e-12;
 
-// Where the results go, and the point that is written.
-struct TLeaveOutput
+TLeaveArrays LeaveArrays(double* a_vdBlock, int a_iCount)
 {
-    double* vdX;
-    double* vdY;
-    double* vdDrops;
-};
+    const TLeaveArrays Arrays = {a_vdBlock, a_vdBlock + a_iCount, a_vdBlock + 2 * static_cast<ptrdiff_t>(a_iCount)};
+    return Arrays;
+}
 
-static void StoreUndetermined(const TLeaveOutput& a_Output, int i)
+static void StoreUndetermined(const TLeaveArrays& a_Output, int i)
 {
     const double dInfinity = HUGE_VAL;
     a_Output.vdX[i] = dInfinity;
@@ -92,7 +90,7 @@ static double Leverage(const TMoments& a_Moments, nuv::enumMethodUsed a_Kind, in
     return 1.0 / a_iCount + dAlong * dAlong / dFirst + dAcross * dAcross / dSecond;
 }
 
-static void LeaveOneOutLinear(const TControlPoints& a_Points, const TKindFit& a_Fit, const TLeaveOutput& a_Output)
+static void LeaveOneOutLinear(const TControlPoints& a_Points, const TKindFit& a_Fit, const TLeaveArrays& a_Output)
 {
     const TMoments Moments = FindMoments(a_Points);
     for (int i = 0; i < a_Points.iCount; ++i)
@@ -135,7 +133,7 @@ static TVector HatRow(const double* a_vdFactor, const double* a_vdRow, const dou
 }
 
 static void LeaveOneOutLinearised(const TControlPoints& a_Points, const TKindFit& a_Fit, const double* a_vdFactor,
-                                  int i, const TLeaveOutput& a_Output)
+                                  int i, const TLeaveArrays& a_Output)
 {
     double vdByX[COEFS];
     double vdByY[COEFS];
@@ -158,7 +156,7 @@ static void LeaveOneOutLinearised(const TControlPoints& a_Points, const TKindFit
 }
 
 static enumReason LeaveOneOutByDerivatives(const TControlPoints& a_Points, const TKindFit& a_Fit,
-                                           const TLeaveOutput& a_Output)
+                                           const TLeaveArrays& a_Output)
 {
     TOmographicEquations Equations;
     FormEquations(a_Points, a_Fit.Coefs, Equations);
@@ -175,7 +173,7 @@ static enumReason LeaveOneOutByDerivatives(const TControlPoints& a_Points, const
 
 // The set has all points but point i.
 static void LeaveOneOutByFit(const TControlPoints& a_Points, const TKindFit& a_Fit, int i, const TPointSet& a_Others,
-                             const TLeaveOutput& a_Output)
+                             const TLeaveArrays& a_Output)
 {
     TKindFit Fit;
     if (FitSupported(PointsOf(a_Others), a_Fit.Kind, false, Fit) != REASON_NONE)
@@ -190,7 +188,7 @@ static void LeaveOneOutByFit(const TControlPoints& a_Points, const TKindFit& a_F
     a_Output.vdDrops[i] = dDrop > 0 ? dDrop : 0;
 }
 
-static enumReason LeaveOneOutByFits(const TControlPoints& a_Points, const TKindFit& a_Fit, const TLeaveOutput& a_Output)
+static enumReason LeaveOneOutByFits(const TControlPoints& a_Points, const TKindFit& a_Fit, const TLeaveArrays& a_Output)
 {
     TPointSet Others;
     int viLeftOut[GREATEST_REPEATED] = {0};
@@ -209,7 +207,7 @@ static enumReason LeaveOneOutByFits(const TControlPoints& a_Points, const TKindF
 enumReason LeaveOneOut(const TControlPoints& a_Points, const TKindFit& a_Fit, double* a_vdLeaveX, double* a_vdLeaveY,
                        double* a_vdDrops)
 {
-    const TLeaveOutput Output = {a_vdLeaveX, a_vdLeaveY, a_vdDrops};
+    const TLeaveArrays Output = {a_vdLeaveX, a_vdLeaveY, a_vdDrops};
     if (a_Points.iCount <= LeastPoints(a_Fit.Kind))
     {
         return REASON_NO_REDUNDANCY;
