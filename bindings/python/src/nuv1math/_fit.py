@@ -99,7 +99,7 @@ class KindRow(NamedTuple):
             return f"{start}  {self.missing}"
         rms = "-" if self.rms is None else f"{self.rms:.6g}"
         leave = self.not_judged if self.leave_one_out is None else f"{self.leave_one_out:>13.6g}{self.greatest:>13.6g}"
-        return f"{start}{rms:>13}  {leave}" + ("" if self.greatest_at is None else f"  {self.greatest_at:>4}")
+        return f"{start}{rms:>13}  {leave}" + ("" if self.greatest_at is None else f"{self.greatest_at:>6}")
 
 
 class KindTable(Tuple[KindRow, ...]):
@@ -108,7 +108,7 @@ class KindTable(Tuple[KindRow, ...]):
     __slots__ = ()
 
     def __repr__(self) -> str:
-        head = "  kind        unknowns  freedom          RMS  leave-one-out     greatest  at"
+        head = "  kind        unknowns  freedom          RMS  leave-one-out     greatest    at"
         return "\n".join([head, *map(str, self)])
 
 

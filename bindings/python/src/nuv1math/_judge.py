@@ -11,6 +11,7 @@ from typing import Any, Literal, NamedTuple, Optional, Tuple
 import numpy as np
 import numpy.typing as npt
 
+from ._arrays import GREATEST_INT
 from ._interface import Reason, Role
 from ._native import ffi, lib
 
@@ -110,18 +111,19 @@ def control_points(values: npt.ArrayLike, name: str) -> npt.NDArray[np.float64]:
     points = real_numbers(values, name)
     if points.ndim != 2 or points.shape[1] != 2:
         raise ValueError(f"{name} has the shape {np.shape(values)}, not (n, 2)")
-    bad = np.flatnonzero(~np.isfinite(points).all(axis=1))
-    if bad.size:
-        raise ValueError(f"{name}[{bad[0]}] is not finite: {points[bad[0]].tolist()}")
-    if len(points) > np.iinfo(np.intc).max:
+    finite = np.isfinite(points)
+    if not finite.all():
+        bad = int(finite.all(axis=1).argmin())
+        raise ValueError(f"{name}[{bad}] is not finite: {points[bad].tolist()}")
+    if len(points) > GREATEST_INT:
         raise ValueError(f"{name} has {len(points)} points, more than an int of C can count")
     return points
 
 
-def roles_of(checks: Optional[npt.ArrayLike], count: int) -> npt.NDArray[np.intc]:
+def roles_of(checks: npt.ArrayLike, count: int) -> npt.NDArray[np.intc]:
     """The role of each point, from the indices of check points, or from a mask."""
-    roles = np.full(count, Role.FITTED, dtype=np.intc)
-    chosen = np.asarray([] if checks is None else checks)
+    roles = np.zeros(count, dtype=np.intc)
+    chosen = np.asarray(checks)
     if chosen.dtype == bool and chosen.shape != (count,):
         raise ValueError(f"checks is a mask of the shape {chosen.shape}, not ({count},)")
     if chosen.dtype != bool:
@@ -159,7 +161,7 @@ def judge(source: npt.ArrayLike, target: npt.ArrayLike, checks: Optional[npt.Arr
     if len(given[0]) != len(given[1]):
         raise ValueError(f"source has {len(given[0])} points, and target has {len(given[1])}")
     count = len(given[0])
-    asked, roles = options_of(kind, **options), roles_of(checks, count)
+    asked, roles = options_of(kind, **options), roles_of([] if checks is None else checks, count)
     columns = [np.ascontiguousarray(points[:, axis]) for points in given for axis in (0, 1)]
     points = ffi.new("nuv_TControlPoints *", [count, *(ffi.from_buffer("double[]", column) for column in columns)])
     result, told = ffi.new("nuv_TJudgement *"), ffi.new("nuv_TPointJudgement[]", count)
