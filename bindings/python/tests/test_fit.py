@@ -168,6 +168,12 @@ def test_ellipses_have_the_axes_of_the_covariances():
     np.testing.assert_allclose(fit.ellipses(SOURCE, 0.95).major, factor * fit.ellipses(SOURCE).major)
 
 
+def test_a_point_without_a_source_point_has_no_covariance():
+    fit = nuv1math.fit(SOURCE, TARGET + NOISE, "omographic")
+    nowhere = np.full((1, 2), math.nan)
+    assert np.isnan(fit._covariances(_fit.covariance_of_source, nowhere)).all()
+
+
 def test_an_omographic_fit_without_coefficients_in_original_coordinates():
     source = SOURCE + [50, 0]
     target = 1000 * np.column_stack([source[:, 1], np.ones(7)]) / source[:, :1]  # W = x, which is 0 at the origin
