@@ -116,6 +116,13 @@ def CalcCoefs(x: ArrayLike, y: ArrayLike, xa: ArrayLike, ya: ArrayLike, same_ori
     Result of C++: true: used and params hold a transformation. False: n < 2, or every allowed kind failed, or the
     array for same_orientation = False could not be allocated. used is then untouched. params is untouched too, unless
     the omographic fit was tried: it then holds values that must not be used.
+
+    Examples
+    --------
+    >>> x, y = [0, 100, 100, 0, 40], [0, 0, 80, 80, 30]
+    >>> used, coefs = CalcCoefs(x, y, [12.1, 110.7, 112.4, 9.8, 51.3], [7.9, 11.2, 92.6, 86.1, 38.5])
+    >>> used.name, round(coefs.a, 6)
+    ('OMOGRAPHIC', 0.954287)
     """
     count, *points = columns(x, y, xa, ya)
     used = ffi.new(_INT)
@@ -185,6 +192,11 @@ def CalcConformalCoefs(x: ArrayLike, y: ArrayLike, xa: ArrayLike, ya: ArrayLike,
     for the same minimum in any dimension.
 
     Result of C++: 1; RET_IMPOSSIBLE with coefs untouched if n < 2 or S is zero (all source points equal).
+
+    Examples
+    --------
+    >>> CalcConformalCoefs([0, 1], [0, 0], [5, 7], [3, 3])
+    ConformalCoefs(a=2.0, b=0.0, tx=5.0, ty=3.0, inv_a=0.5, inv_b=-0.0)
     """
     coefs = ffi.new(_CONFORMAL)
     result = lib.nuv_CalcConformalCoefs(*columns(x, y, xa, ya), 1 if rigid_inverse else 0, coefs)
@@ -241,6 +253,11 @@ def CalcAffineCoefs(x: ArrayLike, y: ArrayLike, xa: ArrayLike, ya: ArrayLike) ->
     (normal equations).
 
     Result of C++: 1; RET_IMPOSSIBLE with coefs untouched if n < 3.
+
+    Examples
+    --------
+    >>> CalcAffineCoefs([0, 2, 2, 0], [0, 0, 2, 2], [5, 9, 9, 5], [3, 3, 9, 9])
+    AffineCoefs(a=2.0, b=0.0, c=5.0, d=0.0, e=3.0, f=3.0)
     """
     coefs = ffi.new(_AFFINE)
     check_result("CalcAffineCoefs", lib.nuv_CalcAffineCoefs(*columns(x, y, xa, ya), coefs))
@@ -307,6 +324,13 @@ def CalcOmographicCoefs(x: ArrayLike, y: ArrayLike, xa: ArrayLike, ya: ArrayLike
 
     Result of C++: 1; RET_INDETERMINATE with params untouched if n < 4; RET_INDETERMINATE if the linear equations
     cannot be factorised: params then holds their right-hand side, which must not be used.
+
+    Examples
+    --------
+    >>> CalcOmographicCoefs([0, 1, 1], [0, 0, 1], [0, 1, 1], [0, 0, 1])
+    Traceback (most recent call last):
+    ...
+    nuv1math._errors.IndeterminateError: CalcOmographicCoefs: no unique result: singular equations, or every value solves
     """
     params = ffi.new(_OMOGRAPHIC)
     check_result("CalcOmographicCoefs", lib.nuv_CalcOmographicCoefs(*columns(x, y, xa, ya), params))
@@ -374,6 +398,11 @@ def AffineCoefsToParam(coefs: Sequence[float]) -> AffineParams:
 
     Result of C++: 1; RET_IMPOSSIBLE if sx is zero (only sx is written) or sy is zero (only sx, theta and sy are
     written).
+
+    Examples
+    --------
+    >>> AffineCoefsToParam([2, 0, 5, 0, 3, 7])
+    AffineParams(sx=2.0, sy=3.0, phi=0.0, theta=0.0, tx=5.0, ty=7.0)
     """
     params = ffi.new("double[6]")
     result = lib.nuv_AffineCoefsToParam(_record(_AFFINE, coefs), *(params + i for i in range(6)))
@@ -405,6 +434,11 @@ def AffineCoefsToInvCoefs(coefs: Sequence[float]) -> AffineCoefs:
     -----
     Result of C++: 1; RET_IMPOSSIBLE with inverse untouched if the determinant ae - db is zero. This includes regular
     transformations whose scales multiply to 1e-12 or less.
+
+    Examples
+    --------
+    >>> AffineCoefsToInvCoefs([2, 0, 6, 0, 4, 8])
+    AffineCoefs(a=0.5, b=-0.0, c=-3.0, d=-0.0, e=0.25, f=-2.0)
     """
     inverse = ffi.new(_AFFINE)
     check_result("AffineCoefsToInvCoefs", lib.nuv_AffineCoefsToInvCoefs(_record(_AFFINE, coefs), inverse))
@@ -446,6 +480,11 @@ def AffineUntransform(coefs: Sequence[float], xa: float, ya: float) -> tuple[flo
     (pixels of 0.1 m in degrees). If both are zero, the result is (0, 0), even if the equations contradict each other,
     as they can when all coefficients are 0. If the determinant can be zero, call AffineCoefsToInvCoefs or Roots
     instead: they report it.
+
+    Examples
+    --------
+    >>> AffineUntransform([2, 0, 6, 0, 4, 8], 10, 16)
+    (2.0, 2.0)
     """
     record = _record(_AFFINE, coefs)
     point = ffi.new("double[2]")
@@ -618,6 +657,18 @@ def InitCholLowTri(unknowns: int) -> tuple[Doubles, Doubles]:
     Notes
     -----
     Here the arrays release their memory by themselves when nothing refers to them any more.
+
+    Examples
+    --------
+    The line y = p x + q by least squares:
+
+    >>> matrix, vector = InitCholLowTri(2)
+    >>> for x, y in (0, 1), (1, 3), (2, 5):
+    ...     UpdateNormMatrixLowTri(matrix, vector, [x, 1], y)
+    >>> CholeskyLowTri(matrix)
+    >>> SolveCholLowTri(matrix, vector)
+    >>> vector.round(12)
+    array([2., 1.])
     """
     addresses = ffi.new("double *[2]")
     lib.nuv_InitCholLowTri(unknowns, addresses, addresses + 1)
@@ -654,8 +705,9 @@ def DeleteCholLowTri(matrix: Optional[Doubles], vector: Optional[Doubles]) -> No
     Here the arrays can still be read; writing to them fails. Their memory is released when nothing refers to them any
     more.
     """
-    arrays = [array for array in (matrix, vector) if array is not None and array.size]
-    if not all(isinstance(array.base, ffi.buffer) for array in arrays):
+    arrays = [array for array in (matrix, vector) if array is not None]
+    if not all(isinstance(array, np.ndarray) and (not array.size or isinstance(array.base, ffi.buffer))
+               for array in arrays):
         raise ValueError("an array is not one of InitCholLowTri")
     for array in arrays:
         array.flags.writeable = False
@@ -829,6 +881,11 @@ def RootsLinear(a11: float, a12: float, a21: float, a22: float, b1: float, b2: f
     Result of C++: 1. If the determinant a11 a22 - a12 a21 is zero, x and y are untouched and the result is
     RET_INDETERMINATE (usually infinitely many solutions) if the numerator of x is zero too, and RET_IMPOSSIBLE if it
     is not.
+
+    Examples
+    --------
+    >>> RootsLinear(2, 1, 1, 3, 5, 10)
+    (1.0, 3.0)
     """
     point = ffi.new("double[2]")
     check_result("RootsLinear", lib.nuv_RootsLinear(a11, a12, a21, a22, b1, b2, point, point + 1))
@@ -861,6 +918,18 @@ def Cholesky(matrix: Doubles) -> None:
 
     Result of C++: true; false if a radicand is negative or NaN. The columns before that diagonal element then hold L;
     the rest of the triangle, the diagonal element included, is unchanged.
+
+    Examples
+    --------
+    >>> matrix = np.array([[4.0, 0.0], [2.0, 5.0]])
+    >>> Cholesky(matrix)
+    >>> matrix
+    array([[2., 0.],
+           [1., 2.]])
+    >>> vector = np.array([8.0, 14.0])
+    >>> SolveChol(matrix, vector)
+    >>> vector
+    array([0.75, 2.5 ])
     """
     order = matrix.shape[0] if isinstance(matrix, np.ndarray) and matrix.ndim else 0
     if not lib.nuv_Cholesky(order, written(matrix, (order, order), "matrix")):
@@ -962,6 +1031,11 @@ def Roots(coefficients: ArrayLike, tolerance: float) -> Doubles:
     constant other than 0, and RET_INDETERMINATE if all coefficients are 0; roots is then untouched. If memory is
     short, the result is 0, or only the roots that are exactly 0, or (if only the table of column addresses could not
     be allocated) the roots of the unbalanced matrix.
+
+    Examples
+    --------
+    >>> Roots([1, -3, 2, 0], 1e-9).round(12)
+    array([0., 2., 1.])
     """
     values = doubles(coefficients, "coefficients")
     if not len(values):
@@ -1020,6 +1094,11 @@ def SolveLinTrig(a: float, b: float, c: float) -> Doubles:
     Result of C++: the number of angles written, 0 to 2. RET_INDETERMINATE if a = b = c = 0 (every angle solves). If
     there is no solution: RET_IMPOSSIBLE if a or b is 0, and the count 0 if neither is. angles is untouched if the
     result is not positive.
+
+    Examples
+    --------
+    >>> SolveLinTrig(1, 0, 0).round(6)
+    array([1.570796, 4.712389])
     """
     return _angles("SolveLinTrig", 2, a, b, c)
 
@@ -1075,6 +1154,11 @@ def SolveQuadTrig(a: float, b: float, c: float, d: float, e: float, f: float) ->
     Result of C++: the number of different angles written, 0 to 4. RET_INDETERMINATE if every angle solves (a + f, b +
     f, c, d and e are all 0). If there is no solution: RET_IMPOSSIBLE if c = 0, a = b and exactly one of d and e is 0,
     and the count 0 otherwise. angles is untouched if the result is not positive.
+
+    Examples
+    --------
+    >>> SolveQuadTrig(1, 0, 0, 0, 0, -0.25).round(6)
+    array([1.047198, 2.094395, 4.18879 , 5.235988])
     """
     return _angles("SolveQuadTrig", 4, a, b, c, d, e, f)
 
@@ -1091,6 +1175,14 @@ def SetRandomSeed(seed: int) -> None:
     ----------
     seed : int
         Any value; there are only 259200 sequences, so different seeds can give the same one.
+
+    Examples
+    --------
+    >>> SetRandomSeed(1)
+    >>> first = Rand()
+    >>> SetRandomSeed(1)
+    >>> Rand() == first
+    True
     """
     with _generator:
         lib.nuv_SetRandomSeed(seed)
