@@ -6,7 +6,8 @@
 // const engine = await loadPageEngine(document)     those in base64 in the element #engine-module of the page
 //
 // engine.read(name, text) -> {kind, crs, unread, points: [{name, line, x, y, X, Y, check}]}
-//     Reads a file as fitpoints does. x, y: source; X, Y: target. kind: 'csv', 'qgis' or 'gcp'.
+//     Reads a file as fitpoints does. x, y: source; X, Y: target. kind: 'csv', 'qgis' or 'gcp'. text: a string, or the
+//     bytes of the file in a Uint8Array, which may be no UTF-8.
 // engine.fit(points, options) -> the object of `fitpoints --json`
 //     Points as read gives them; all but the coordinates may be missing. Options, with their defaults: method 'auto' (or
 //     'richest', 'conformal', 'affine', 'omographic'), robust false, mirrored false, raw false, file 'points', kind 'csv',
@@ -225,7 +226,7 @@ class Engine {
 
     // The address and the length of a text.
     #text(text) {
-        const bytes = this.#encoder.encode(text);
+        const bytes = typeof text === 'string' ? this.#encoder.encode(text) : text;
         const address = this.#allocate(bytes.length);
         new Uint8Array(this.#functions.memory.buffer, address, bytes.length).set(bytes);
         return [address, bytes.length];

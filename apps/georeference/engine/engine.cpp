@@ -141,6 +141,14 @@ static void CheckPoint(const TPoints& a_Points, std::size_t a_iIndex)
     }
 }
 
+static void CheckCrs(const std::string& a_szCrs)
+{
+    if (!a_szCrs.empty() && a_szCrs.compare(0, 4, "#CRS") != 0)
+    {
+        Fail("crs", Quoted(a_szCrs) + " does not start with #CRS");
+    }
+}
+
 // Bits of the options of a fit.
 enum enumOption
 {
@@ -171,6 +179,7 @@ void Fit(const char* a_szTexts, std::size_t a_iTexts, std::size_t a_iCount, cons
             {TakeText(Texts), viMarks[0], vdPoint[0], vdPoint[1], vdPoint[2], vdPoint[3], viMarks[1] != 0});
         CheckPoint(g_Points, i);
     }
+    CheckCrs(g_Points.szCrs);
     while (Texts.pNext != Texts.pEnd)
     {
         g_Points.vszUnread.push_back(TakeText(Texts));
