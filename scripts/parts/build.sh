@@ -32,7 +32,7 @@ declare -A packages=(
     [wince-armv4]="$cross_tests $armel clang"
     [consumers]="$native make python3 pkgconf meson clang lld llvm $mingw wine wine64 gcc-arm-none-eabi"
     [wasm]="$tools python3 googletest libeigen3-dev clang lld llvm binaryen nodejs $npm node-typescript wasi-libc
-            nlohmann-json3-dev libfast-float-dev
+            g++ libcli11-dev libfast-float-dev nlohmann-json3-dev
             libclang-rt-14-dev-wasm32 libc++-14-dev-wasm32 libc++abi-14-dev-wasm32"
     [package-linux]="$native $fitpoints $site"
     [package-deb]="$native $fitpoints $site dpkg-dev file"
