@@ -37,6 +37,7 @@ endif()
 
 nuv_add_check(sources slow) # how the sources compile
 nuv_add_check(links quick)  # what the documents name exists
+nuv_add_check(languages quick) # the pages of the bindings show the programs that the tests run
 if(TARGET site)
   nuv_add_check(site quick) # the pages for a browser
 endif()

@@ -11,7 +11,7 @@ import sys
 import unittest
 
 ROOT = pathlib.Path(__file__).resolve().parent.parent
-FOLDERS = "apps|bench|cmake|docs|examples|fuzz|nuv|packaging|scripts|tests|wince"
+FOLDERS = "apps|bench|bindings|cmake|docs|examples|fuzz|nuv|packaging|scripts|tests|wasm|wince"
 DOCUMENTS = sorted(path for path in ROOT.rglob("*.md") if "build" not in path.relative_to(ROOT).parts)
 LINK = re.compile(r"\]\(\s*([^)\s]+)\s*\)")
 PATH = re.compile(rf"`((?:{FOLDERS})/[\w./-]*)(?: [^`]*)?`")

@@ -14,8 +14,14 @@ echo '{ "private": true }' >package.json
 "$NUV_NPM" install --silent --offline --no-audit --no-fund "./$file"
 NUV_PACKAGE="$2/node_modules/nuv1math/nuv1math.mjs" node --test "$here/test.mjs"
 
-# A program with types.
-cp "$here/types_test.mts" .
+# expect_digits PROGRAM: it prints the bits that all languages print.
+expect_digits() {
+    bits=$(node "$1")
+    [ "$bits" = "$NUV_EXPECTED_BITS" ] || { echo "$1 printed $bits" >&2; exit 1; }
+}
+
+# The program of the page, and one with types.
+cp "$here/examples/fit.mjs" "$here/types_test.mts" .
 "$NUV_TSC" --strict --noUnusedLocals --module node16 --target es2022 --lib es2022,dom types_test.mts
-bits=$(node types_test.mjs)
-[ "$bits" = "$NUV_EXPECTED_BITS" ] || { echo "the program with types printed $bits" >&2; exit 1; }
+expect_digits ./fit.mjs
+expect_digits ./types_test.mjs
