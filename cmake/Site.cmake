@@ -30,6 +30,9 @@ endif()
 
 file(GLOB site_inputs CONFIGURE_DEPENDS ${PROJECT_SOURCE_DIR}/docs/*.* ${PROJECT_SOURCE_DIR}/docs/*/*.*
   ${PROJECT_SOURCE_DIR}/examples/*.cpp ${PROJECT_SOURCE_DIR}/examples/expected/*.txt
+  ${PROJECT_SOURCE_DIR}/apps/fitpoints/*.png ${PROJECT_SOURCE_DIR}/apps/fitpoints/*.svg
+  ${PROJECT_SOURCE_DIR}/apps/fitpoints/README.md ${PROJECT_SOURCE_DIR}/apps/fitpoints/judgement/README.md
+  ${PROJECT_SOURCE_DIR}/bindings/README.md ${PROJECT_SOURCE_DIR}/bindings/*/README.md
   ${PROJECT_SOURCE_DIR}/scripts/pages/*.py ${PROJECT_SOURCE_DIR}/README.md ${PROJECT_SOURCE_DIR}/tests/consumers/*/*)
 set(site_index ${PROJECT_BINARY_DIR}/site/html/index.html)
 add_custom_command(OUTPUT ${site_index} VERBATIM

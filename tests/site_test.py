@@ -63,7 +63,18 @@ class Site(unittest.TestCase):
             self.assertEqual(re.findall(r"\\[a-z(\[]\w*|@(?:f|ref|param|image|limits)\b", prose), [], name)
 
     def test_is_small(self):
-        self.assertLess(sum(map(len, self.files.values())), 1000000)
+        """The pages with their drawings are, and so are the pictures of pixels."""
+        for pictures in (False, True):
+            sizes = [len(data) for name, data in self.files.items() if name.endswith(".png") == pictures]
+            self.assertLess(sum(sizes), 1000000)
+
+    def test_has_the_pages_of_the_programs_and_of_every_language(self):
+        for name in ("fitpoints", "fitpoints_judgement", "bindings", "bindings_c", "bindings_python",
+                     "bindings_javascript"):
+            self.assertIn(f"{name}.html", self.pages)
+
+    def test_shows_bars_in_tables(self):
+        self.assertEqual(self.pages["fitpoints.html"].count("<code>--method conformal|affine|omographic</code>"), 1)
 
     def test_does_not_link_to_the_page_that_it_has_not(self):
         self.assertNotIn("georeference.html", self.pages["index.html"])

@@ -80,6 +80,7 @@ UNNEEDED = [(re.compile(pattern, re.MULTILINE | re.DOTALL), instead) for pattern
     (r'<div id="nav-path".*?</div>', ""),
     (r" (?:Struct|Namespace|File) Reference(?=<| -)", ""),
     (r'(<td class="mdescRight">[^\n]*):\s*(?=<br)', r"\1."), # a formula follows the colon elsewhere
+    (r"\\\|(?=[^<\n]*</code>)", "|"), # a document writes bars in tables so
     (r"^<dt>(?:Member|Module|Class) (<a [^\n]*?</a>)[^\n]*</dt>$", r"<dt>\1</dt>"), # arguments of functions
 )]
 

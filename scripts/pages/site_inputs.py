@@ -23,16 +23,21 @@ GEOREFERENCE = "georeference.html" # the page apps/georeference, if the site has
 IMAGES = [ROOT / "docs/figures", ROOT / "docs", ROOT / "apps/fitpoints"]
 
 
+MEASURED = [ROOT / f"docs/{name}.md" for name in ("accuracy", "performance", "performance-device", "footprint", "roots")]
+PROGRAMS = ["apps/fitpoints", "apps/fitpoints/judgement"]
+LANGUAGES = ["bindings", "bindings/c", "bindings/python", "bindings/javascript"]
+
+
 def label_of(path):
     """The name of a document's page."""
-    name = path.relative_to(ROOT / "docs").with_suffix("").as_posix()
-    name = name.removeprefix("site/").removesuffix("/README")
+    name = path.relative_to(ROOT).with_suffix("").as_posix().removeprefix("docs/")
+    name = name.removeprefix("site/").removeprefix("apps/").removesuffix("/README")
     return re.sub(r"\W", "_", "index" if name == "front" else name)
 
 
-MEASURED = [ROOT / f"docs/{name}.md" for name in ("accuracy", "performance", "performance-device", "footprint", "roots")]
 DOCUMENTS = {path: label_of(path) for path in
-             [*sorted((ROOT / "docs/site").glob("*.md")), *sorted((ROOT / "docs/guide").glob("*.md")), *MEASURED]}
+             [*sorted((ROOT / "docs/site").glob("*.md")), *sorted((ROOT / "docs/guide").glob("*.md")), *MEASURED,
+              *(ROOT / folder / "README.md" for folder in PROGRAMS + LANGUAGES)]}
 
 # ---- the header ----
 
