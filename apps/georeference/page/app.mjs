@@ -14,7 +14,6 @@ import { EMPTY, Store, isComplete } from './store.mjs';
 import { View } from './view.mjs';
 
 const SETTLED = 250;        // milliseconds without a change
-const SLOW = 10;            // milliseconds of a fit, above which a drag leaves out the search for blunders
 const IMAGES = { sourceImage: 'source', targetImage: 'target' };
 const SETTINGS = { blend: 60, mode: 'fade', theme: 'system' };
 
@@ -195,11 +194,11 @@ export class App {
     draw() {
         cancelAnimationFrame(this.#frame);
         this.#frame = 0;
-        this.fitting.update(this.document, this.#drag !== null && this.fitting.milliseconds > SLOW);
+        this.fitting.update(this.document, this.#drag !== null);
         this.scenes.look(this.document);
         this.#fitViews();
         Object.entries(this.views).forEach(([side, view]) => view.draw(this.scenes.of(side, this.chosen)));
-        this.table.show(this.document.points, this.fitting, this.chosen);
+        this.table.show(this.document.points, this.fitting, this.chosen, this.#drag !== null);
         this.panel.show(this.fitting, this.document.points.filter(isComplete).length);
         this.#showEntry();
         this.#showControls();
@@ -250,6 +249,7 @@ export class App {
             return;
         }
         this.fitting.update(this.document);
+        this.table.show(this.document.points, this.fitting, this.chosen);
         this.panel.settle();
         Object.entries(this.views).forEach(([side, view]) => view.describe((id) => this.#description(id, side)));
         this.#keep();

@@ -4,6 +4,9 @@
 
 import { isComplete } from './store.mjs';
 
+const SLOW = 5;     // milliseconds that a fit may take between two frames
+const PAUSE = 8;    // times its duration, between two searches for blunders of a hasty change
+
 // The parts of a document that the fit depends on.
 const INPUTS = ['points', 'options', 'kind', 'crs', 'file', 'unread'];
 
@@ -26,33 +29,38 @@ export function wordsOfState(state) {
 // `report` is the engine's report as an object, or null; then `error` tells why.
 export class Fitting {
     #document = null;
-    #quick = false;
+    #isQuick = false;
+    #milliseconds = 0;  // that the last search for blunders took
+    #searched = 0;      // when it ended
     #results = new Map();
 
     constructor(engine) {
         this.engine = engine;
         this.report = null;
         this.error = '';
-        this.milliseconds = 0;
     }
 
-    // Fits anew if the document has changed in what the fit depends on, or if the last fit was a quick one and this one is
-    // not. A quick one does not look for blunders.
-    update(document, quick = false) {
-        const before = this.#document;
-        if (before !== null && INPUTS.every((key) => before[key] === document[key])
-            && (quick || !this.#quick)) {
+    // Fits anew if the document has changed in what the fit depends on. isHasty: another change follows at once. Then a fit
+    // that takes long leaves out the search for blunders most of the time, and the last ones found stand.
+    update(document, isHasty = false) {
+        const isNew = this.#document === null || INPUTS.some((key) => this.#document[key] !== document[key]);
+        if (!isNew && (isHasty || !this.#isQuick)) {
             return;
         }
         this.#document = document;
-        this.#quick = quick;
         const start = performance.now();
-        this.#fit(document, quick);
-        this.milliseconds = performance.now() - start;
+        this.#isQuick = isHasty && !document.options.robust && this.#milliseconds > SLOW
+            && start < this.#searched + PAUSE * this.#milliseconds;
+        this.#fit(document);
+        if (!this.#isQuick) {
+            this.#searched = performance.now();
+            this.#milliseconds = this.#searched - start;
+        }
     }
 
-    #fit({ points, options, kind, crs, file, unread }, quick) {
+    #fit({ points, options, kind, crs, file, unread }) {
         const complete = points.filter(isComplete);
+        const suspects = this.report?.suspects ?? [];
         this.#results = new Map();
         this.report = null;
         this.error = '';
@@ -60,10 +68,19 @@ export class Fitting {
             return;
         }
         try {
-            this.report = this.engine.fit(complete, { ...options, kind, crs, file, unread, quick });
+            this.report = this.engine.fit(complete, { ...options, kind, crs, file, unread, quick: this.#isQuick });
+            this.#keepSuspects(suspects);
             this.report.points.forEach((result, index) => this.#results.set(complete[index].id, result));
         } catch (error) {
             this.error = error.message;
+        }
+    }
+
+    // A drag does not change which points there are.
+    #keepSuspects(suspects) {
+        if (this.#isQuick) {
+            this.report.suspects = suspects;
+            suspects.forEach(({ point }) => (this.report.points[point - 1].suspect = true));
         }
     }
 

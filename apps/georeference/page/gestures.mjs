@@ -16,6 +16,7 @@ function gap([a, b]) {
 // drag(what, dx, dy) since the start, dragEnd(what, isCancelled); pan(dx, dy); zoom(x, y, factor); hover(x, y).
 export class Gestures {
     #fingers = new Map();
+    #box = null;
     #what = null;
     #start = null;
     #moved = false;
@@ -30,9 +31,12 @@ export class Gestures {
         element.addEventListener('wheel', (event) => this.#wheel(event), { passive: false });
     }
 
+    // The box of the element is asked for only when no finger is down: asking makes the browser arrange the page.
     #place(event) {
-        const box = this.element.getBoundingClientRect();
-        return { x: event.clientX - box.left, y: event.clientY - box.top };
+        if (this.#fingers.size === 0) {
+            this.#box = this.element.getBoundingClientRect();
+        }
+        return { x: event.clientX - this.#box.left, y: event.clientY - this.#box.top };
     }
 
     #down(event) {

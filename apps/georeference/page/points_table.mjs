@@ -31,7 +31,9 @@ function field(name, type) {
 export class PointsTable {
     #rows = new Map();
     #first = 0;
-    #shown = [];
+    #height = 0;
+    #seen = [0, 0];     // rows: the first one in sight, and the one after the last
+    #near = [0, 0];     // the same with those just out of sight
 
     constructor(table, actions) {
         this.table = table;
@@ -52,6 +54,7 @@ export class PointsTable {
     }
 
     #listen() {
+        new ResizeObserver(() => (this.#height = 0)).observe(this.scroller);
         this.scroller.addEventListener('scroll', () => this.show(this.points, this.fitting, this.chosen), { passive: true });
         this.body.addEventListener('change', (event) => this.#changed(event.target));
         this.body.addEventListener('focusin', (event) => {
@@ -130,27 +133,42 @@ export class PointsTable {
 
     // ---- drawing ----
 
+    // The height of a row, which the style sheet fixes. Asking for it makes the browser arrange the page, so it is kept.
     #rowHeight() {
-        return this.#shown.length > 0 ? this.#shown[0].row.offsetHeight : 24;
-    }
-
-    #window() {
-        const { points, scroller } = this;
-        if (points.length <= ALL) {
-            return [0, points.length];
+        if (this.#height === 0 && this.#rows.size > 0) {
+            this.#height = this.#rows.values().next().value.row.offsetHeight;
         }
-        const height = this.#rowHeight();
-        const first = Math.max(0, Math.floor(scroller.scrollTop / height) - BEYOND);
-        return [first, Math.min(points.length, first + Math.ceil(scroller.clientHeight / height) + 2 * BEYOND)];
+        return this.#height;
     }
 
-    show(points, fitting, chosen) {
+    // Finds which rows are in sight.
+    #look() {
+        const height = this.#rowHeight() || 1;
+        const first = Math.floor(this.scroller.scrollTop / height);
+        const end = first + Math.ceil(this.scroller.clientHeight / height);
+        this.#seen = [first, end];
+        this.#near = [Math.max(0, first - BEYOND), end + BEYOND];
+    }
+
+    // isHasty: only the rows in sight get what has changed.
+    show(points, fitting, chosen, isHasty = false) {
         Object.assign(this, { points, fitting, chosen });
-        const [first, end] = this.#window();
+        if (!isHasty) {
+            this.#look();
+        }
+        const [first, end] = points.length <= ALL ? [0, points.length] : this.#clipped(this.#near);
         const wanted = points.slice(first, end);
         this.#arrange(wanted, first, points.length - end);
-        wanted.forEach((point, index) => this.#fill(this.#rows.get(point.id), point, first + index + 1));
+        const [low, high] = isHasty ? this.#clipped(this.#seen) : [first, end];
+        for (let i = low; i < high; ++i) {
+            this.#fill(this.#rows.get(points[i].id), points[i], i + 1);
+        }
         this.table.setAttribute('aria-rowcount', String(points.length + 1));
+    }
+
+    #clipped([first, end]) {
+        const start = Math.min(first, Math.max(0, this.points.length - 1));
+        return [start, Math.min(end, this.points.length)];
     }
 
     // Makes the rows that are missing and removes those that are out of sight. A row keeps its fields while it is there.
@@ -173,7 +191,6 @@ export class PointsTable {
         before.nextElementSibling === this.below || before.after(this.below);
         this.#space(this.above, countAbove * height);
         this.#space(this.below, countBelow * height);
-        this.#shown = wanted.map((point) => this.#rows.get(point.id));
     }
 
     #space(spacer, height) {

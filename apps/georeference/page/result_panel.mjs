@@ -118,33 +118,40 @@ export class ResultPanel {
     }
 
     #showParameters(report) {
+        const told = report === null ? [] : this.#told(report);
         const list = element('parameters');
-        list.replaceChildren();
-        const add = (name, text, value) => {
-            const [term, definition] = [document.createElement('dt'), document.createElement('dd')];
-            term.textContent = name;
-            definition.textContent = text;
+        while (list.childElementCount > 2 * told.length) {
+            list.lastElementChild.remove();
+        }
+        told.forEach(([name, text, value = ''], index) => {
+            if (list.children[2 * index] === undefined) {
+                list.append(document.createElement('dt'), document.createElement('dd'));
+            }
+            const [term, definition] = [list.children[2 * index], list.children[2 * index + 1]];
+            write(term, name);
+            write(definition, text);
             definition.dataset.parameter = name;
-            definition.dataset.value = value ?? '';
-            list.append(term, definition);
-        };
-        if (report === null) {
-            return;
-        }
-        add('chosen by', CHOICES[report.choice] ?? report.choice);
-        report.not_richer.forEach((text) => add('not richer', text));
-        add('points', `${report.n} fitted, ${report.dropped} dropped, ${report.check_points} check points`);
-        if (report.check_rms !== null) {
-            add('check RMS', this.fitting.number(report.check_rms), report.check_rms);
-        }
-        add('largest', `${this.fitting.number(report.largest_residual.length)} at ${label(report.largest_residual)}`,
-            report.largest_residual.length);
-        if (report.parameters === null) {
-            add('scale, rotation', 'change from point to point in an omographic transformation');
-            return;
-        }
-        PARAMETERS.forEach(([key, name, factor]) => add(name, this.fitting.number(report.parameters[key] * factor)
-            + (factor === 1 ? '' : '°'), report.parameters[key]));
+            definition.dataset.value = value;
+        });
+    }
+
+    // [name, text, value] of all that is told beside the tables.
+    #told(report) {
+        const { largest_residual: largest, parameters } = report;
+        const number = (value) => this.fitting.number(value);
+        const check = report.check_rms === null ? [] : [['check RMS', number(report.check_rms), report.check_rms]];
+        const shape = parameters === null
+            ? [['scale, rotation', 'change from point to point in an omographic transformation']]
+            : PARAMETERS.map(([key, name, factor]) => [name, number(parameters[key] * factor) + (factor === 1 ? '' : '°'),
+                parameters[key]]);
+        return [
+            ['chosen by', CHOICES[report.choice] ?? report.choice],
+            ...report.not_richer.map((text) => ['not richer', text]),
+            ['points', `${report.n} fitted, ${report.dropped} dropped, ${report.check_points} check points`],
+            ...check,
+            ['largest', `${number(largest.length)} at ${label(largest)}`, largest.length],
+            ...shape,
+        ];
     }
 
     // What need not follow every frame: the announcement and the report.
