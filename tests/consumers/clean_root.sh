@@ -48,12 +48,12 @@ gcc -std=c89 -pedantic -Wall -Wextra -Werror tree/bindings/c/examples/fit.c \
 expect "$digits" ./used_by_c
 gcc tree/bindings/c/examples/fit.c -lnuv1math_c -o used_by_c
 expect "$digits" ./used_by_c
-for project in found found-c; do
-    cmake -S "$consumers/$project" -B "$project" >/dev/null
-    cmake --build "$project" >/dev/null
+for language in CXX C; do
+    cmake -DLANGUAGE=$language -S "$consumers/found" -B found-$language >/dev/null
+    cmake --build found-$language >/dev/null
 done
-expect ok found/consumer
-expect "$digits" found-c/consumer
+expect ok found-CXX/consumer
+expect "$digits" found-C/consumer
 expect 'fitpoints 1' fitpoints --version
 expect 'degrees of freedom' fitpoints tree/apps/fitpoints/sample.csv
 expect 'html' ls /usr/share/doc/nuv1math

@@ -151,7 +151,7 @@ class CInterface(unittest.TestCase):
     """The C interface, used by a program in C89."""
 
     def found_by_cmake(self, name, prefix, *options):
-        return build_project(HERE / "found-c", fresh(name), f"-DCMAKE_PREFIX_PATH={prefix}", *options)
+        return build_project(HERE / "found", fresh(name), "-DLANGUAGE=C", f"-DCMAKE_PREFIX_PATH={prefix}", *options)
 
     def test_found_by_cmake(self):
         self.assertEqual(run(self.found_by_cmake("c-shared", shared())), C_PRINTS)
@@ -165,7 +165,7 @@ class CInterface(unittest.TestCase):
         without = installed("without-c", "-DNUV1MATH_BUILD_BINDINGS=OFF")
         self.assertEqual(list(without.rglob("*nuv1math_c*")), [])
         with self.assertRaisesRegex(AssertionError, "the C interface is not installed"):
-            configure(HERE / "found-c", fresh("c-without"), f"-DCMAKE_PREFIX_PATH={without}")
+            configure(HERE / "found", fresh("c-without"), "-DLANGUAGE=C", f"-DCMAKE_PREFIX_PATH={without}")
 
     def test_found_by_pkg_config(self):
         """-rpath tells the program where the C interface is. The C interface knows where the library is."""
