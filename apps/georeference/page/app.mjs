@@ -214,7 +214,7 @@ export class App {
     }
 
     #showControls() {
-        const { points, options, kind, sourceImage, targetImage, place } = this.document;
+        const { points, options, kind, crs, sourceImage, targetImage, place } = this.document;
         element('undo').disabled = !this.store.canUndo;
         element('redo').disabled = !this.store.canRedo;
         element('method').value = options.method;
@@ -224,11 +224,17 @@ export class App {
         element('welcome').hidden = points.length > 0 || sourceImage !== null;
         element('source-remove').hidden = sourceImage === null;
         element('target-remove').hidden = targetImage === null;
-        element('source-note').textContent = sourceImage?.name ?? 'points alone';
-        element('target-note').textContent = targetImage === null ? 'map coordinates'
-            : `${targetImage.name}, ${place === null ? 'in its pixels' : 'placed by its world file'}`;
+        this.#note('source', sourceImage?.name ?? 'points alone');
+        this.#note('target', [targetImage === null ? 'map coordinates' : targetImage.name,
+            ...targetImage === null ? [] : [place === null ? 'in its pixels' : 'placed by its world file'],
+            ...crs === '' ? [] : [crs.replace(/^#CRS:\s*/, '')]].join(', '));
         document.querySelectorAll('[data-export]').forEach((button) => (button.disabled = this.fitting.report === null));
         this.showBlend();
+    }
+
+    #note(side, text) {
+        element(`${side}-note`).textContent = text;
+        element(`${side}-note`).title = text;
     }
 
     showBlend() {

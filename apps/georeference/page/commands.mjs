@@ -46,7 +46,7 @@ export class Commands {
     }
 
     async openFiles(files, side) {
-        const told = await this.opener.open(files, side);
+        const told = await this.app.store.asOneStep(() => this.opener.open(files, side));
         const failed = told.some((each) => typeof each !== 'string');
         this.messages.show(told.map((each) => each.failed ?? each).join('\n'), failed);
         this.app.showAll('source', 'target');
@@ -117,7 +117,7 @@ export class Commands {
 
     async #openSample(isWithMap) {
         const { app, opener } = this;
-        await this.#tell(async () => {
+        await this.#tell(() => app.store.asOneStep(async () => {
             const told = opener.openPoints('sample.csv', element('sample-csv').content.textContent);
             opener.openImage(await loadImage('sample scan', sampleScan()), 'source');
             app.store.change({ targetImage: null, place: null });
@@ -129,13 +129,13 @@ export class Commands {
             }
             app.showAll('source', 'target');
             return `${told} Images and points are made up.`;
-        });
+        }));
     }
 
     // ---- saving ----
 
     #save(what) {
-        return this.#tell(() => `Saved ${saveResult(this.app.engine, what, this.app.document.file)}`);
+        return this.#tell(() => `Saved ${saveResult(this.app.engine, what, this.app.document)}`);
     }
 
     // ---- steps and settings ----

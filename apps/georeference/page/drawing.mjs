@@ -4,7 +4,7 @@
 
 const SVG = 'http://www.w3.org/2000/svg';
 const HEAD = 7;         // pixels, length of the head of an arrow
-const LETTER = 7;       // pixels, about the width of a letter
+export const LETTER = 7;       // pixels, about the width of a letter
 const LINE = 13;        // pixels, height of a name
 
 // What a point looks like, by its state. The shapes differ, not the colours alone.

@@ -32,9 +32,9 @@ function textOf(engine, what) {
 }
 
 // Offers a result as a download. Fails with the engine's reason if there is no such result.
-export function saveResult(engine, what, file) {
+export function saveResult(engine, what, { file, sourceImage }) {
     const { suffix, type } = SAVED[what];
-    const name = baseOf(file) + suffix;
+    const name = baseOf(what === 'world' && sourceImage !== null ? sourceImage.name : file) + suffix;
     const url = URL.createObjectURL(new Blob([textOf(engine, what)], { type }));
     const link = document.createElement('a');
     link.href = url;
@@ -86,7 +86,8 @@ export class Opener {
         const isTarget = side === 'target' || (side === null && this.store.document.sourceImage !== null);
         const size = `${image.name}: ${image.width} × ${image.height} pixels, `;
         if (!isTarget) {
-            this.store.change({ sourceImage: image });
+            const isFirst = this.store.document.points.length === 0;
+            this.store.change({ sourceImage: image, ...isFirst ? { file: baseOf(image.name) } : {} });
             return `${size}the source image.`;
         }
         this.store.change({ targetImage: image, place: null });

@@ -38,7 +38,7 @@ function fillList(list, texts) {
 export function verdict(fitting, complete) {
     const { report, error } = fitting;
     if (report === null) {
-        return complete === 0 ? 'No points yet. Two give a conformal transformation, three an affine, four an omographic one.'
+        return complete === 0 ? 'No transformation yet: two points give a conformal one, three an affine, four an omographic one.'
             : error;
     }
     const rms = report.rms === null ? 'no redundancy, so nothing checks it' : `RMS ${fitting.number(report.rms)} target units`;

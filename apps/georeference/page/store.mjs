@@ -49,6 +49,16 @@ export class Store {
         this.#show({ ...this.document, ...parts });
     }
 
+    // All changes of some work are one step.
+    async asOneStep(work) {
+        const count = this.#past.length;
+        try {
+            return await work();
+        } finally {
+            this.#past.length = Math.min(this.#past.length, count + 1);
+        }
+    }
+
     // The next change is a step of its own.
     endMerge() {
         this.#merge = null;

@@ -2,7 +2,7 @@
 // Copyright (c) 2026 the nuv1math authors
 // SPDX-License-Identifier: MIT
 
-import { SYMBOLS, arrowPath, placeNames, setAttribute, svgElement } from './drawing.mjs';
+import { LETTER, SYMBOLS, arrowPath, placeNames, setAttribute, svgElement } from './drawing.mjs';
 import { Gestures } from './gestures.mjs';
 import { gridOf } from './grid.mjs';
 import { niceAbove, shortNumber } from './numbers.mjs';
@@ -46,7 +46,7 @@ export class View {
             other: path('arrows other'), points: svgElement('g', { class: 'points' }, this.svg), cross: path('cross'),
             swipe: path('swipe'), legend: svgElement('g', { class: 'legend' }, this.svg) };
         const legend = this.layers.legend;
-        svgElement('rect', { width: 250, height: 20, rx: 3 }, legend);
+        this.legendBox = svgElement('rect', { height: 20, rx: 3 }, legend);
         svgElement('path', { d: `M6 6v8M6 10h${BAR}m0-4v8` }, legend);
         this.legendText = svgElement('text', { x: BAR + 14, y: 14 }, legend);
     }
@@ -260,7 +260,9 @@ export class View {
         setAttribute(this.layers.halo, 'd', paths.fitted + paths.suspect + paths.other);
         Object.entries(paths).forEach(([name, path]) => setAttribute(this.layers[name], 'd', path));
         this.layers.legend.style.display = bar > 0 ? '' : 'none';
-        this.legendText.textContent = `residuals: the bar is ${shortNumber(bar)} ${units}`;
+        const text = `residuals: the bar is ${shortNumber(bar)} ${units}`;
+        this.legendText.textContent !== text && (this.legendText.textContent = text);
+        setAttribute(this.legendBox, 'width', String(BAR + 20 + text.length * LETTER));
     }
 
     #drawPoints() {
