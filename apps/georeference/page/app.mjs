@@ -202,6 +202,7 @@ export class App {
         this.panel.show(this.fitting, this.document.points.filter(isComplete).length);
         this.#showEntry();
         this.#showControls();
+        element('result').setAttribute('aria-busy', 'true');
         clearTimeout(this.#settling);
         this.#settling = setTimeout(() => this.#settle(), SETTLED);
     }
@@ -259,6 +260,7 @@ export class App {
         this.panel.settle();
         Object.entries(this.views).forEach(([side, view]) => view.describe((id) => this.#description(id, side)));
         this.#keep();
+        element('result').setAttribute('aria-busy', 'false');
     }
 
     #description(id, side) {
