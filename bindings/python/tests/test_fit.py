@@ -12,8 +12,7 @@ import inspect
 import math
 import pathlib
 import pickle
-import subprocess
-import sys
+import time
 import tracemalloc
 
 import numpy as np
@@ -376,6 +375,18 @@ def test_threads_give_the_same_bits():
     images = shared(SOURCE)
     with concurrent.futures.ThreadPoolExecutor(8) as pool:
         assert all(pool.map(lambda _: np.array_equal(shared(SOURCE), images), range(200)))
+
+
+def test_other_threads_run_during_a_fit():
+    many = np.random.default_rng(1).random((200_000, 2))
+    with concurrent.futures.ThreadPoolExecutor(1) as pool:
+        start = time.perf_counter()
+        running = pool.submit(nuv1math.fit, many, many, "affine", level=0)
+        longest, last = 0.0, start
+        while not running.done():
+            now = time.perf_counter()
+            longest, last = max(longest, now - last), now
+    assert longest < (last - start) / 2
 
 
 def resident_bytes():
