@@ -1,7 +1,7 @@
 # SPDX-License-Identifier: MIT
 #
 # Installs the library, its C interface, their headers, what finds them (CMake's find_package, pkg-config), and the
-# documents. The components are those of the Debian packages: runtime, runtime_c, devel, tools and doc.
+# documents. The components are those of the Debian packages: runtime, runtime_c, devel, python, tools and doc.
 
 include(CMakePackageConfigHelpers)
 

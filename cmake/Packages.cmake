@@ -1,8 +1,8 @@
 # SPDX-License-Identifier: MIT
 #
 # The Debian packages, which `cpack -G DEB` makes from the components of Install.cmake: libnuv1math1 (runtime),
-# libnuv1math-c1 (runtime_c), libnuv1math-dev (devel), nuv1math-tools (tools), nuv1math-doc (doc). Build with the preset package-deb:
-# the prefix must be /usr. scripts/package does all of it.
+# libnuv1math-c1 (runtime_c), libnuv1math-dev (devel), python3-nuv1math (python), nuv1math-tools (tools) and
+# nuv1math-doc (doc). Build with the preset package-deb: the prefix must be /usr. scripts/package does all of it.
 
 set(packaging ${PROJECT_SOURCE_DIR}/packaging)
 
@@ -18,7 +18,7 @@ set(CPACK_PRE_BUILD_SCRIPTS ${packaging}/finish_stage.cmake)
 set(CPACK_POST_BUILD_SCRIPTS ${packaging}/finish_packages.cmake)
 
 set(CPACK_DEB_COMPONENT_INSTALL ON)
-set(CPACK_COMPONENTS_ALL runtime runtime_c devel tools doc)
+set(CPACK_COMPONENTS_ALL runtime runtime_c devel python tools doc)
 set(CPACK_COMPONENTS_GROUPING IGNORE)
 set(CPACK_DEBIAN_ENABLE_COMPONENT_DEPENDS ON)
 set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
@@ -67,6 +67,14 @@ CMake.")
 set(CPACK_COMPONENT_DEVEL_DEPENDS runtime runtime_c)
 package_section(DEVEL libdevel same)
 set(CPACK_DEBIAN_DEVEL_PACKAGE_SHLIBDEPS OFF)
+
+set(CPACK_DEBIAN_PYTHON_PACKAGE_NAME python3-nuv1math)
+describe(PYTHON "for Python" "This package has the module nuv1math, over arrays of numpy.")
+set(CPACK_DEBIAN_PYTHON_PACKAGE_DEPENDS "python3 (>= 3.9), python3-cffi-backend, python3-numpy")
+set(CPACK_COMPONENT_PYTHON_DEPENDS runtime_c)
+set(CPACK_DEBIAN_PYTHON_PACKAGE_SECTION python)
+set(CPACK_DEBIAN_PYTHON_PACKAGE_CONTROL_EXTRA
+  ${packaging}/python3-nuv1math/postinst ${packaging}/python3-nuv1math/prerm)
 
 set(CPACK_DEBIAN_TOOLS_PACKAGE_NAME nuv1math-tools)
 describe(TOOLS "program fitpoints" "This package has fitpoints. It fits a transformation to the control points of

@@ -50,4 +50,4 @@ BUILDER.cdef("void map_points(int, const nuv_TOmographicParams*, const nuv_TOrig
              "                nuv_TVector*);")
 BUILDER.set_source("nuv1math._native", "#include <math.h>\n#include <nuv1math_c.h>\n" + MAP_POINTS,
                    include_dirs=[str(INTERFACE)],
-                   extra_link_args=["-Wl,--exclude-libs,ALL", "-Wl,--as-needed", "-s"], libraries=["m"])
+                   extra_link_args=["-Wl,--exclude-libs,ALL", "-Wl,--as-needed", "-Wl,-z,now", "-s"], libraries=["m"])

@@ -28,19 +28,24 @@ def version():
 
 
 class BuildWithLibrary(build_ext):
-    """Builds the extension after the archive that is linked into it."""
+    """Builds the extension with the C interface: its shared library NUV1MATH_C_LIBRARY if the environment has one, as
+    for a package of a distribution, or else an archive with all that is needed, which is built first."""
 
     def run(self):
+        library = os.environ.get("NUV1MATH_C_LIBRARY") or self.built_archive()
+        for extension in self.extensions:
+            extension.extra_objects.append(library)
+            extension.depends.append(library)
+        super().run()
+
+    def built_archive(self):
+        """The archive of the library, the judgement module and the C interface."""
         directory = pathlib.Path(self.build_temp).resolve() / "library"
         subprocess.run(["cmake", "--preset", "library", "-B", directory, "-DBUILD_SHARED_LIBS=OFF",
                         "-DNUV1MATH_BUILD_PYTHON=ON"], cwd=ROOT, check=True)
         subprocess.run(["cmake", "--build", directory, "--target", "nuv1math_python", "--parallel",
                         str(os.cpu_count())], check=True)
-        archive = directory / "bindings/python/libnuv1math_python.a"
-        for extension in self.extensions:
-            extension.extra_objects.append(str(archive))
-            extension.depends.append(str(archive))
-        super().run()
+        return str(directory / "bindings/python/libnuv1math_python.a")
 
 
 os.chdir(HERE)

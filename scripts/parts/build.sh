@@ -35,7 +35,7 @@ declare -A packages=(
             g++ libcli11-dev libfast-float-dev nlohmann-json3-dev
             libclang-rt-14-dev-wasm32 libc++-14-dev-wasm32 libc++abi-14-dev-wasm32"
     [package-linux]="$native $fitpoints $site"
-    [package-deb]="$native $fitpoints $site dpkg-dev file"
+    [package-deb]="$native $fitpoints $site $python dpkg-dev file"
     [package-windows-x64]="$tools zip llvm g++-mingw-w64-x86-64-posix"
     [package-windows-x86]="$tools zip llvm g++-mingw-w64-i686-posix"
     [package-wince-armv4]="$tools zip python3 binutils $armel clang"

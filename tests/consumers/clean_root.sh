@@ -7,7 +7,7 @@ set -euo pipefail
 export DEBIAN_FRONTEND=noninteractive LC_ALL=C.UTF-8
 
 cd /opt/try
-names=(libnuv1math1 libnuv1math-c1 libnuv1math-dev nuv1math-tools nuv1math-doc)
+names=(libnuv1math1 libnuv1math-c1 libnuv1math-dev python3-nuv1math nuv1math-tools nuv1math-doc)
 consumers=tree/tests/consumers
 
 # expect TEXT COMMAND...: the command succeeds and prints this text in a line.
@@ -54,6 +54,8 @@ for language in CXX C; do
 done
 expect ok found-CXX/consumer
 expect "$digits" found-C/consumer
+expect "$digits" python3 tree/bindings/python/examples/fit.py
+expect conformal python3 -c 'import nuv1math; print(nuv1math.fit([[0, 0], [1, 0]], [[5, 3], [7, 3]]))'
 expect 'fitpoints 1' fitpoints --version
 expect 'degrees of freedom' fitpoints tree/apps/fitpoints/sample.csv
 expect 'html' ls /usr/share/doc/nuv1math
