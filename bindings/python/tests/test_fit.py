@@ -229,6 +229,7 @@ def test_the_representation_tells_what_one_wants_to_know():
     assert lines[6].startswith("  sx 2.0") and " ± " in lines[6] and "rotation 14.0" in lines[6] and "skew" in lines[6]
     assert lines[7] == "  suspected blunders: 3 (dropped)>"
     assert len({len(line) for line in repr(fit.kinds).splitlines()[:3]}) == 1
+    assert "\n  scale 2.06155, rotation 14.0362°\n" in repr(nuv1math.fit(SOURCE[:2], TARGET[:2]))
     two = repr(nuv1math.fit(SOURCE[:2], TARGET[:2]))
     assert "only 2 points: the affine kind needs 3" in two and "needs 3 to be judged" in two
 

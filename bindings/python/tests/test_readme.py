@@ -14,13 +14,14 @@ import nuv1math
 
 HERE = pathlib.Path(__file__).resolve().parents[1]
 README = (HERE / "README.md").read_text(encoding="utf-8")
-PROGRAMS = re.findall(r"^```python\n(.*?)^```$", README, re.DOTALL | re.MULTILINE)
+PROGRAMS = re.findall(r"^```python\n(.*?)^```$(?:\n\n```text\n(.*?)^```$)?", README, re.DOTALL | re.MULTILINE)
 
 
-@pytest.mark.parametrize("program", PROGRAMS)
-def test_a_program_of_the_page_runs(program, capsys):
+@pytest.mark.parametrize("program, output", PROGRAMS)
+def test_a_program_of_the_page_prints_what_the_page_shows(program, output, capsys):
     exec(compile(program, "README.md", "exec"), {})
-    assert capsys.readouterr().out
+    printed = capsys.readouterr().out
+    assert printed == output if output else f"`{printed.strip()}`" in README
 
 
 def test_every_attribute_that_the_page_names_exists():

@@ -550,10 +550,12 @@ class Fit:
         p = self.parameters
         if p is None:
             return []
-        degrees = 180 / math.pi
-        shown = [_with_deviation("sx", p.sx, p.sigma_sx, 1, ""), _with_deviation("sy", p.sy, p.sigma_sy, 1, ""),
-                 _with_deviation("rotation", p.rotation, p.sigma_rotation, degrees, "°")]
-        if self.kind == "affine":
+        degrees, one_scale = 180 / math.pi, self.kind == "conformal"
+        shown = [_with_deviation("scale" if one_scale else "sx", p.sx, p.sigma_sx, 1, "")]
+        if not one_scale:
+            shown.append(_with_deviation("sy", p.sy, p.sigma_sy, 1, ""))
+        shown.append(_with_deviation("rotation", p.rotation, p.sigma_rotation, degrees, "°"))
+        if not one_scale:
             shown.append(_with_deviation("skew", p.skew, p.sigma_skew, degrees, "°"))
         return ["  " + ", ".join(shown)]
 
