@@ -91,21 +91,39 @@ static TJson PointReference(const TPoints& a_Points, std::size_t a_iIndex)
     return {{"point", a_iIndex + 1}, {"line", Point.iLine}, {"name", Point.szName}};
 }
 
+// An object of different keys. Other ways to make one search for each key among those before it.
+static TJson Object(std::initializer_list<std::pair<const char*, TJson> > a_Fields)
+{
+    TJson::object_t Object;
+    Object.reserve(a_Fields.size());
+    for (const auto& [szKey, Value] : a_Fields)
+    {
+        Object.emplace_back(szKey, Value);
+    }
+    return Object;
+}
+
 static TJson PointWithResidual(const TPoints& a_Points, const TFit& a_Fit, std::size_t a_iIndex)
 {
     const TPoint& Point = a_Points.vPoints[a_iIndex];
     const judgement::TPointJudgement& P = a_Fit.vPoints[a_iIndex];
-    TJson Json = PointReference(a_Points, a_iIndex);
-    Json["role"] = ROLES[P.Role];
-    Json.update({{"x", Point.dX}, {"y", Point.dY}, {"X", Point.dXa}, {"Y", Point.dYa}});
-    Json.update({{"dX", P.dX}, {"dY", P.dY}, {"length", P.dLength}});
-    Json["source_residual"] = P.bSource != 0 ? TJson{P.dSourceX, P.dSourceY} : TJson();
-    Json["leave_one_out"] = P.bLeave != 0 ? TJson{P.dLeaveX, P.dLeaveY} : TJson();
-    Json["standardised"] = Optional(P.bTested != 0, P.dStandardised);
-    Json["studentised"] = Optional(P.bTested != 0, P.dStudentised);
-    Json["probability"] = Optional(P.bTested != 0, P.dProbability);
-    Json["suspect"] = P.bSuspect != 0;
-    return Json;
+    return Object({{"point", a_iIndex + 1},
+                   {"line", Point.iLine},
+                   {"name", Point.szName},
+                   {"role", ROLES[P.Role]},
+                   {"x", Point.dX},
+                   {"y", Point.dY},
+                   {"X", Point.dXa},
+                   {"Y", Point.dYa},
+                   {"dX", P.dX},
+                   {"dY", P.dY},
+                   {"length", P.dLength},
+                   {"source_residual", P.bSource != 0 ? TJson{P.dSourceX, P.dSourceY} : TJson()},
+                   {"leave_one_out", P.bLeave != 0 ? TJson{P.dLeaveX, P.dLeaveY} : TJson()},
+                   {"standardised", Optional(P.bTested != 0, P.dStandardised)},
+                   {"studentised", Optional(P.bTested != 0, P.dStudentised)},
+                   {"probability", Optional(P.bTested != 0, P.dProbability)},
+                   {"suspect", P.bSuspect != 0}});
 }
 
 static TJson Suspects(const TPoints& a_Points, const TFit& a_Fit)
