@@ -78,7 +78,8 @@ static void RemovePrefix(std::string& a_szLine, const std::string& a_szPrefix)
     }
 }
 
-// Reads the next line without its end (LF or CR LF) and without the byte order mark of the file. False at the end.
+// Reads the next line without its end and without the byte order mark of the file. False at the end. The end is LF, CR LF,
+// or CR CR LF, which is left of a CR LF that was converted twice.
 static bool ReadLine(TRowReader& a_Reader, std::string& a_szLine)
 {
     ++a_Reader.iLine;
@@ -86,10 +87,7 @@ static bool ReadLine(TRowReader& a_Reader, std::string& a_szLine)
     {
         return false;
     }
-    if (!a_szLine.empty() && a_szLine.back() == '\r')
-    {
-        a_szLine.pop_back();
-    }
+    a_szLine.erase(a_szLine.find_last_not_of('\r') + 1);
     if (a_Reader.iLine == 1)
     {
         RemovePrefix(a_szLine, "\xEF\xBB\xBF");

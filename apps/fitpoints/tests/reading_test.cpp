@@ -4,10 +4,12 @@
 
 #include "fixture.h"
 
+#include <chrono>
 #include <fcntl.h>
 #include <gtest/gtest.h>
 #include <nlohmann/json.hpp>
 #include <sstream>
+#include <thread>
 #include <unistd.h>
 
 namespace fitpoints_tests {
@@ -121,6 +123,59 @@ TEST_F(FitPoints, ReadsStandardInput)
     EXPECT_NE(std::string::npos, Run({"-"}).szOut.find("file:    standard input (CSV)\n"));
     Write("p.csv", Header + "1,2,3\n");
     ExpectFailure({"-"}, "standard input:2: 3 fields where the header has 4");
+}
+
+// A pipe gives what was written so far, here byte by byte.
+TEST_F(FitPoints, ReadsInputThatComesInPieces)
+{
+    std::string szText = Header;
+    for (int i = 0; i < 9; ++i)
+    {
+        szText += std::to_string(i % 3) + "," + std::to_string(i / 3) + ",\"" + std::to_string(i % 3) + ".25\"," +
+                  std::to_string(i / 3) + "\r\r\n";
+    }
+    int viPipe[2];
+    ASSERT_EQ(0, pipe(viPipe));
+    std::thread Writer(
+        [&]
+        {
+            for (const char iChar : szText)
+            {
+                EXPECT_EQ(1, write(viPipe[1], &iChar, 1));
+                std::this_thread::sleep_for(std::chrono::microseconds(100));
+            }
+            close(viPipe[1]);
+        });
+    Prepare = [&]
+    {
+        dup2(viPipe[0], STDIN_FILENO);
+        close(viPipe[1]);
+    };
+    const json Fit = RunJson({"-"});
+    Writer.join();
+    close(viPipe[0]);
+    ASSERT_EQ(9, Fit.at("n"));
+    EXPECT_EQ(2.25, Fit["points"][8].at("X"));
+    EXPECT_EQ(2, Fit["points"][8].at("Y"));
+}
+
+// Rows lie across the ends of the parts in which a long file is read.
+TEST_F(FitPoints, ReadsEveryRowOfALongFile)
+{
+    std::string szText = Header;
+    for (int i = 0; i < 20000; ++i)
+    {
+        szText += std::to_string(i) + "," + std::to_string(i % 7) + "," + std::to_string(i) + ".5," +
+                  std::to_string(i % 7) + "\n";
+    }
+    Write("p.csv", szText);
+    const json Fit = RunJson({"p.csv", "--method", "affine"});
+    ASSERT_EQ(20000, Fit.at("n"));
+    for (int i = 0; i < 20000; ++i)
+    {
+        const json& P = Fit["points"][i];
+        ASSERT_EQ(json({i + 2, i, i % 7, i + 0.5, i % 7}), json({P["line"], P["x"], P["y"], P["X"], P["Y"]}));
+    }
 }
 
 // The check point (50, 50) is 3 and 4 units off. The transformation of the other points is the identity.
