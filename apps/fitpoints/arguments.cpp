@@ -85,6 +85,10 @@ static void DeclareOptions(CLI::App& a_App, TArguments& a_Arguments, std::string
     a_App.add_flag("--mirrored", a_Arguments.Fit.bMirrored,
                    "let the conformal kind reverse the orientation of the axes");
     a_App.add_flag("--robust", a_Arguments.Fit.bRobust, "drop suspected blunders one by one");
+    a_App
+        .add_option("--level", a_Arguments.Fit.dLevel,
+                    "significance level of the test of suspected blunders, between 0 and 1 (default 0.01)")
+        ->type_name("LEVEL");
     a_App.add_flag("--raw", a_Arguments.Fit.bRaw, "fit the coordinates as they are, without a local origin");
     a_App.add_flag("--json", a_Arguments.bJson, "print the result as JSON");
     a_App.add_flag("--summary", a_Arguments.bSummary, "leave out the table of residuals");
@@ -119,14 +123,18 @@ std::optional<TArguments> ParseArguments(int a_iCount, char** a_vszArguments)
 {
     CLI::App App;
     TArguments Arguments = {};
+    Arguments.Fit.dLevel = judgement::USUAL_LEVEL;
     std::string szMethod = "auto";
     DeclareOptions(App, Arguments, szMethod);
     if (!Parse(App, a_iCount, a_vszArguments))
     {
         return std::nullopt;
     }
+    if (!(Arguments.Fit.dLevel > 0 && Arguments.Fit.dLevel < 1))
+    {
+        throw TFailure("--level: not between 0 and 1 (see --help)");
+    }
     Arguments.Fit.Method = METHODS.at(szMethod);
-    Arguments.Fit.dLevel = judgement::USUAL_LEVEL;
     return Arguments;
 }
 

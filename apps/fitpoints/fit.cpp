@@ -101,6 +101,7 @@ TFit FitPoints(const TPoints& a_Points, const judgement::TOptions& a_Options)
     }
     TFit Fit = {};
     Fit.bRaw = a_Options.bRaw != 0;
+    Fit.dLevel = a_Options.dLevel;
     Fit.vPoints.resize(a_Points.vPoints.size());
     const judgement::enumReason Reason =
         judgement::Judge(ControlPoints(Given), vRoles.data(), a_Options, Fit.Judgement, Fit.vPoints.data());

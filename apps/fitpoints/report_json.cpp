@@ -198,7 +198,7 @@ static TJson Summary(const TPoints& a_Points, const TFit& a_Fit)
             {"not_richer", a_Fit.vszNotRicher},
             {"kinds", Kinds(a_Points, a_Fit)},
             {"suspects", Suspects(a_Points, a_Fit)},
-            {"level", judgement::USUAL_LEVEL},
+            {"level", a_Fit.dLevel},
             {"warnings", a_Fit.vszWarnings},
             {"raw", a_Fit.bRaw},
             {"iterations", J.Fit.iIterations},

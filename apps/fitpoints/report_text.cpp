@@ -141,7 +141,7 @@ static std::string Suspects(const TPoints& a_Points, const TFit& a_Fit)
     const std::vector<std::size_t> viSuspects = SuspectOrder(a_Fit);
     const bool bTested = std::any_of(a_Fit.vPoints.begin(), a_Fit.vPoints.end(),
                                      [](const judgement::TPointJudgement& a_Point) { return a_Point.bTested != 0; });
-    const std::string szHead = "\nSuspected blunders, at the level " + Brief(judgement::USUAL_LEVEL) + ":";
+    const std::string szHead = "\nSuspected blunders, at the level " + Brief(a_Fit.dLevel) + ":";
     if (viSuspects.empty())
     {
         return szHead + (bTested ? " none\n" : " not tested, because there is too little redundancy\n");

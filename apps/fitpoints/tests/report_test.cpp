@@ -212,6 +212,23 @@ TEST_F(FitPoints, SuspectedBlundersAreListedFirst)
     EXPECT_NE(std::string::npos, Run({NUV_FITPOINTS_SAMPLE}).szOut.find("at the level 0.01: none\n"));
 }
 
+// Point 2 is 5 units off among errors of 1 unit: suspect at the level 0.2, not at the usual one.
+TEST_F(FitPoints, TheLevelDecidesWhatIsSuspect)
+{
+    Write("p.csv", Header + "0,0,0,1\n100,100,105,100\n100,0,101,0\n0,100,0,99\n37,55,36,55\n80,20,80,21\n"
+                            "15,70,16,70\n60,90,60,89\n");
+    const json Usual = RunJson({"p.csv", "--method", "affine"});
+    EXPECT_EQ(0.01, Usual.at("level"));
+    EXPECT_EQ(0u, Usual.at("suspects").size());
+    const json Higher = RunJson({"p.csv", "--method", "affine", "--level", "0.2"});
+    EXPECT_EQ(0.2, Higher.at("level"));
+    ASSERT_EQ(1u, Higher.at("suspects").size());
+    EXPECT_EQ(2, Higher["suspects"][0].at("point"));
+    EXPECT_EQ(1, RunJson({"p.csv", "--method", "affine", "--level", "0.2", "--robust"}).at("dropped"));
+    EXPECT_NE(std::string::npos,
+              Run({"p.csv", "--level", "0.2"}).szOut.find("\nSuspected blunders, at the level 0.2:"));
+}
+
 TEST_F(FitPoints, RobustDropsTheBlunderAndSaysSo)
 {
     Write("p.csv", OneBlunder);

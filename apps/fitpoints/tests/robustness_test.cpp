@@ -27,6 +27,11 @@ TEST_F(FitPoints, WrongUseIsRefusedWithOneLine)
     Write("p.csv", Square);
     ExpectFailure({}, "FILE is required (see --help)");
     ExpectFailure({"p.csv", "--nonsense"}, "The following argument was not expected: --nonsense (see --help)");
+    for (const char* const szLevel : {"0", "1", "-0.1", "nan"})
+    {
+        ExpectFailure({"p.csv", "--level", szLevel}, "--level: not between 0 and 1 (see --help)");
+    }
+    ExpectFailure({"p.csv", "--level", "low"}, "Could not convert: --level = low (see --help)");
     ExpectFailure({"p.csv", "--method", "cubic"},
                   "--method: cubic not in {auto,richest,conformal,affine,omographic} (see --help)");
     ExpectFailure({"p.csv", "--plot", "p.pdf"}, "--plot: 'p.pdf' ends neither in .svg nor in .png");
