@@ -70,6 +70,7 @@ export class App {
     #makeView(side) {
         return new View(element(`${side}-view`), {
             add: (position, isTouch) => this.#place(side, position, isTouch),
+            isAwaited: () => this.#isAwaited(side),
             choose: (id) => this.choose(id),
             dragStart: (id) => this.#startDrag(id),
             move: (id, position) => this.store.edit(id, asFields(side, position), this.#drag ?? `keys ${side} ${id}`),
@@ -112,12 +113,16 @@ export class App {
 
     // ---- points ----
 
+    #isAwaited(side) {
+        const point = this.store.point(this.chosen);
+        return point !== null && positionOf(point, side) === null;
+    }
+
     // A click: the missing place of the chosen point, or a new point.
     #place(side, position, isTouch) {
-        const point = this.store.point(this.chosen);
-        if (point !== null && positionOf(point, side) === null) {
-            this.edit(point.id, asFields(side, position));
-            this.views[side].focusPoint(point.id);
+        if (this.#isAwaited(side)) {
+            this.edit(this.chosen, asFields(side, position));
+            this.views[side].focusPoint(this.chosen);
             return;
         }
         this.chosen = this.store.add(asFields(side, position));

@@ -23,7 +23,7 @@ export class Commands {
     constructor(app, messages) {
         this.app = app;
         this.messages = messages;
-        this.opener = new Opener(app.engine, app.store);
+        this.opener = new Opener(app.fitting, app.store);
         this.#files();
         this.#drops();
         this.#pasting();

@@ -5,6 +5,7 @@
 import { loadImage } from './images.mjs';
 import { readWorldFile } from './pixels.mjs';
 
+const LARGEST = 256 * 2 ** 20; // bytes, more than which the engine does not read either
 const WORLD_FILE = /\.(wld|[a-z]{2,4}w)$/i;
 const IMAGE_FILE = /\.(png|jpe?g|webp|gif|bmp|svg|avif|tiff?|jp2|ecw|sid|heic)$/i;
 const SAVED = {
@@ -45,8 +46,9 @@ export function saveResult(engine, what, { file, sourceImage }) {
 }
 
 export class Opener {
-    constructor(engine, store) {
-        this.engine = engine;
+    constructor(fitting, store) {
+        this.fitting = fitting;
+        this.engine = fitting.engine;
         this.store = store;
     }
 
@@ -69,12 +71,18 @@ export class Opener {
         if (kind === 'image') {
             return this.openImage(await loadImage(file.name, file), side);
         }
+        if (file.size > LARGEST) {
+            throw new Error(`${file.name}: larger than 256 MiB`);
+        }
         const text = await file.text();
         return kind === 'world' ? this.#openWorldFile(file.name, text) : this.openPoints(file.name, text);
     }
 
     openPoints(name, text) {
         const read = this.engine.read(name, text);
+        if (read.points.length === 0) {
+            throw new Error(this.fitting.failureWithoutPoints(name));
+        }
         this.store.open(name, read);
         const unread = read.unread.length > 0 ? ` Not read: the columns ${read.unread.join(', ')}.` : '';
         const isAbove = read.kind === 'csv' && read.points.every((point) => point.y < 0);

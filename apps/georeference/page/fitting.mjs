@@ -84,6 +84,16 @@ export class Fitting {
         }
     }
 
+    // Why a file without points has no transformation. The fit of the document is made anew afterwards.
+    failureWithoutPoints(file) {
+        this.#document = null;
+        try {
+            return String(this.engine.fit([], { file }));
+        } catch (error) {
+            return error.message;
+        }
+    }
+
     // What the report tells of a point, or null.
     of(id) {
         return this.#results.get(id) ?? null;

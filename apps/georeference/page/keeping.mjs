@@ -26,11 +26,22 @@ export function keepDocument(document, settings) {
     localStorage.setItem(KEY, JSON.stringify({ document: kept, settings }));
 }
 
+function isPoint({ id, name, check, x, y, X, Y }) {
+    return Number.isInteger(id) && typeof name === 'string' && typeof check === 'boolean'
+        && [x, y, X, Y].every((value) => value === null || Number.isFinite(value));
+}
+
+// Whether each part of the kept document has the type that it has in an empty one.
+function isDocument(kept, empty) {
+    return Object.keys(empty).every((key) => empty[key] === null || typeof kept[key] === typeof empty[key])
+        && Array.isArray(kept.points) && kept.points.every(isPoint);
+}
+
 // What was kept, or null. Anything that is not a document of this page counts as nothing.
 export function keptDocument(empty) {
     try {
         const { document, settings } = JSON.parse(localStorage.getItem(KEY)) ?? {};
-        return Array.isArray(document?.points) ? { document: { ...empty, ...document }, settings: settings ?? {} } : null;
+        return isDocument(document, empty) ? { document, settings: settings ?? {} } : null;
     } catch {
         return null;
     }

@@ -20,6 +20,13 @@ function cell(row, className, content = null) {
     return element;
 }
 
+// A cell whose text changes without making the browser arrange the table anew. Returns what has the text.
+function changing(row, className) {
+    const box = document.createElement('div');
+    cell(row, className, box);
+    return box;
+}
+
 function field(name, type) {
     const input = document.createElement('input');
     input.type = type;
@@ -211,10 +218,10 @@ export class PointsTable {
         inputs.check = field('check', 'checkbox');
         cell(row, 'check', inputs.check);
         for (const name of RESULTS) {
-            results[name] = cell(row, 'number');
+            results[name] = changing(row, 'number');
             results[name].dataset.result = name;
         }
-        const state = cell(row, 'state');
+        const state = changing(row, 'state');
         const button = document.createElement('button');
         button.type = 'button';
         button.textContent = '✕';

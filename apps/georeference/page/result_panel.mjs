@@ -45,8 +45,7 @@ export function verdict(fitting, complete) {
     const count = report.suspects.length;
     const suspects = count === 0 ? 'no suspected blunder' : `${count} suspected blunder${count > 1 ? 's' : ''}: `
         + `${report.suspects.slice(0, 5).map(label).join(', ')}${count > 5 ? ', …' : ''}`;
-    return `${report.mirrored ? 'Mirrored c' : report.kind[0].toUpperCase()}${report.kind.slice(1)} transformation of `
-        + `${report.n} points: ${rms}; ${suspects}.`;
+    return `The ${report.mirrored ? 'mirrored ' : ''}${report.kind} transformation of ${report.n} points: ${rms}; ${suspects}.`;
 }
 
 export class ResultPanel {
@@ -141,7 +140,7 @@ export class ResultPanel {
         const number = (value) => this.fitting.number(value);
         const check = report.check_rms === null ? [] : [['check RMS', number(report.check_rms), report.check_rms]];
         const shape = parameters === null
-            ? [['scale, rotation', 'change from point to point in an omographic transformation']]
+            ? [['scale, rotation', report.kind === 'omographic' ? 'change from point to point' : 'a scale counts as zero']]
             : PARAMETERS.map(([key, name, factor]) => [name, number(parameters[key] * factor) + (factor === 1 ? '' : '°'),
                 parameters[key]]);
         return [

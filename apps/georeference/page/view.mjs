@@ -19,7 +19,7 @@ const ARROWS = { ArrowLeft: [-1, 0], ArrowRight: [1, 0], ArrowUp: [0, -1], Arrow
 const ARROW_CLASS = { fitted: 'fitted', suspect: 'suspect', dropped: 'other', check: 'other' };
 const EMPTY_SCENE = { points: [], image: null, place: null, cells: [], warped: null, longest: 0, units: '' };
 
-// The actions: add(position, isTouch), choose(id), dragStart(id), move(id, position), dragEnd(isCancelled), remove(id),
+// The actions: add(position, isTouch); isAwaited(), whether a chosen point lacks its place here; choose(id), dragStart(id), move(id, position), dragEnd(isCancelled), remove(id),
 // hover(position), changed() when the viewport is another one.
 export class View {
     #handles = new Map();
@@ -54,7 +54,7 @@ export class View {
     #listen() {
         new Gestures(this.svg, {
             pick: (x, y, isTouch) => this.#nearest(x, y, isTouch ? NEAR.touch : NEAR.mouse),
-            tap: (x, y, id, isTouch) => id === null ? this.actions.add(this.position(x, y), isTouch) : this.#choose(id),
+            tap: (x, y, id, isTouch) => id === null || this.actions.isAwaited() ? this.actions.add(this.position(x, y), isTouch) : this.#choose(id),
             dragStart: (id) => this.#startDrag(id),
             drag: (id, dx, dy) => this.actions.move(id, this.position(this.#grab.x + dx, this.#grab.y + dy)),
             dragEnd: (_, isCancelled) => this.actions.dragEnd(isCancelled),
