@@ -12,7 +12,9 @@ from hypothesis import given, settings
 from hypothesis import strategies as st
 
 import nuv1math
+from nuv1math._arrays import converted, doubles
 from nuv1math._functions import DeleteCholLowTri, InitCholLowTri
+from nuv1math._native import ffi
 
 GUARD = 4
 CANARY = 8.25e77
@@ -185,8 +187,37 @@ def test_an_array_that_would_need_a_copy_is_not_written(call):
     for form in unusable_forms(arguments[place]):
         if function is nuv1math.CholeskyLowTri and getattr(form, "shape", ()) == (5,):
             form = np.ones(5)  # n(n+1)/2 for no n
-        with pytest.raises(ValueError):
+        with pytest.raises(ValueError, match="written in place|has the shape|no n|has 6 values"):
             function(*arguments[:place], form, *arguments[place + 1:])
+
+
+@pytest.mark.parametrize("size", [2, 4, 5, 7])
+def test_a_packed_matrix_has_the_elements_of_a_triangle(size):
+    with pytest.raises(ValueError, match="for no n"):
+        nuv1math.CholeskyLowTri(np.ones(size))
+
+
+@pytest.mark.parametrize("factor", [np.ones(9), np.ones((1, 9)), np.ones((3, 2)), np.ones((3, 3, 1)), 1.0])
+def test_a_dense_factor_is_a_square(factor):
+    with pytest.raises(ValueError, match=r"not \(3, 3\)"):
+        nuv1math.SolveChol(factor, np.ones(3))
+
+
+@pytest.mark.parametrize("count", [0, 5, 7])
+def test_a_packed_factor_belongs_to_its_vector(count):
+    with pytest.raises(ValueError, match="not 6"):
+        nuv1math.SolveCholLowTri(np.ones(count), np.ones(3))
+
+
+def test_what_is_read_is_aligned():
+    unaligned = np.frombuffer(b"\0" + np.ones(4).tobytes(), dtype=np.float64, offset=1)
+    assert not unaligned.flags.aligned and converted(unaligned, "x").flags.aligned
+
+
+def test_what_is_contiguous_is_not_copied():
+    column = np.arange(5.0)
+    for array in (column, column[1:4], np.ones((3, 5))[1]):
+        assert int(ffi.cast("uintptr_t", doubles(array, "x"))) == array.ctypes.data
 
 
 def test_arrays_that_share_memory_are_refused():
@@ -203,3 +234,5 @@ def test_arrays_that_share_memory_are_refused():
     assert (whole == 1.0).all()
     nuv1math.UpdateNormMatrixLowTri(whole[:6], whole[6:], np.ones(3), 1.0)
     assert (whole == 2.0).all()
+    nuv1math.SolveCholLowTri(whole[:6], whole[6:])
+    nuv1math.SolveCholLowTri(whole[3:], whole[:3])

@@ -6,13 +6,15 @@ SPDX-License-Identifier: MIT
 
 import gc
 import math
-import threading
+import pathlib
+import resource
+import types
 
 import numpy as np
 import pytest
 
 import nuv1math
-from nuv1math import AffineCoefs, ConformalCoefs, MethodUsed, OmographicParams
+from nuv1math import AffineCoefs, ConformalCoefs, MethodUsed, OmographicParams, _functions
 
 X = np.array([0.0, 100.0, 100.0, 0.0, 40.0])
 Y = np.array([0.0, 0.0, 80.0, 80.0, 30.0])
@@ -144,6 +146,13 @@ def test_an_index_beyond_the_unknowns_is_refused(indices):
     assert not matrix.any() and not vector.any()
 
 
+@pytest.mark.parametrize("indices, error", [([0.0], TypeError), ([True], TypeError), ([0, 1], ValueError),
+                                            ([], ValueError), ([[0]], ValueError), (0, ValueError)])
+def test_every_value_has_an_index(indices, error):
+    with pytest.raises(error, match="indices has the"):
+        nuv1math.UpdateNormMatrixLowTriSparse(np.zeros(6), np.zeros(3), [1.0], indices, 2.0)
+
+
 @pytest.mark.parametrize("index", [-1, -2**31, -2**40])
 def test_a_negative_index_is_skipped_of_whatever_size(index):
     matrix, vector = np.zeros(6), np.zeros(3)
@@ -189,6 +198,18 @@ def test_arrays_of_the_library_outlive_their_names():
     gc.collect()
     part += 1.0
     assert part.sum() == 100.0 and not vector.any()
+
+
+def resident_memory():
+    """The memory of this process that is in use, in bytes."""
+    return int(pathlib.Path("/proc/self/statm").read_text(encoding="ascii").split()[1]) * resource.getpagesize()
+
+
+def test_arrays_of_the_library_are_released():
+    before = resident_memory()
+    for _ in range(500):
+        nuv1math.InitCholLowTri(300)  # 361 KB
+    assert resident_memory() - before < 50e6
 
 
 def test_deleted_arrays_cannot_be_written_but_read():
@@ -268,14 +289,11 @@ def test_a_seed_repeats_the_sequence():
     assert np.mean(scaled) == pytest.approx(10.0, abs=0.1)
 
 
-def test_threads_draw_one_after_the_other():
-    nuv1math.SetRandomSeed(5)
-    expected = sorted(nuv1math.Rand() for _ in range(20000))
-    nuv1math.SetRandomSeed(5)
-    drawn = []
-    threads = [threading.Thread(target=lambda: drawn.extend([nuv1math.Rand() for _ in range(5000)])) for _ in range(4)]
-    for thread in threads:
-        thread.start()
-    for thread in threads:
-        thread.join()
-    assert sorted(drawn) == expected
+@pytest.mark.parametrize("name, count", [("SetRandomSeed", 1), ("Rand", 0), ("RandRange", 2), ("Randn", 0),
+                                         ("RandnScaled", 2)])
+def test_the_generator_is_locked_while_it_draws(name, count, monkeypatch):
+    locked = []
+    library = types.SimpleNamespace(**{f"nuv_{name}": lambda *_: locked.append(_functions._generator.locked())})
+    monkeypatch.setattr(_functions, "lib", library)
+    getattr(nuv1math, name)(*[1] * count)
+    assert locked == [True] and not _functions._generator.locked()
