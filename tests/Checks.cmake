@@ -46,17 +46,7 @@ endif()
 nuv_add_test(windows_exports quick Python3::Interpreter
   ${PROJECT_SOURCE_DIR}/cmake/windows/make_exports.py --check)
 
-# The binary interface is compared with the kept one, which is of x86-64. It is read from debugging information.
-if(CMAKE_SYSTEM_PROCESSOR STREQUAL "x86_64" AND CMAKE_BUILD_TYPE STREQUAL "RelWithDebInfo")
-  find_program(NUV1MATH_ABIDW abidw REQUIRED)
-  find_program(NUV1MATH_ABIDIFF abidiff REQUIRED)
-  set(abi_command ${CMAKE_COMMAND} -DABIDW=${NUV1MATH_ABIDW} -DABIDIFF=${NUV1MATH_ABIDIFF}
-    -DLIBRARY=$<TARGET_FILE:nuv1math> -DKEPT=${CMAKE_CURRENT_SOURCE_DIR}/abi.xml)
-  nuv_add_test(abi quick ${abi_command} -P ${CMAKE_CURRENT_SOURCE_DIR}/abi.cmake)
-  add_custom_target(update_abi VERBATIM
-    COMMAND ${abi_command} -DUPDATE=ON -P ${CMAKE_CURRENT_SOURCE_DIR}/abi.cmake)
-  add_dependencies(update_abi nuv1math)
-endif()
+nuv_add_abi_test(abi nuv1math ${CMAKE_CURRENT_SOURCE_DIR}/abi.xml)
 
 # The tables are what their generators make, and the exact arithmetic of the generators is that of the machine.
 if(NUV1MATH_CHECK_TABLES)

@@ -84,3 +84,19 @@ function(nuv_add_result_tests exported)
   nuv_add_test(ulps tables ${CMAKE_COMMAND} "-DEMULATOR=${emulator}" -DPROGRAM=$<TARGET_FILE:${exported}>
     -DSEEN=${PROJECT_BINARY_DIR}/ulps.txt -P ${CMAKE_CURRENT_FUNCTION_LIST_DIR}/ulps.cmake)
 endfunction()
+
+# nuv_add_abi_test(<name> <library> <kept>): the binary interface of a library is that of the file <kept>, which the target
+# update_<name> writes. It is read from debugging information, and what is kept is that of x86-64.
+function(nuv_add_abi_test name library kept)
+  if(NOT (CMAKE_SYSTEM_PROCESSOR STREQUAL "x86_64" AND CMAKE_BUILD_TYPE STREQUAL "RelWithDebInfo"))
+    return()
+  endif()
+  find_program(NUV1MATH_ABIDW abidw REQUIRED)
+  find_program(NUV1MATH_ABIDIFF abidiff REQUIRED)
+  set(compare ${CMAKE_COMMAND} -DABIDW=${NUV1MATH_ABIDW} -DABIDIFF=${NUV1MATH_ABIDIFF}
+    -DLIBRARY=$<TARGET_FILE:${library}> -DKEPT=${kept} -DTARGET=update_${name})
+  set(script ${CMAKE_CURRENT_FUNCTION_LIST_DIR}/abi.cmake)
+  nuv_add_test(${name} quick ${compare} -P ${script})
+  add_custom_target(update_${name} VERBATIM COMMAND ${compare} -DUPDATE=ON -P ${script})
+  add_dependencies(update_${name} ${library})
+endfunction()

@@ -17,5 +17,5 @@ execute_process(COMMAND ${ABIDIFF} --harmless ${KEPT} ${LIBRARY}
   OUTPUT_VARIABLE difference ERROR_VARIABLE difference RESULT_VARIABLE result)
 if(NOT result STREQUAL 0)
   message(FATAL_ERROR "The binary interface is not the one of ${KEPT}:\n${difference}"
-    "If it is meant to change, raise the major version in nuv1math.h and build the target update_abi.")
+    "If it is meant to change, raise the major version in nuv1math.h, unless it only adds, and build the target ${TARGET}.")
 endif()
