@@ -40,7 +40,9 @@ def tables(kinds, unit, show):
 def main():
     result = measured()
     versions = ", ".join(f"{name} {version}" for name, version in result["versions"].items())
-    where = paragraph(f"Measured on {result['processor']}, one thread, with {versions}.")
+    calls = [kinds["`CalcCoefs`"]["10"] for kinds in result["speed"].values()]
+    where = paragraph(f"Measured on {result['processor']}, one thread, with {versions}. A call of `CalcCoefs` with ten "
+                      f"points takes {time(min(calls))} to {time(max(calls))}.")
     write_regions("bindings/python/README.md", {
         "speed": f"{where}\n\n{tables(result['speed'], 'points', time)}",
         "accuracy": tables(result["accuracy"], "offset", lambda error: f"{error:.1e}" if error else "0")})

@@ -640,7 +640,20 @@ class Inverse:
         return self.inverse._covariances(covariance_of_source, self(control_points(points, "points")))
 
     def ellipses(self, points: npt.ArrayLike, probability: Optional[float] = None) -> Ellipses:
-        """Error ellipses of the source points that belong to exact target points. See `Fit.ellipses`."""
+        """Error ellipses of the source points that belong to exact target points.
+
+        Parameters
+        ----------
+        points : (n, 2) array_like
+            Points of the target system.
+        probability : float, optional
+            As for `Fit.ellipses`.
+
+        Returns
+        -------
+        Ellipses
+            Semi-axes in source units, and their direction.
+        """
         return self.inverse._ellipses(self.covariances(points), probability)
 
 
