@@ -5,8 +5,8 @@
 import { parseNumber, parsePair } from './numbers.mjs';
 import { wordsOfState } from './fitting.mjs';
 
-const ALL = 150;        // points up to which all rows exist
-const BEYOND = 12;      // rows above and below the visible ones
+const ALL = 40;         // points up to which all rows exist: fields take much of the time of a frame
+const BEYOND = 6;       // rows above and below the visible ones
 const FIELDS = ['name', 'x', 'y', 'X', 'Y'];
 const PARTNER = { x: 'y', X: 'Y' };
 const RESULTS = ['dX', 'dY', 'length', 'leave'];
@@ -62,7 +62,10 @@ export class PointsTable {
 
     #listen() {
         new ResizeObserver(() => (this.#height = 0)).observe(this.scroller);
-        this.scroller.addEventListener('scroll', () => this.show(this.points, this.fitting, this.chosen), { passive: true });
+        this.scroller.addEventListener('scroll', () => {
+            this.#takeHidden();
+            this.show(this.points, this.fitting, this.chosen);
+        }, { passive: true });
         this.body.addEventListener('change', (event) => this.#changed(event.target));
         this.body.addEventListener('focusin', (event) => {
             const id = this.#idOf(event.target);
@@ -171,6 +174,16 @@ export class PointsTable {
             this.#fill(this.#rows.get(points[i].id), points[i], i + 1);
         }
         this.table.setAttribute('aria-rowcount', String(points.length + 1));
+    }
+
+    // Takes what was typed into a row that goes out of sight.
+    #takeHidden() {
+        this.#look();
+        const row = document.activeElement?.closest('#points tbody tr');
+        const index = Number(row?.ariaRowIndex) - 2;
+        if (this.points.length > ALL && row && (index < this.#near[0] || index >= this.#near[1])) {
+            document.activeElement.blur();
+        }
     }
 
     #clipped([first, end]) {
