@@ -52,6 +52,12 @@ class Site(unittest.TestCase):
         stated = re.findall(r"^ \*  Limits?:", header, re.MULTILINE)
         self.assertEqual(self.pages["limits.html"].count('id="_limits'), len(stated))
 
+    def test_heads_the_limits_of_each_function_differently(self):
+        headings = [re.sub("<.*?>", "", text) for text in re.findall("<dt>(.*?)</dt>", self.pages["limits.html"])]
+        self.assertEqual(sorted(headings), sorted(set(headings)))
+        self.assertIn("nuv::Roots (polynomial)", headings)
+        self.assertIn("nuv::Roots (two unknowns)", headings)
+
     def test_needs_no_script_and_no_other_site(self):
         for name, text in self.pages.items():
             self.assertNotIn("<script", text, name)

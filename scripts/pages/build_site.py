@@ -82,6 +82,8 @@ UNNEEDED = [(re.compile(pattern, re.MULTILINE | re.DOTALL), instead) for pattern
     (r'(<td class="mdescRight">[^\n]*):\s*(?=<br)', r"\1."), # a formula follows the colon elsewhere
     (r"\\\|(?=[^<\n]*</code>)", "|"), # a document writes bars in tables so
     (r"^<dt>(?:Member|Module|Class) (<a [^\n]*?</a>)[^\n]*</dt>$", r"<dt>\1</dt>"), # arguments of functions
+    (r'^(<dt>[^\n]*group__polynomials[^\n]*nuv::Roots</a>)', r"\1 (polynomial)"), # two functions of one name
+    (r'^(<dt>[^\n]*group__linear[^\n]*nuv::Roots</a>)', r"\1 (two unknowns)"),
 )]
 
 
