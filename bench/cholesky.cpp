@@ -115,17 +115,50 @@ static double FactorChain(double n)
     return n * (n - 1) / 2;
 }
 
-template <int N> static void AddFixedSize(TContest& a_Contest, const TSystemPointer& a_pSystem)
+// Peers that know the number of unknowns when they are compiled: the factorisation, and the whole solution.
+template <int N> struct TKnownFactor
 {
-    using TMatrix = Eigen::Matrix<double, N, N>;
-    a_Contest.Peer(
-        "Eigen LLT of a fixed size", TOLERANCE, TMatrix(TMatrix::Zero()),
-        [a_pSystem](TMatrix& L)
-        {
-            L = Eigen::Map<const TMatrix>(a_pSystem->vdFull.data());
-            Eigen::LLT<Eigen::Ref<TMatrix> > Llt(L);
-        },
-        [](const TMatrix& L) { return TellTriangle(N, 1, N)(TWork(L.data(), L.data() + N * N)); });
+    static void Add(TContest& a_Contest, const TSystemPointer& a_pSystem)
+    {
+        using TMatrix = Eigen::Matrix<double, N, N>;
+        a_Contest.Peer(
+            "Eigen LLT of a fixed size", TOLERANCE, TMatrix(TMatrix::Zero()),
+            [a_pSystem](TMatrix& L)
+            {
+                L = Eigen::Map<const TMatrix>(a_pSystem->vdFull.data());
+                Eigen::LLT<Eigen::Ref<TMatrix> > Llt(L);
+            },
+            [](const TMatrix& L) { return TellTriangle(N, 1, N)(TWork(L.data(), L.data() + N * N)); });
+    }
+};
+
+template <int N> struct TKnownSystem
+{
+    static void Add(TContest& a_Contest, const TSystemPointer& a_pSystem)
+    {
+        using TVector = Eigen::Matrix<double, N, 1>;
+        a_Contest.Peer(
+            "Eigen LLT of a fixed size", TOLERANCE, TVector(TVector::Zero()),
+            [a_pSystem](TVector& x)
+            {
+                const Eigen::LLT<Eigen::Matrix<double, N, N> > Llt(
+                    Eigen::Map<const Eigen::Matrix<double, N, N> >(a_pSystem->vdFull.data()));
+                x = Llt.solve(Eigen::Map<const TVector>(a_pSystem->vdRhs.data()));
+            },
+            [](const TVector& x) { return TValues(x.data(), x.data() + N); });
+    }
+};
+
+template <template <int> class TPeer> static void AddKnown(TContest& a_Contest, const TSystemPointer& a_pSystem)
+{
+    if (a_pSystem->n == 3)
+    {
+        TPeer<3>::Add(a_Contest, a_pSystem);
+    }
+    if (a_pSystem->n == 8)
+    {
+        TPeer<8>::Add(a_Contest, a_pSystem);
+    }
 }
 
 static void AddDenseFactor(const TSystemPointer& a_pSystem)
@@ -146,14 +179,7 @@ static void AddDenseFactor(const TSystemPointer& a_pSystem)
                            Eigen::LLT<Eigen::Ref<Eigen::MatrixXd> > Llt(L);
                        }),
                 TellColumns);
-    if (n == 3)
-    {
-        AddFixedSize<3>(Factor, a_pSystem);
-    }
-    if (n == 8)
-    {
-        AddFixedSize<8>(Factor, a_pSystem);
-    }
+    AddKnown<TKnownFactor>(Factor, a_pSystem);
 #ifdef NUV_BENCH_GSL
     Factor.Peer("GSL gsl_linalg_cholesky_decomp1", TOLERANCE, vdWork,
                 OnCopy(pMatrix,
@@ -218,21 +244,6 @@ static void AddDenseSolve(const TSystemPointer& a_pSystem)
     Solve.Floors(a_pSystem->vdPacked.size(), SolveOperations(n), n + FactorChain(n));
 }
 
-// The peers of the whole solution that know the number of unknowns when they are compiled.
-template <int N> static void AddFixedSystem(TContest& a_Contest, const TSystemPointer& a_pSystem)
-{
-    using TVector = Eigen::Matrix<double, N, 1>;
-    a_Contest.Peer(
-        "Eigen LLT of a fixed size", TOLERANCE, TVector(TVector::Zero()),
-        [a_pSystem](TVector& x)
-        {
-            const Eigen::LLT<Eigen::Matrix<double, N, N> > Llt(
-                Eigen::Map<const Eigen::Matrix<double, N, N> >(a_pSystem->vdFull.data()));
-            x = Llt.solve(Eigen::Map<const TVector>(a_pSystem->vdRhs.data()));
-        },
-        [](const TVector& x) { return TValues(x.data(), x.data() + N); });
-}
-
 static void AddDenseSystem(const TSystemPointer& a_pSystem)
 {
     const int n = a_pSystem->n;
@@ -264,14 +275,7 @@ static void AddDenseSystem(const TSystemPointer& a_pSystem)
                       Eigen::LLT<Eigen::Ref<Eigen::MatrixXd> >(L).solveInPlace(x);
                   }),
               TellSolution);
-    if (n == 3)
-    {
-        AddFixedSystem<3>(Both, a_pSystem);
-    }
-    if (n == 8)
-    {
-        AddFixedSystem<8>(Both, a_pSystem);
-    }
+    AddKnown<TKnownSystem>(Both, a_pSystem);
 #ifdef NUV_BENCH_OPENCV
     Both.Peer("OpenCV hal::Cholesky64f", TOLERANCE, vdWork,
               On([n, iStep](double* a_vdMatrix, double* a_vdVector)
