@@ -22,7 +22,11 @@ set(CPACK_COMPONENTS_ALL runtime runtime_c devel python tools doc)
 set(CPACK_COMPONENTS_GROUPING IGNORE)
 set(CPACK_DEBIAN_ENABLE_COMPONENT_DEPENDS ON)
 set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
-set(CPACK_DEBIAN_PACKAGE_MAINTAINER "nuv1math maintainers <maintainers@nuv1math.example>")
+# The field Maintainer must have an address. The project has none yet; in the domain `example` nobody can have one. Whoever
+# gives packages away sets his own.
+set(NUV1MATH_MAINTAINER "nuv1math maintainers <maintainers@nuv1math.example>" CACHE STRING
+  "Name and address of the maintainer of Debian packages")
+set(CPACK_DEBIAN_PACKAGE_MAINTAINER "${NUV1MATH_MAINTAINER}")
 set(CPACK_DEBIAN_PACKAGE_SOURCE nuv1math)
 set(CPACK_DEBIAN_PACKAGE_CONTROL_STRICT_PERMISSION ON)
 set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
