@@ -264,11 +264,21 @@ test('numbers are written as in the reports', () => {
     assert.equal(engine.number(NaN), 'nan');
 });
 
+test('a lack of memory is told', async () => {
+    const large = 0xFFF00000;
+    for (const allocating of [({ allocate }) => allocate(large), ({ read }) => read(0, large, 0, 0)]) {
+        await loadEngine(readFileSync(env.NUV_GEOREFERENCE_MODULE));
+        assert.throws(() => allocating(instances.at(-1).exports), new EngineError('georeference: not enough memory'));
+    }
+});
+
 test('100000 fits leave the memory as it was, and so do 10000 with their reports', () => {
     const points = makePoints(5);
+    assert.throws(() => engine.fit([]), EngineError); // which makes an instance
+    const used = instances.at(-1);
     engine.fit(points);
     const count = instances.length;
-    const { memory, allocate, fit } = instances.at(-1).exports;
+    const { memory, allocate, fit } = used.exports;
     const size = memory.buffer.byteLength;
     for (let i = 0; i < 10000; ++i) {
         engine.fit(points, { quick: true });

@@ -8,6 +8,8 @@
 
 #include "failure.h"
 
+#include <new>
+
 extern "C" {
 
 __attribute__((import_module("georeference"), import_name("fail"), noreturn)) void FailOutside(const char* a_szText,
@@ -22,9 +24,14 @@ void Fail(const std::string& a_szPlace, const std::string& a_szWhat)
     FailOutside(szText.data(), szText.size());
 }
 
+// Makes no string, for which there would be no memory.
 void FailForMemory()
 {
-    Fail("georeference", "not enough memory");
+    static const char szText[] = "georeference: not enough memory";
+    FailOutside(szText, sizeof szText - 1);
 }
+
+// Without exceptions the operator new would return null.
+static const std::new_handler g_Previous = std::set_new_handler(FailForMemory);
 
 } // namespace fitpoints
