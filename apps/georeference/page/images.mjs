@@ -2,11 +2,17 @@
 // Copyright (c) 2026 the nuv1math authors
 // SPDX-License-Identifier: MIT
 
-function decoded(url) {
+// Width and height of the stored pixels. Programs that place images know nothing of the orientation that a camera notes
+// beside them; without it the browser tells the size only of an image that is laid out.
+function sizeOf(url) {
     return new Promise((resolve, reject) => {
         const image = new Image();
-        image.style.imageOrientation = 'none';
-        image.onload = () => resolve(image);
+        image.className = 'measured';
+        image.onload = () => {
+            document.body.append(image);
+            resolve([image.width, image.height]);
+            image.remove();
+        };
         image.onerror = () => reject(new Error('not decoded'));
         image.src = url;
     });
@@ -16,11 +22,11 @@ function decoded(url) {
 export async function loadImage(name, blob) {
     const url = URL.createObjectURL(blob);
     try {
-        const image = await decoded(url);
-        if (image.naturalWidth === 0) {
+        const [width, height] = await sizeOf(url);
+        if (width === 0) {
             throw new Error('without size');
         }
-        return { name, blob, url, width: image.naturalWidth, height: image.naturalHeight };
+        return { name, blob, url, width, height };
     } catch {
         URL.revokeObjectURL(url);
         throw new Error(`${name}: this browser cannot show this image (${blob.type || 'of unknown type'}). `

@@ -282,26 +282,36 @@ export class View {
         if (!this.#handles.has(id)) {
             const element = svgElement('g', { class: 'point', tabindex: 0, role: 'button', 'data-id': id,
                 'aria-roledescription': 'control point' }, this.layers.points);
-            this.#handles.set(id, { element, symbol: svgElement('path', {}, element), text: null });
+            this.#handles.set(id, { element, symbol: svgElement('path', {}, element), text: null, drawn: {} });
         }
         return this.#handles.get(id);
     }
 
     #drawPoint(handle, { x, y, point }, name) {
-        const { element, symbol } = handle;
-        setAttribute(element, 'transform', `translate(${x.toFixed(1)} ${y.toFixed(1)})`);
-        if (element.dataset.state !== point.state) {
+        const { element, symbol, drawn } = handle;
+        const place = `translate(${x.toFixed(1)} ${y.toFixed(1)})`;
+        if (drawn.place !== place) {
+            element.setAttribute('transform', place);
+        }
+        if (drawn.state !== point.state) {
             element.dataset.state = point.state;
             symbol.setAttribute('d', SYMBOLS[point.state]);
         }
-        setAttribute(element, 'data-number', String(point.number));
-        element.toggleAttribute('data-chosen', point.chosen);
+        if (drawn.number !== point.number || drawn.chosen !== point.chosen) {
+            element.dataset.number = point.number;
+            element.toggleAttribute('data-chosen', point.chosen);
+        }
+        handle.drawn = { place, state: point.state, number: point.number, chosen: point.chosen };
+        this.#drawName(handle, name);
+    }
+
+    #drawName(handle, name) {
         if (name === undefined) {
             handle.text?.remove();
             handle.text = null;
             return;
         }
-        handle.text ??= svgElement('text', { 'aria-hidden': 'true' }, element);
+        handle.text ??= svgElement('text', { 'aria-hidden': 'true' }, handle.element);
         setAttribute(handle.text, 'x', String(9 * name.side));
         setAttribute(handle.text, 'y', '-6');
         setAttribute(handle.text, 'text-anchor', name.side > 0 ? 'start' : 'end');
