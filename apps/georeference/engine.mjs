@@ -10,9 +10,10 @@
 //     bytes of the file in a Uint8Array, which may be no UTF-8.
 // engine.fit(points, options) -> the object of `fitpoints --json`
 //     Points as read gives them; all but the coordinates may be missing. Options, with their defaults: method 'auto' (or
-//     'richest', 'conformal', 'affine', 'omographic'), robust false, mirrored false, raw false, file 'points', kind 'csv',
-//     crs '', unread []. quick true: no search for blunders, which takes most of the time for 20 to 500 points. Then
-//     `suspects` is empty; all else is the same unless robust is true. Everything below is about the last fit.
+//     'richest', 'conformal', 'affine', 'omographic'), level 0.01, robust false, mirrored false, raw false, file
+//     'points', kind 'csv', crs '', unread []. quick true: no search for blunders, which takes most of the time for 20 to
+//     500 points. Then `level` is 0 and `suspects` is empty; all else is the same unless robust is true. Everything below
+//     is about the last fit.
 // engine.transform(xs, ys), engine.inverse(xs, ys) -> {xs, ys, beyond}
 //     Arrays of numbers give Float64Arrays: target coordinates of source points, and back; NaN where there are none.
 //     beyond (Uint8Array) is 1 for a source point beyond the line that an omographic transformation takes to infinity:
@@ -38,7 +39,7 @@
 
 const INT = 4;
 const DOUBLE = 8;
-const OPTION_BITS = { mirrored: 1, raw: 2, robust: 4, quick: 8 }; // enumOption of engine.cpp
+const OPTION_BITS = { mirrored: 1, raw: 2, robust: 4 }; // enumOption of engine.cpp
 const KINDS = ['csv', 'qgis', 'gcp']; // enumFileKind of points.h
 const EXPORTS = {
     points: 'exportPoints', csv: 'exportCsv', world: 'exportWorld', gcp: 'exportGcp', proj: 'exportProj',
@@ -87,13 +88,14 @@ class Engine {
     }
 
     fit(points, options = {}) {
-        const { method = 'auto', file = 'points', kind = 'csv', crs = '', unread = [] } = options;
+        const { method = 'auto', file = 'points', kind = 'csv', crs = '', unread = [], quick = false } = options;
         const texts = [method, file, kind, crs, ...points.map((point) => point.name), ...unread];
         const numbers = points.flatMap(({ x, y, X, Y }) => [x, y, X, Y]);
         const marks = points.flatMap((point, i) => [point.line ?? i + 1, point.check ? 1 : 0]);
         const bits = Object.keys(OPTION_BITS).filter((name) => options[name]).map((name) => OPTION_BITS[name]);
         const sum = bits.reduce((all, bit) => all + bit, 0);
-        const input = { texts: texts.map((text) => `${line(text)}\n`).join(''), numbers, marks, bits: sum };
+        const level = quick ? 0 : options.level ?? NaN;
+        const input = { texts: texts.map((text) => `${line(text)}\n`).join(''), numbers, marks, bits: sum, level };
         this.#input = null;
         const report = this.#run(() => {
             this.#fit(input);
@@ -138,8 +140,8 @@ class Engine {
         return this.#run((functions) => this.#result(functions.numberText(value, digits)));
     }
 
-    #fit({ texts, numbers, marks, bits }) {
-        this.#functions.fit(...this.#text(texts), marks.length / 2, this.#doubles(numbers), this.#ints(marks), bits);
+    #fit({ texts, numbers, marks, bits, level }) {
+        this.#functions.fit(...this.#text(texts), marks.length / 2, this.#doubles(numbers), this.#ints(marks), bits, level);
         this.#fitted = true;
     }
 

@@ -98,6 +98,15 @@ test('the object of a fit has the bits of the JSON', () => {
     assert.deepEqual(fitFile(SAMPLE), JSON.parse(fitpoints(SAMPLE, '--json').out));
 });
 
+test('the level of the test of blunders', () => {
+    const file = write('level.csv', `x,y,X,Y\n${makePoints(12).map(({ x, y, X, Y }) => `${x},${y},${X},${Y}\n`).join('')}`);
+    for (const level of [0.5, 1e-30]) {
+        fitFile(file, { level });
+        assertSame(engine.json(), fitpoints(file, '--json', '--level', level).out, level);
+    }
+    assert.throws(() => fitFile(file, { level: 1 }), new EngineError('level: 1 is not between 0 and 1'));
+});
+
 test('the report as text', () => {
     for (const method of METHODS) {
         fitFile(SAMPLE, { method });
@@ -242,7 +251,7 @@ test('the quick fit leaves out the search for blunders and nothing else', () => 
     assert.equal(full.suspects[0].point, 4);
     const quick = engine.fit(points, { quick: true });
     assert.deepEqual(quick, {
-        ...full, suspects: [], points: full.points.map((point) => ({ ...point, suspect: false })),
+        ...full, level: 0, suspects: [], points: full.points.map((point) => ({ ...point, suspect: false })),
     });
 });
 
@@ -290,7 +299,7 @@ test('100000 fits leave the memory as it was, and so do 10000 with their reports
     new Float64Array(memory.buffer, numbersAt, 4 * points.length).set(points.flatMap(({ x, y, X, Y }) => [x, y, X, Y]));
     new Int32Array(memory.buffer, marksAt, 2 * points.length).fill(0);
     for (let i = 0; i < 100000; ++i) {
-        fit(textsAt, texts.length, points.length, numbersAt, marksAt, 0);
+        fit(textsAt, texts.length, points.length, numbersAt, marksAt, 0, 0.01);
     }
     assert.equal(memory.buffer.byteLength, size);
     assert.equal(instances.length, count);

@@ -141,6 +141,17 @@ static void CheckPoint(const TPoints& a_Points, std::size_t a_iIndex)
     }
 }
 
+// The usual level for NaN; 0 for no test of blunders.
+static double Level(double a_dLevel)
+{
+    const double dLevel = std::isnan(a_dLevel) ? judgement::USUAL_LEVEL : a_dLevel;
+    if (!(dLevel >= 0 && dLevel < 1))
+    {
+        Fail("level", Brief(dLevel) + " is not between 0 and 1");
+    }
+    return dLevel;
+}
+
 static void CheckCrs(const std::string& a_szCrs)
 {
     if (!a_szCrs.empty() && a_szCrs.compare(0, 4, "#CRS") != 0)
@@ -154,22 +165,21 @@ enum enumOption
 {
     OPTION_MIRRORED = 1,
     OPTION_RAW = 2,
-    OPTION_ROBUST = 4,
-    OPTION_QUICK = 8 // no test of blunders
+    OPTION_ROBUST = 4
 };
 
 // Fits points and keeps them with the transformation. The texts: method, file, its kind, the line of its target system,
 // the name of each point, and the columns that were not read. a_vdNumbers has x, y, X and Y of each point, a_viMarks its
-// line and whether it is a check point.
+// line and whether it is a check point. a_dLevel is that of the
+// test of blunders.
 ENGINE_EXPORT("fit")
 void Fit(const char* a_szTexts, std::size_t a_iTexts, std::size_t a_iCount, const double* a_vdNumbers,
-         const int* a_viMarks, int a_iOptions)
+         const int* a_viMarks, int a_iOptions, double a_dLevel)
 {
     g_Fit.reset();
     TTexts Texts = {a_szTexts, a_szTexts + a_iTexts};
     const judgement::TOptions Options = {MethodByName(TakeText(Texts)), a_iOptions & OPTION_MIRRORED,
-                                         a_iOptions & OPTION_RAW, a_iOptions & OPTION_ROBUST,
-                                         (a_iOptions & OPTION_QUICK) != 0 ? 0 : judgement::USUAL_LEVEL};
+                                         a_iOptions & OPTION_RAW, a_iOptions & OPTION_ROBUST, Level(a_dLevel)};
     g_Points = {TakeText(Texts), KindByName(TakeText(Texts)), TakeText(Texts), {}, {}};
     for (std::size_t i = 0; i < a_iCount; ++i)
     {
