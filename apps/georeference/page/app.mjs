@@ -234,7 +234,8 @@ export class App {
         this.#note('target', [targetImage === null ? 'map coordinates' : targetImage.name,
             ...targetImage === null ? [] : [place === null ? 'in its pixels' : 'placed by its world file'],
             ...crs === '' ? [] : [crs.replace(/^#CRS:\s*/, '')]].join(', '));
-        document.querySelectorAll('[data-export]').forEach((button) => (button.disabled = this.fitting.report === null));
+        const isMissing = this.fitting.report === null;
+        document.querySelectorAll('[data-export]').forEach((button) => (button.disabled = isMissing));
         this.showBlend();
     }
 
@@ -278,7 +279,8 @@ export class App {
         const where = position === null ? 'no place yet' : position.join(', ');
         const result = this.fitting.of(id);
         const residual = result === null ? '' : `, residual ${this.fitting.number(result.length)}`;
-        return `Point ${index + 1} ${point.name}, ${side} ${where}${residual}, ${wordsOfState(this.fitting.stateOf(point))}`;
+        const state = wordsOfState(this.fitting.stateOf(point));
+        return `Point ${index + 1} ${point.name}, ${side} ${where}${residual}, ${state}`;
     }
 
     #keep() {
@@ -295,8 +297,8 @@ export class App {
             const image = this.document[side];
             if (image !== this.#keptImages[side]) {
                 this.#keptImages[side] = image;
-                await keepImage(side, image).catch((error) => this.messages.show(
-                    `The ${IMAGES[side]} image is not kept for the next time, open it again then: ${error.message}`, true));
+                await keepImage(side, image).catch(({ message }) => this.messages.show(
+                    `The ${IMAGES[side]} image is not kept, open it again the next time: ${message}`, true));
             }
         }
     }

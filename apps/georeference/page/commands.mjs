@@ -7,6 +7,9 @@ import { loadImage } from './images.mjs';
 import { SAMPLE_PLACE, sampleMap, sampleScan } from './sample.mjs';
 import { EMPTY } from './store.mjs';
 
+// What the engine's reasons mean here.
+const HINTS = { world: ' (here: choose it at "Kind")', proj: ' (here: choose it at "Kind")' };
+
 function element(id) {
     return document.getElementById(id);
 }
@@ -135,7 +138,11 @@ export class Commands {
     // ---- saving ----
 
     #save(what) {
-        return this.#tell(() => `Saved ${saveResult(this.app.engine, what, this.app.document)}`);
+        try {
+            this.messages.show(`Saved ${saveResult(this.app.engine, what, this.app.document)}`);
+        } catch (error) {
+            this.messages.show(error.message + (HINTS[what] ?? ''), true);
+        }
     }
 
     // ---- steps and settings ----

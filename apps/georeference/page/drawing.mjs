@@ -4,6 +4,7 @@
 
 const SVG = 'http://www.w3.org/2000/svg';
 const HEAD = 7;         // pixels, length of the head of an arrow
+const WING = 0.45;      // of this length, half the width of the head
 export const LETTER = 7;       // pixels, about the width of a letter
 const LINE = 13;        // pixels, height of a name
 
@@ -38,20 +39,22 @@ export function arrowPath(x, y, dx, dy) {
     }
     const head = Math.min(HEAD, length) / length;
     const [ux, uy] = [dx * head, dy * head];
-    const wing = (side) => `${(x + dx - ux - side * uy * 0.45).toFixed(1)} ${(y + dy - uy + side * ux * 0.45).toFixed(1)}`;
-    const tip = `${(x + dx).toFixed(1)} ${(y + dy).toFixed(1)}`;
-    return `M${x.toFixed(1)} ${y.toFixed(1)}L${tip}M${wing(1)}L${tip}L${wing(-1)}`;
+    const place = (px, py) => `${px.toFixed(1)} ${py.toFixed(1)}`;
+    const wing = (side) => place(x + dx - ux - side * uy * WING, y + dy - uy + side * ux * WING);
+    const tip = place(x + dx, y + dy);
+    return `M${place(x, y)}L${tip}M${wing(1)}L${tip}L${wing(-1)}`;
 }
 
-// Which names have room: each {x, y, text} gets `side`, 1 to the right of its point, -1 to the left, 0 for no room. The first
-// ones come first.
+// Which names have room: each {x, y, text} gets `side`, 1 to the right of its point, -1 to the left, 0 for no room. The
+// first ones come first.
 export function placeNames(names, room) {
     const taken = [];
     for (const name of names) {
         const width = name.text.length * LETTER;
         name.side = [1, -1].find((side) => {
             const [low, high] = side > 0 ? [name.x + 9, name.x + 9 + width] : [name.x - 9 - width, name.x - 9];
-            const isFree = low > 0 && high < room && !taken.some((box) => low < box.high && high > box.low && Math.abs(box.y - name.y) < LINE);
+            const isFree = low > 0 && high < room && !taken.some((box) => low < box.high && high > box.low
+                && Math.abs(box.y - name.y) < LINE);
             if (isFree) {
                 taken.push({ low, high, y: name.y });
             }

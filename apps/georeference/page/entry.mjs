@@ -61,8 +61,8 @@ export class Entry {
             return;
         }
         const input = [this.first, this.second][missing];
-        const isEmpty = input.value.trim() === '';
-        element('entry-error').textContent = isEmpty ? '' : `'${input.value}' is not a number for ${this.names[missing]}`;
+        element('entry-error').textContent = input.value.trim() === '' ? ''
+            : `'${input.value}' is not a number for ${this.names[missing]}`;
         input.focus();
     }
 }

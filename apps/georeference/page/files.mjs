@@ -52,8 +52,8 @@ export class Opener {
         this.store = store;
     }
 
-    // Opens files of any kind. side: 'source' or 'target' for images that belong there, else null. Returns what happened, a
-    // sentence each; failures are {failed: text}.
+    // Opens files of any kind. side: 'source' or 'target' for images that belong there, else null. Returns what
+    // happened, a sentence each; failures are {failed: text}.
     async open(files, side) {
         const told = [];
         for (const file of files) {
@@ -74,10 +74,11 @@ export class Opener {
         if (file.size > LARGEST) {
             throw new Error(`${file.name}: larger than 256 MiB`);
         }
-        const text = await file.text();
-        return kind === 'world' ? this.#openWorldFile(file.name, text) : this.openPoints(file.name, text);
+        return kind === 'world' ? this.#openWorldFile(file.name, await file.text())
+            : this.openPoints(file.name, new Uint8Array(await file.arrayBuffer()));
     }
 
+    // text: a string, or the bytes of a file.
     openPoints(name, text) {
         const read = this.engine.read(name, text);
         if (read.points.length === 0) {
@@ -86,7 +87,7 @@ export class Opener {
         this.store.open(name, read);
         const unread = read.unread.length > 0 ? ` Not read: the columns ${read.unread.join(', ')}.` : '';
         const isAbove = read.kind === 'csv' && read.points.every((point) => point.y < 0);
-        const above = isAbove ? ' All y are negative: if they count rows as QGIS does, choose so at "Source pixels".' : '';
+        const above = isAbove ? ' All y are negative: if they are minus the row, choose so at "Source pixels".' : '';
         return `${name}: ${read.points.length} points.${unread}${above}`;
     }
 

@@ -40,8 +40,8 @@ export class Fitting {
         this.error = '';
     }
 
-    // Fits anew if the document has changed in what the fit depends on. isHasty: another change follows at once. Then a fit
-    // that takes long leaves out the search for blunders most of the time, and the last ones found stand.
+    // Fits anew if the document has changed in what the fit depends on. isHasty: another change follows at once. Then a
+    // fit that takes long leaves out the search for blunders most of the time, and the last ones found stand.
     update(document, isHasty = false) {
         const isNew = this.#document === null || INPUTS.some((key) => this.#document[key] !== document[key]);
         if (!isNew && (isHasty || !this.#isQuick)) {
@@ -113,8 +113,8 @@ export class Fitting {
         return value === null || value === undefined ? '' : this.engine.number(value, 6);
     }
 
-    // Images of source positions. null for one that has none, as all of them without a transformation, or that is beyond the
-    // line to infinity.
+    // Images of source positions. null for one that has none, as all of them without a transformation, or that is
+    // beyond the line to infinity.
     images(positions) {
         const { xs, ys, beyond } = this.engine.transform(...columns(positions));
         return positions.map((_, i) => beyond[i] === 0 && Number.isFinite(xs[i]) ? [xs[i], ys[i]] : null);

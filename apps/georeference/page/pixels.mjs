@@ -2,8 +2,8 @@
 // Copyright (c) 2026 the nuv1math authors
 // SPDX-License-Identifier: MIT
 
-// Six numbers a, b, c, d, e, f: x = a p + b q + c, y = d p + e q + f for p pixels to the right and q down, from the outer
-// corner of the image. The engine knows how each kind of file counts.
+// Six numbers a, b, c, d, e, f: x = a p + b q + c, y = d p + e q + f for p pixels to the right and q down, from the
+// outer corner of the image. The engine knows how each kind of file counts.
 export function placeOfPixels(engine, kind) {
     const { xs, ys } = engine.fromPixels(kind, [0, 1, 0], [0, 0, 1]);
     return [xs[1] - xs[0], xs[2] - xs[0], xs[0], ys[1] - ys[0], ys[2] - ys[0], ys[0]];
@@ -23,7 +23,8 @@ export function placeOfWorldFile([a, d, b, e, x, y]) {
 export function readWorldFile(name, text) {
     const lines = text.trimEnd().split(/\r?\n/);
     if (lines.length !== 6) {
-        throw new Error(`${name}:${Math.min(lines.length, 7)}: a world file has six lines, this one has ${lines.length}`);
+        const line = Math.min(lines.length, 7);
+        throw new Error(`${name}:${line}: a world file has six lines, this one has ${lines.length}`);
     }
     return lines.map((line, index) => {
         const value = Number(line);

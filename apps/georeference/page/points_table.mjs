@@ -143,7 +143,8 @@ export class PointsTable {
 
     // ---- drawing ----
 
-    // The height of a row, which the style sheet fixes. Asking for it makes the browser arrange the page, so it is kept.
+    // The height of a row, which the style sheet fixes. Asking for it makes the browser arrange the page, so it is
+    // kept.
     #rowHeight() {
         if (this.#height === 0 && this.#rows.size > 0) {
             this.#height = this.#rows.values().next().value.row.offsetHeight;
@@ -191,7 +192,8 @@ export class PointsTable {
         return [start, Math.min(end, this.points.length)];
     }
 
-    // Makes the rows that are missing and removes those that are out of sight. A row keeps its fields while it is there.
+    // Makes the rows that are missing and removes those that are out of sight. A row keeps its fields while it is
+    // there.
     #arrange(wanted, countAbove, countBelow) {
         const height = this.#rowHeight();
         const keep = new Set(wanted.map((point) => point.id));

@@ -9,8 +9,11 @@ const CHOICES = {
     poorer_as_good: 'a richer kind predicts no better',
     not_judged: 'nothing can be judged by leave-one-out',
 };
-const PARAMETERS = [['sx', 'scale x', 1], ['sy', 'scale y', 1], ['rotation', 'rotation', 180 / Math.PI],
-    ['skew', 'skew', 180 / Math.PI]];
+const DEGREES = 180 / Math.PI;
+const PARAMETERS = [['sx', 'scale x', 1, ''], ['sy', 'scale y', 1, ''], ['rotation', 'rotation', DEGREES, '°'],
+    ['skew', 'skew', DEGREES, '°']];
+
+const NO_POINTS = 'No transformation yet: two points give a conformal one, three an affine, four an omographic one.';
 
 function element(id) {
     return document.getElementById(id);
@@ -38,14 +41,15 @@ function fillList(list, texts) {
 export function verdict(fitting, complete) {
     const { report, error } = fitting;
     if (report === null) {
-        return complete === 0 ? 'No transformation yet: two points give a conformal one, three an affine, four an omographic one.'
-            : error;
+        return complete === 0 ? NO_POINTS : error;
     }
-    const rms = report.rms === null ? 'no redundancy, so nothing checks it' : `RMS ${fitting.number(report.rms)} target units`;
+    const rms = report.rms === null ? 'no redundancy, so nothing checks it'
+        : `RMS ${fitting.number(report.rms)} target units`;
     const count = report.suspects.length;
     const suspects = count === 0 ? 'no suspected blunder' : `${count} suspected blunder${count > 1 ? 's' : ''}: `
         + `${report.suspects.slice(0, 5).map(label).join(', ')}${count > 5 ? ', …' : ''}`;
-    return `The ${report.mirrored ? 'mirrored ' : ''}${report.kind} transformation of ${report.n} points: ${rms}; ${suspects}.`;
+    const kind = report.mirrored ? `mirrored ${report.kind}` : report.kind;
+    return `${kind[0].toUpperCase()}${kind.slice(1)} transformation of ${report.n} points: ${rms}; ${suspects}.`;
 }
 
 export class ResultPanel {
@@ -83,9 +87,10 @@ export class ResultPanel {
 
     #showKind(row, kind, report) {
         const greatest = kind.greatest_leave_one_out;
-        const values = kind.missing !== null ? [[kind.missing, 'why']] : [[kind.coefficients], [kind.degrees_of_freedom],
-            [kind.rms], ...kind.not_judged !== null ? [[kind.not_judged, 'why']]
-                : [[kind.leave_one_out_rms], [greatest?.length ?? null], [greatest ? label(greatest) : '', 'why']]];
+        const judged = kind.not_judged !== null ? [[kind.not_judged, 'why']]
+            : [[kind.leave_one_out_rms], [greatest?.length ?? null], [greatest ? label(greatest) : '', 'why']];
+        const values = kind.missing !== null ? [[kind.missing, 'why']]
+            : [[kind.coefficients], [kind.degrees_of_freedom], [kind.rms], ...judged];
         row.dataset.kind = kind.kind;
         row.classList.toggle('taken', kind.kind === report.kind);
         row.ariaCurrent = String(kind.kind === report.kind);
@@ -107,7 +112,8 @@ export class ResultPanel {
         const texts = (report?.suspects ?? []).map((suspect) => `${label(suspect)}, point ${suspect.point}: residual `
             + `${this.fitting.number(suspect.length)}, suspect under the ${suspect.under_kind} kind`
             + (suspect.dropped === null ? '' : `, dropped as number ${suspect.dropped}`));
-        fillList(element('suspects'), report === null ? [] : texts.length > 0 ? texts : [`none, at the level ${level}`]);
+        const none = report === null ? [] : [`none, at the level ${level}`];
+        fillList(element('suspects'), texts.length > 0 ? texts : none);
     }
 
     #showWarnings(report) {
@@ -139,9 +145,9 @@ export class ResultPanel {
         const { largest_residual: largest, parameters } = report;
         const number = (value) => this.fitting.number(value);
         const check = report.check_rms === null ? [] : [['check RMS', number(report.check_rms), report.check_rms]];
-        const shape = parameters === null
-            ? [['scale, rotation', report.kind === 'omographic' ? 'change from point to point' : 'a scale counts as zero']]
-            : PARAMETERS.map(([key, name, factor]) => [name, number(parameters[key] * factor) + (factor === 1 ? '' : '°'),
+        const without = report.kind === 'omographic' ? 'change from point to point' : 'a scale counts as zero';
+        const shape = parameters === null ? [['scale, rotation', without]]
+            : PARAMETERS.map(([key, name, factor, unit]) => [name, number(parameters[key] * factor) + unit,
                 parameters[key]]);
         return [
             ['chosen by', CHOICES[report.choice] ?? report.choice],

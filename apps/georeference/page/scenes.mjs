@@ -57,7 +57,7 @@ export class Scenes {
         const { sourceImage, targetImage, points } = this.document;
         const isTarget = side === 'target';
         const shown = points.map((point, index) => this.#shown(point, index, side, chosen));
-        const fitted = shown.filter(({ state, arrow }) => arrow !== null && (state === 'fitted' || state === 'suspect'));
+        const fitted = shown.filter(({ state, arrow }) => arrow !== null && ['fitted', 'suspect'].includes(state));
         return {
             points: shown,
             image: isTarget ? targetImage : sourceImage,
@@ -96,7 +96,8 @@ export class Scenes {
         return own === null ? NOTHING : sensible(withWarped, own);
     }
 
-    // Whether y is drawn downwards: as the rows of the image; without one, if the transformation reverses the orientation.
+    // Whether y is drawn downwards: as the rows of the image; without one, if the transformation reverses the
+    // orientation.
     isDown(side) {
         const { targetImage, place } = this.document;
         if (side === 'target') {

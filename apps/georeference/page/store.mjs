@@ -110,6 +110,7 @@ export class Store {
     // Takes what the engine has read from a file.
     open(name, read) {
         const points = read.points.map((point, index) => ({ ...point, id: index + 1 }));
-        this.change({ file: name, kind: read.kind, crs: read.crs, unread: read.unread, points, nextId: points.length + 1 });
+        const { kind, crs, unread } = read;
+        this.change({ file: name, kind, crs, unread, points, nextId: points.length + 1 });
     }
 }

@@ -19,8 +19,9 @@ const ARROWS = { ArrowLeft: [-1, 0], ArrowRight: [1, 0], ArrowUp: [0, -1], Arrow
 const ARROW_CLASS = { fitted: 'fitted', suspect: 'suspect', dropped: 'other', check: 'other' };
 const EMPTY_SCENE = { points: [], image: null, place: null, cells: [], warped: null, longest: 0, units: '' };
 
-// The actions: add(position, isTouch); isAwaited(), whether a chosen point lacks its place here; choose(id), dragStart(id), move(id, position), dragEnd(isCancelled), remove(id),
-// hover(position), changed() when the viewport is another one.
+// The actions: add(position, isTouch); isAwaited(), whether a chosen point lacks its place here; choose(id),
+// dragStart(id), move(id, position), dragEnd(isCancelled), remove(id), hover(position), changed() when the viewport is
+// another one.
 export class View {
     #handles = new Map();
     #spots = [];
@@ -40,11 +41,15 @@ export class View {
     }
 
     #makeLayers() {
-        const path = (name, parent = this.svg) => svgElement('path', { class: name }, parent);
-        this.layers = { grid: path('grid'), scales: svgElement('g', { 'aria-hidden': 'true' }, this.svg), mesh: path('mesh'),
-            outline: path('outline'), halo: path('arrows-halo'), fitted: path('arrows'), suspect: path('arrows suspect'),
-            other: path('arrows other'), points: svgElement('g', { class: 'points' }, this.svg), cross: path('cross'),
-            swipe: path('swipe'), legend: svgElement('g', { class: 'legend' }, this.svg) };
+        const path = (name) => svgElement('path', { class: name }, this.svg);
+        const group = (name) => svgElement('g', { class: name }, this.svg);
+        this.layers = {
+            grid: path('grid'), scales: group('scales'), mesh: path('mesh'), outline: path('outline'),
+            halo: path('arrows-halo'), fitted: path('arrows'), suspect: path('arrows suspect'),
+            other: path('arrows other'), points: group('points'), cross: path('cross'), swipe: path('swipe'),
+            legend: group('legend'),
+        };
+        this.layers.scales.setAttribute('aria-hidden', 'true');
         const legend = this.layers.legend;
         this.legendBox = svgElement('rect', { height: 20, rx: 3 }, legend);
         svgElement('path', { d: `M6 6v8M6 10h${BAR}m0-4v8` }, legend);
@@ -54,7 +59,7 @@ export class View {
     #listen() {
         new Gestures(this.svg, {
             pick: (x, y, isTouch) => this.#nearest(x, y, isTouch ? NEAR.touch : NEAR.mouse),
-            tap: (x, y, id, isTouch) => id === null || this.actions.isAwaited() ? this.actions.add(this.position(x, y), isTouch) : this.#choose(id),
+            tap: (x, y, id, isTouch) => this.#tap(x, y, id, isTouch),
             dragStart: (id) => this.#startDrag(id),
             drag: (id, dx, dy) => this.actions.move(id, this.position(this.#grab.x + dx, this.#grab.y + dy)),
             dragEnd: (_, isCancelled) => this.actions.dragEnd(isCancelled),
@@ -108,6 +113,14 @@ export class View {
             }
         }
         return found;
+    }
+
+    #tap(x, y, id, isTouch) {
+        if (id === null || this.actions.isAwaited()) {
+            this.actions.add(this.position(x, y), isTouch);
+        } else {
+            this.#choose(id);
+        }
     }
 
     #choose(id) {
@@ -184,8 +197,8 @@ export class View {
 
     // ---- drawing ----
 
-    // The scene: points as {id, number, name, state, place, arrow, chosen}; image and its place; cells of the warped mesh;
-    // warped as {image, place, frame}; longest: the longest arrow; units of the arrows.
+    // The scene: points as {id, number, name, state, place, arrow, chosen}; image and its place; cells of the warped
+    // mesh; warped as {image, place, frame}; longest: the longest arrow; units of the arrows.
     draw(scene) {
         this.scene = { ...EMPTY_SCENE, ...scene };
         this.#drawImages();
@@ -202,7 +215,8 @@ export class View {
         const { image, place, warped } = this.scene;
         this.#showImage(this.base, image, () => stylePlaced(place, this.viewport));
         if (this.warped !== null) {
-            this.#showImage(this.warped, warped?.image ?? null, () => styleWarped(warped.place, warped.frame, this.viewport));
+            this.#showImage(this.warped, warped?.image ?? null,
+                () => styleWarped(warped.place, warped.frame, this.viewport));
         }
     }
 
@@ -341,7 +355,8 @@ export class View {
         over.style.opacity = mode === 'fade' ? String(part) : '1';
         over.style.clipPath = mode === 'swipe' ? `inset(0 ${(1 - part) * 100}% 0 0)` : '';
         const x = Math.round(part * this.viewport.width) + 0.5;
-        setAttribute(this.layers.swipe, 'd', mode === 'swipe' && this.scene.warped !== null ? `M${x} 0V${this.viewport.height}` : '');
+        const isSwiped = mode === 'swipe' && this.scene.warped !== null;
+        setAttribute(this.layers.swipe, 'd', isSwiped ? `M${x} 0V${this.viewport.height}` : '');
     }
 }
 

@@ -6,7 +6,7 @@ const CELLS = 10; // of the mesh, across and down
 
 // The product of two matrices of three rows.
 function product(a, b) {
-    return a.map((row) => [0, 1, 2].map((column) => row[0] * b[0][column] + row[1] * b[1][column] + row[2] * b[2][column]));
+    return a.map(([x, y, z]) => [0, 1, 2].map((column) => x * b[0][column] + y * b[1][column] + z * b[2][column]));
 }
 
 // From positions that count from an origin to the screen.
@@ -22,7 +22,8 @@ function pixelMatrix([a, b, c, d, e, f], [x, y]) {
 
 // As a transformation of style sheets.
 function styleOf(matrix) {
-    const [[a, b, c], [d, e, f], [g, h, w]] = matrix.map((row) => row.map((value) => value / Math.abs(matrix[2][2] || 1)));
+    const unit = Math.abs(matrix[2][2]) || 1;
+    const [[a, b, c], [d, e, f], [g, h, w]] = matrix.map((row) => row.map((value) => value / unit));
     return `matrix3d(${[a, d, 0, g, b, e, 0, h, 0, 0, 1, 0, c, f, 0, w].join(',')})`;
 }
 
@@ -36,7 +37,8 @@ export function stylePlaced(place, viewport) {
 export function styleWarped(place, frame, viewport) {
     const { A, B, C, D, E, F, G, H } = frame.coefficients;
     const transformation = [[A, B, C], [D, E, F], [G, H, 1]];
-    return styleOf(product(viewMatrix(viewport, frame.target), product(transformation, pixelMatrix(place, frame.source))));
+    const fromPixels = product(transformation, pixelMatrix(place, frame.source));
+    return styleOf(product(viewMatrix(viewport, frame.target), fromPixels));
 }
 
 // Source positions of the nodes of a mesh over the corners, row by row.
@@ -45,7 +47,8 @@ export function meshNodes([first, second, , fourth]) {
     for (let row = 0; row <= CELLS; ++row) {
         for (let column = 0; column <= CELLS; ++column) {
             const [u, v] = [column / CELLS, row / CELLS];
-            nodes.push([0, 1].map((axis) => first[axis] + u * (second[axis] - first[axis]) + v * (fourth[axis] - first[axis])));
+            const along = (axis) => first[axis] + u * (second[axis] - first[axis]) + v * (fourth[axis] - first[axis]);
+            nodes.push([along(0), along(1)]);
         }
     }
     return nodes;
@@ -70,7 +73,8 @@ export function meshCells(images) {
 export function meshPaths(cells, viewport) {
     let [mesh, outline] = ['', ''];
     for (const { corners, row, column } of cells) {
-        const [a, b, c, d] = corners.map(([x, y]) => viewport.toScreen(x, y).map((value) => value.toFixed(1)).join(' '));
+        const place = ([x, y]) => viewport.toScreen(x, y).map((value) => value.toFixed(1)).join(' ');
+        const [a, b, c, d] = corners.map(place);
         const edge = (isOuter, from, to) => {
             const line = `M${from}L${to}`;
             isOuter ? outline += line : mesh += line;
