@@ -40,6 +40,7 @@ export class App {
     #showAll = new Set();
     #keptImages = { sourceImage: null, targetImage: null };
     #keeping = Promise.resolve();
+    #isReady = false;   // when the kept images are there
 
     constructor(engine, messages) {
         this.engine = engine;
@@ -47,6 +48,7 @@ export class App {
         this.chosen = null;
         const kept = keptDocument(EMPTY);
         this.settings = { ...SETTINGS, ...kept?.settings };
+        this.keptNames = kept?.images ?? {};
         this.store = new Store(kept?.document ?? EMPTY);
         this.fitting = new Fitting(engine);
         this.scenes = new Scenes(engine, this.fitting);
@@ -284,8 +286,11 @@ export class App {
     }
 
     #keep() {
+        if (!this.#isReady) {
+            return;
+        }
         try {
-            keepDocument(this.document, this.settings);
+            keepDocument(this.document, { ...this.settings, views: this.#frames() });
         } catch (error) {
             this.messages.show(`The points are not kept for the next time: ${error.message}`, true);
         }
@@ -303,17 +308,42 @@ export class App {
         }
     }
 
-    // Shows the images that were kept.
+    // Shows the images that were kept, and tells of those that were not.
     async showKeptImages() {
-        try {
-            const kept = await keptImages();
-            for (const [side, { name, blob }] of Object.entries(kept)) {
-                this.#keptImages[side] = await loadImage(name, blob);
+        const names = Object.entries(this.keptNames).filter(([, name]) => name !== null);
+        const kept = names.length > 0 ? await keptImages().catch(() => ({})) : {};
+        const missing = [];
+        for (const [side, name] of names) {
+            try {
+                this.#keptImages[side] = await loadImage(name, kept[side].blob);
                 this.store.document = { ...this.document, [side]: this.#keptImages[side] };
+            } catch {
+                missing.push(name);
             }
-        } catch (error) {
-            this.messages.show(`The images of the last time are not there: ${error.message}`, true);
         }
-        this.showAll('source', 'target');
+        if (missing.length > 0) {
+            this.messages.show(`Not kept since the last time, to be opened again: ${missing.join(', ')}`, true);
+        }
+        this.#isReady = true;
+        this.#showFrames();
+    }
+
+    // What the views show, as the next visit takes it.
+    #frames() {
+        const frame = ({ x, y, scale, whole, stretch, down }) => ({ x, y, scale, whole, stretch, down });
+        return Object.fromEntries(Object.entries(this.views).map(([side, { viewport }]) => [side, frame(viewport)]));
+    }
+
+    #showFrames() {
+        const { views } = this.settings;
+        const isKept = Object.keys(this.views).every((side) => ['x', 'y', 'scale', 'whole', 'stretch']
+            .every((name) => Number.isFinite(views?.[side]?.[name]) && views[side].scale > 0));
+        if (isKept) {
+            this.#showAll.clear();
+            Object.entries(this.views).forEach(([side, { viewport }]) => Object.assign(viewport, views[side]));
+            this.redraw();
+        } else {
+            this.showAll('source', 'target');
+        }
     }
 }

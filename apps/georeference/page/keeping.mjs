@@ -20,10 +20,11 @@ async function imageTable(mode) {
     return database.transaction(IMAGES, mode).objectStore(IMAGES);
 }
 
-// Keeps points and settings. Throws if the browser refuses.
+// Keeps points, settings and the names of the images. Throws if the browser refuses.
 export function keepDocument(document, settings) {
     const kept = { ...document, sourceImage: null, targetImage: null };
-    localStorage.setItem(KEY, JSON.stringify({ document: kept, settings }));
+    const images = Object.fromEntries(IMAGE_SIDES.map((side) => [side, document[side]?.name ?? null]));
+    localStorage.setItem(KEY, JSON.stringify({ document: kept, settings, images }));
 }
 
 function isPoint({ id, name, check, x, y, X, Y }) {
@@ -40,8 +41,8 @@ function isDocument(kept, empty) {
 // What was kept, or null. Anything that is not a document of this page counts as nothing.
 export function keptDocument(empty) {
     try {
-        const { document, settings } = JSON.parse(localStorage.getItem(KEY)) ?? {};
-        return isDocument(document, empty) ? { document, settings: settings ?? {} } : null;
+        const { document, settings, images } = JSON.parse(localStorage.getItem(KEY)) ?? {};
+        return isDocument(document, empty) ? { document, settings: settings ?? {}, images: images ?? {} } : null;
     } catch {
         return null;
     }
