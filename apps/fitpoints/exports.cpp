@@ -13,6 +13,12 @@ namespace fitpoints {
 
 static const double ARCSECONDS = 206264.80624709636; // 648000/pi
 
+// std::hypot has last bits that differ from one C library to the next. No length here is near the limits of a double.
+static double Length(double a_dX, double a_dY)
+{
+    return std::sqrt(a_dX * a_dX + a_dY * a_dY);
+}
+
 std::string GcpArguments(const TPoints& a_Points, const TFit& a_Fit)
 {
     const TPixelSystem System = PixelSystem(a_Points.Kind);
@@ -37,7 +43,7 @@ static std::string GeoreferencerRow(const TPixelSystem& a_System, const TPoint& 
     const double dX = a_Judgement.dSourceX;
     const double dY = a_System.iRowSign * a_Judgement.dSourceY;
     const std::string szResiduals = a_Judgement.bSource != 0
-                                        ? Shortest(dX) + "," + Shortest(dY) + "," + Shortest(std::hypot(dX, dY))
+                                        ? Shortest(dX) + "," + Shortest(dY) + "," + Shortest(Length(dX, dY))
                                         : ",,"; // no source point belongs to the target point
     return Shortest(a_Point.dXa) + "," + Shortest(a_Point.dYa) + "," + Shortest(Pixel.dXa) + "," +
            Shortest(0 - Pixel.dYa) + (a_Judgement.Role == judgement::ROLE_FITTED ? ",1," : ",0,") + szResiduals + "\n";
@@ -59,7 +65,7 @@ std::string GeoreferencerFile(const TPoints& a_Points, const TFit& a_Fit)
 static std::string HelmertDefinition(const nuv::TOmographicParams& a_Coefs)
 {
     return "+proj=helmert +x=" + Exact(a_Coefs.dC) + " +y=" + Exact(a_Coefs.dF) +
-           " +s=" + Exact(std::hypot(a_Coefs.dA, a_Coefs.dB)) +
+           " +s=" + Exact(Length(a_Coefs.dA, a_Coefs.dB)) +
            " +theta=" + Exact(std::atan2(a_Coefs.dB, a_Coefs.dA) * ARCSECONDS) + "\n";
 }
 
