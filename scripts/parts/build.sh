@@ -13,6 +13,7 @@ fitpoints='libcli11-dev libfast-float-dev nlohmann-json3-dev gnuplot-nox fonts-u
 fitpoints_tests='gdal-bin proj-bin'
 python='python3-dev python3-cffi python3-numpy python3-setuptools python3-wheel python3-pip python3-venv'
 python_tests='python3-pytest python3-hypothesis python3-numpydoc mypy python3-matplotlib python3-skimage'
+browser='chromium chromium-driver fonts-dejavu-core python3-pytest python3-selenium'
 npm=$(command -v npm >/dev/null || echo npm) # a nodejs that is not Debian's has its own npm and conflicts with this one
 mingw='g++-mingw-w64-x86-64-posix g++-mingw-w64-i686-posix'
 declare -A packages=(
@@ -33,7 +34,7 @@ declare -A packages=(
     [consumers]="$native make python3 pkgconf meson clang lld llvm $mingw wine wine64 gcc-arm-none-eabi"
     [wasm]="$tools python3 googletest libeigen3-dev clang lld llvm binaryen chromium nodejs $npm node-typescript wasi-libc
             g++ libcli11-dev libfast-float-dev nlohmann-json3-dev
-            libclang-rt-14-dev-wasm32 libc++-14-dev-wasm32 libc++abi-14-dev-wasm32"
+            libclang-rt-14-dev-wasm32 libc++-14-dev-wasm32 libc++abi-14-dev-wasm32 $browser"
     [package-linux]="$native $fitpoints $site"
     [package-deb]="$native $fitpoints $site $python dpkg-dev file"
     [package-windows-x64]="$tools zip llvm g++-mingw-w64-x86-64-posix"
