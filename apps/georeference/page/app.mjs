@@ -79,6 +79,7 @@ export class App {
             dragEnd: (isCancelled) => this.#endDrag(isCancelled),
             remove: (id) => this.remove(id, side),
             hover: (position) => this.#tellPosition(side, position),
+            leave: () => this.#tellAxes(side),
             changed: () => this.redraw(),
             showAll: () => this.showAll(side),
             round: roundPosition,
@@ -107,6 +108,16 @@ export class App {
         const [image] = side === 'source' ? this.fitting.images([position]) : this.fitting.sources([position]);
         const to = image === null ? '' : ` → ${names[2]} ${this.#rounded(image, other(side)).join(`, ${names[3]} `)}`;
         element(`${side}-position`).textContent = `${names[0]} ${from[0]}, ${names[1]} ${from[1]}${to}`;
+    }
+
+    // How the coordinates of a view count.
+    #tellAxes(side) {
+        const { sourceImage, targetImage, place } = this.document;
+        const isPixels = side === 'source' ? sourceImage !== null : targetImage !== null && place === null;
+        const [first, second] = side === 'source' ? ['x', 'y'] : ['X', 'Y'];
+        const direction = this.views[side].viewport.down ? 'down' : 'up';
+        const pixels = isPixels ? `; in pixels: ${element('pixels').selectedOptions[0].text}` : '';
+        element(`${side}-position`).textContent = `${first} to the right, ${second} ${direction}${pixels}`;
     }
 
     #rounded(position, side) {
@@ -228,6 +239,8 @@ export class App {
         element('method').value = options.method;
         ['robust', 'mirrored', 'raw'].forEach((name) => (element(name).checked = options[name]));
         element('pixels').value = kind;
+        Object.keys(this.views).filter((side) => !element(`${side}-view`).matches(':hover'))
+            .forEach((side) => this.#tellAxes(side));
         element('count').textContent = `${points.length} point${points.length === 1 ? '' : 's'}`;
         element('welcome').hidden = points.length > 0 || sourceImage !== null;
         element('source-remove').hidden = sourceImage === null;

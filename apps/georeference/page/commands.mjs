@@ -5,7 +5,7 @@
 import { Opener, saveResult } from './files.mjs';
 import { loadImage } from './images.mjs';
 import { SAMPLE_PLACE, sampleMap, sampleScan } from './sample.mjs';
-import { EMPTY } from './store.mjs';
+import { EMPTY, isComplete } from './store.mjs';
 
 // What the engine's reasons mean here.
 const HINTS = { world: ' (here: choose it at "Kind")', proj: ' (here: choose it at "Kind")' };
@@ -139,7 +139,10 @@ export class Commands {
 
     #save(what) {
         try {
-            this.messages.show(`Saved ${saveResult(this.app.engine, what, this.app.document)}`);
+            const name = saveResult(this.app.engine, what, this.app.document);
+            const missing = this.app.document.points.filter((point) => !isComplete(point)).length;
+            const without = missing > 0 ? ` Points that lack a place are not in it: ${missing}.` : '';
+            this.messages.show(`Saved ${name}.${without}`);
         } catch (error) {
             this.messages.show(error.message + (HINTS[what] ?? ''), true);
         }

@@ -12,8 +12,8 @@ function gap([a, b]) {
     return Math.hypot(a.x - b.x, a.y - b.y) || 1;
 }
 
-// The actions: pick(x, y, isTouch) gives what is there or null; tap(x, y, what, isTouch); dragStart(what),
-// drag(what, dx, dy) since the start, dragEnd(what, isCancelled); pan(dx, dy); zoom(x, y, factor); hover(x, y).
+// The actions: pick(x, y, isTouch) gives what is there or null; tap(x, y, what, isTouch); dragStart(what), drag(what,
+// dx, dy) since the start, dragEnd(what, isCancelled); pan(dx, dy); zoom(x, y, factor); hover(x, y); leave().
 export class Gestures {
     #fingers = new Map();
     #box = null;
@@ -28,6 +28,7 @@ export class Gestures {
         element.addEventListener('pointermove', (event) => this.#move(event));
         element.addEventListener('pointerup', (event) => this.#up(event, false));
         element.addEventListener('pointercancel', (event) => this.#up(event, true));
+        element.addEventListener('pointerleave', () => this.actions.leave());
         element.addEventListener('wheel', (event) => this.#wheel(event), { passive: false });
     }
 

@@ -10,6 +10,7 @@ import { meshCells, meshNodes } from './warp.mjs';
 const FIELDS = { source: ['x', 'y'], target: ['X', 'Y'] };
 const NOTHING = { left: 0, right: 1000, low: 0, high: 1000 }; // what a view without contents shows
 const DEGREES_BELOW = 0.05; // target units per source unit, below which small coordinates are taken as degrees
+const LARGE = 5;            // times the box of its own contents, up to which a view shows all of the warped outline
 
 // The position of a point in its view, or null.
 export function positionOf(point, side) {
@@ -135,5 +136,5 @@ export class Scenes {
 // A box that the line to infinity makes very large gives way to the box of the points.
 function sensible(box, own) {
     const size = ({ left, right, low, high }) => Math.max(right - left, high - low);
-    return size(box) > 20 * size(own) && size(own) > 0 ? own : box;
+    return size(box) > LARGE * size(own) && size(own) > 0 ? own : box;
 }

@@ -20,8 +20,8 @@ const ARROW_CLASS = { fitted: 'fitted', suspect: 'suspect', dropped: 'other', ch
 const EMPTY_SCENE = { points: [], image: null, place: null, cells: [], warped: null, longest: 0, units: '' };
 
 // The actions: add(position, isTouch); isAwaited(), whether a chosen point lacks its place here; choose(id),
-// dragStart(id), move(id, position), dragEnd(isCancelled), remove(id), hover(position), changed() when the viewport is
-// another one.
+// dragStart(id), move(id, position), dragEnd(isCancelled), remove(id), hover(position), leave(), changed() when the
+// viewport is another one.
 export class View {
     #handles = new Map();
     #spots = [];
@@ -66,6 +66,7 @@ export class View {
             pan: (dx, dy) => this.change(() => this.viewport.pan(dx, dy)),
             zoom: (x, y, factor) => this.change(() => this.viewport.zoom(x, y, factor)),
             hover: (x, y) => this.actions.hover(this.viewport.toPlane(x, y)),
+            leave: () => this.actions.leave(),
         });
         this.svg.addEventListener('keydown', (event) => this.#key(event));
         this.svg.addEventListener('focusin', (event) => this.#focused(event));
