@@ -8,7 +8,8 @@ Replaces in INDEX.HTML
   <template id="ID" data-file="FILE"></template>                by a template with the text of the file,
   <script id="engine-module" type="text/plain"></script>        by the same with MODULE.WASM in base64,
   <script type="module" src="FILE"></script>                    by a script with the modules that FILE imports.
-Each module becomes a function that is called once and returns its exports. The last one, FILE itself, stands behind them.
+Each module becomes a function that is called once and returns its exports. The last one, FILE itself, stands behind
+them.
 Fails if the result would still need another file.
 """
 
@@ -26,8 +27,8 @@ IMPORT = re.compile(r"^import \{([^}]*)\} from '([^']+)';\n", re.MULTILINE)
 EXPORT = re.compile(r"^export (?=(?:async function|function|class|const) (\w+))", re.MULTILINE)
 # What only a browser with the other files beside the page could load.
 EXTERNAL = [re.compile(pattern) for pattern in (
-    r"^\s*(?:import|export)\s.*$", r"\bimport\(.*", r"\bimport\.meta.*", r"@import.*", r"""(?<!\.)\b(?:src|href)=(?!"data:|"#).*""",
-    r"url\((?!['\"]?(?:data:|#)).*", r"https?://(?!www\.w3\.org/).*")]
+    r"^\s*(?:import|export)\s.*$", r"\bimport\(.*", r"\bimport\.meta.*", r"@import.*",
+    r"""(?<!\.)\b(?:src|href)=(?!"data:|"#).*""", r"url\((?!['\"]?(?:data:|#)).*", r"https?://(?!www\.w3\.org/).*")]
 
 
 class Modules:

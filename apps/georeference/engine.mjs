@@ -9,21 +9,21 @@
 //     Reads a file as fitpoints does. x, y: source; X, Y: target. kind: 'csv', 'qgis' or 'gcp'. text: a string, or the
 //     bytes of the file in a Uint8Array, which may be no UTF-8.
 // engine.fit(points, options) -> the object of `fitpoints --json`
-//     Points as read gives them; all but the coordinates may be missing. Options, with their defaults: method 'auto' (or
-//     'richest', 'conformal', 'affine', 'omographic'), level 0.01, robust false, mirrored false, raw false, file
-//     'points', kind 'csv', crs '', unread []. quick true: no search for blunders, which takes most of the time for 20 to
-//     500 points. Then `level` is 0 and `suspects` is empty; all else is the same unless robust is true. Everything below
-//     is about the last fit.
+//     Points as read gives them; all but the coordinates may be missing. Options, with their defaults: method 'auto'
+//     (or 'richest', 'conformal', 'affine', 'omographic'), level 0.01, robust false, mirrored false, raw false, file
+//     'points', kind 'csv', crs '', unread []. quick true: no search for blunders, which takes most of the time for 20
+//     to 500 points. Then `level` is 0 and `suspects` is empty; all else is the same unless robust is true. Everything
+//     below is about the last fit.
 // engine.transform(xs, ys), engine.inverse(xs, ys) -> {xs, ys, beyond}
 //     Arrays of numbers give Float64Arrays: target coordinates of source points, and back; NaN where there are none.
 //     beyond (Uint8Array) is 1 for a source point beyond the line that an omographic transformation takes to infinity:
 //     a drawn line must not cross from 0 to 1.
 // engine.report(), engine.json() -> what fitpoints and fitpoints --json print
-// engine.export(what) -> the text of a file. what: 'points' (QGIS), 'csv', 'world', 'gcp' (arguments of gdal_translate),
-//     'proj'. The file 'csv' has names and check points and keeps every bit; fitpoints reads it back.
+// engine.export(what) -> the text of a file. what: 'points' (QGIS), 'csv', 'world', 'gcp' or 'proj'
+//     gcp: arguments of gdal_translate. csv: with names and check points; fitpoints reads it back with every bit.
 // engine.toPixels(kind, xs, ys), engine.fromPixels(kind, xs, ys) -> {xs, ys}
-//     Source coordinates of a kind of file -> position in the image: x to the right and y downwards from the outer corner
-//     of its first pixel. And back.
+//     Source coordinates of a kind of file -> position in the image: x to the right and y downwards from the outer
+//     corner of its first pixel. And back.
 // engine.number(value, digits) -> the text of a number with so many significant digits, as the report has them (6 for
 //     residuals, 10 for the RMS); without digits, the fewest that give the same number back
 //
@@ -34,8 +34,9 @@
 // Images. A page that places points on an image gives them the kind 'qgis': x is the column, y is minus the row, both
 // from the outer corner of the first pixel, as toPixels and fromPixels convert them. Then y grows upwards as in a map,
 // and a map is no mirror image of it. A target that is an image, too, takes the same coordinates. Points that were read
-// from a file keep its kind: in a CSV file y is the row and (0, 0) is the centre of the first pixel. It grows downwards,
-// so that a similarity needs mirrored: true; the warnings say so. The kind matters to the exports, not to the fit.
+// from a file keep its kind: in a CSV file y is the row and (0, 0) is the centre of the first pixel. It grows
+// downwards, so that a similarity needs mirrored: true; the warnings say so. The kind matters to the exports, not to
+// the fit.
 
 const INT = 4;
 const DOUBLE = 8;
@@ -141,7 +142,8 @@ class Engine {
     }
 
     #fit({ texts, numbers, marks, bits, level }) {
-        this.#functions.fit(...this.#text(texts), marks.length / 2, this.#doubles(numbers), this.#ints(marks), bits, level);
+        const at = [this.#doubles(numbers), this.#ints(marks)];
+        this.#functions.fit(...this.#text(texts), marks.length / 2, ...at, bits, level);
         this.#fitted = true;
     }
 

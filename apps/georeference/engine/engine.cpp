@@ -169,9 +169,8 @@ enum enumOption
 };
 
 // Fits points and keeps them with the transformation. The texts: method, file, its kind, the line of its target system,
-// the name of each point, and the columns that were not read. a_vdNumbers has x, y, X and Y of each point, a_viMarks its
-// line and whether it is a check point. a_dLevel is that of the
-// test of blunders.
+// the name of each point, and the columns that were not read. a_vdNumbers has x, y, X and Y of each point, a_viMarks
+// its line and whether it is a check point. a_dLevel is that of the test of blunders.
 ENGINE_EXPORT("fit")
 void Fit(const char* a_szTexts, std::size_t a_iTexts, std::size_t a_iCount, const double* a_vdNumbers,
          const int* a_viMarks, int a_iOptions, double a_dLevel)
@@ -257,8 +256,8 @@ ENGINE_EXPORT("exportProj") std::size_t ExportProj()
 // ---------------------------------------------------------------------------------------------------------------------
 // Images of points
 
-// Replaces coordinates in place by those of the other system: all NaN where there are none. a_vcBeyond gets 1 for a point
-// beyond the line that the transformation takes to infinity.
+// Replaces coordinates in place by those of the other system: all NaN where there are none. a_vcBeyond gets 1 for a
+// point beyond the line that the transformation takes to infinity.
 ENGINE_EXPORT("transform")
 void Transform(std::size_t a_iCount, double* a_vdX, double* a_vdY, unsigned char* a_vcBeyond, bool a_bInverse)
 {
@@ -276,8 +275,8 @@ void Transform(std::size_t a_iCount, double* a_vdX, double* a_vdY, unsigned char
     }
 }
 
-// Replaces source coordinates in place by those of the image (x to the right and y downwards from the outer corner of its
-// first pixel), or the other way round.
+// Replaces source coordinates in place by those of the image (x to the right and y downwards from the outer corner of
+// its first pixel), or the other way round.
 ENGINE_EXPORT("convertPixels")
 void ConvertPixels(std::size_t a_iCount, double* a_vdX, double* a_vdY, int a_iKind, bool a_bToSource)
 {

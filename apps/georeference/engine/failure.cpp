@@ -2,9 +2,9 @@
 // Copyright (c) 2026 the nuv1math authors
 // SPDX-License-Identifier: MIT
 //
-// The compiler has no exceptions for WebAssembly. The imported function throws one of JavaScript through all functions of
-// the module, whose variables are not destroyed. So the instance that failed must not be used again: the caller drops it
-// with its memory and makes another one.
+// The compiler has no exceptions for WebAssembly. The imported function throws one of JavaScript through all functions
+// of the module, whose variables are not destroyed. So the instance that failed must not be used again: the caller
+// drops it with its memory and makes another one.
 
 #include "failure.h"
 

@@ -8,8 +8,8 @@
 
 namespace fitpoints {
 
-// The names of the columns tell how the source coordinates count pixels. Arguments of GDAL's programs have no names: they
-// become those of QGIS, which counts from the same corner, with minus the line for y.
+// The names of the columns tell how the source coordinates count pixels. Arguments of GDAL's programs have no names:
+// they become those of QGIS, which counts from the same corner, with minus the line for y.
 std::string PointTable(const TPoints& a_Points)
 {
     std::string szText = a_Points.szCrs.empty() ? "" : a_Points.szCrs + "\n";
