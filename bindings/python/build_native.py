@@ -1,4 +1,4 @@
-"""build_native.py: what cffi compiles into the extension nuv1math._native: all of the C interface, read from its header.
+"""build_native.py: what cffi compiles into the extension nuv1math._native: the C interface, read from its header.
 
 Copyright (c) 2026 the nuv1math authors
 SPDX-License-Identifier: MIT

@@ -55,8 +55,8 @@ SHAPES = {
 DIFFERENCES = {
     "AffineUntransform": "Here the process does not end: the function raises `ImpossibleError` instead.",
     "InitCholLowTri": "Here the arrays release their memory by themselves when nothing refers to them any more.",
-    "DeleteCholLowTri": "Here the arrays can still be read; writing to them fails. Their memory is released when nothing "
-                        "refers to them any more.",
+    "DeleteCholLowTri": "Here the arrays can still be read; writing to them fails. Their memory is released when "
+                        "nothing refers to them any more.",
     "UpdateNormMatrixLowTriSparse": "Here an index that is n or more raises `ValueError`.",
 }
 RAISED = {
@@ -102,7 +102,8 @@ def read_comment(text):
     """A comment, from the text between its ends."""
     text = re.sub(r"^ ?\* ?", "", text, flags=re.MULTILINE)
     text, *commands = re.split(r"^ ?@(?=param|return)", text, flags=re.MULTILINE)
-    comment = Comment([part.strip("\n") for part in re.split(r"\n\s*\n", in_python(textwrap.dedent(" " + text)))], {}, "")
+    paragraphs = re.split(r"\n\s*\n", in_python(textwrap.dedent(" " + text)))
+    comment = Comment([part.strip("\n") for part in paragraphs], {}, "")
     for command in commands:
         word, rest = command.split(None, 1)
         rest = re.split(r"\n\s*\n", rest)[0]

@@ -1,7 +1,7 @@
 """test_vectors.py: the functions give the results of the library's own tables, bit for bit, and so its digests.
 
-tests/data has the tables; tests/tools/make_vectors.py describes their format. The digest of a table is the FNV-1a hash of
-all its outputs, as tests/support/vector_tables.h computes it. An exception tells a result code, and that the other
+tests/data has the tables; tests/tools/make_vectors.py describes their format. The digest of a table is the FNV-1a hash
+of all its outputs, as tests/support/vector_tables.h computes it. An exception tells a result code, and that the other
 outputs are untouched.
 
 Copyright (c) 2026 the nuv1math authors

@@ -113,7 +113,8 @@ def keep_apart(**arrays: Any) -> None:
 def overlap(one: Any, other: Any) -> bool:
     """Whether two addresses with lengths have an element in common."""
     start, start_of_other = (int(ffi.cast("uintptr_t", address)) for address in (one, other))
-    return start < start_of_other + len(other) * FLOAT64.itemsize and start_of_other < start + len(one) * FLOAT64.itemsize
+    end, end_of_other = start + len(one) * FLOAT64.itemsize, start_of_other + len(other) * FLOAT64.itemsize
+    return start < end_of_other and start_of_other < end
 
 
 def columns_of_row(indices: ArrayLike, count: int, order: int) -> Any:

@@ -327,10 +327,10 @@ def CalcOmographicCoefs(x: ArrayLike, y: ArrayLike, xa: ArrayLike, ya: ArrayLike
 
     Examples
     --------
-    >>> CalcOmographicCoefs([0, 1, 1], [0, 0, 1], [0, 1, 1], [0, 0, 1])
+    >>> CalcOmographicCoefs([0, 1, 1], [0, 0, 1], [0, 1, 1], [0, 0, 1])  # doctest: +ELLIPSIS
     Traceback (most recent call last):
     ...
-    nuv1math._errors.IndeterminateError: CalcOmographicCoefs: no unique result: singular equations, or every value solves
+    nuv1math._errors.IndeterminateError: CalcOmographicCoefs: no unique result: singular equations, ...
     """
     params = ffi.new(_OMOGRAPHIC)
     check_result("CalcOmographicCoefs", lib.nuv_CalcOmographicCoefs(*columns(x, y, xa, ya), params))
