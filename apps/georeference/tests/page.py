@@ -16,7 +16,7 @@ FIELDS = ("name", "x", "y", "X", "Y", "check")
 
 class Page:
     def __init__(self, browser, path):
-        self.browser, self.path = browser, pathlib.Path(path)
+        self.browser, self.path = browser, pathlib.Path(path).resolve()
 
     def open(self, fresh=True):
         self.browser.open(self.path, fresh)
