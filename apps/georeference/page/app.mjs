@@ -116,8 +116,10 @@ export class App {
         const isPixels = side === 'source' ? sourceImage !== null : targetImage !== null && place === null;
         const [first, second] = side === 'source' ? ['x', 'y'] : ['X', 'Y'];
         const direction = this.views[side].viewport.down ? 'down' : 'up';
-        const pixels = isPixels ? `; in pixels: ${element('pixels').selectedOptions[0].text}` : '';
-        element(`${side}-position`).textContent = `${first} to the right, ${second} ${direction}${pixels}`;
+        const pixels = isPixels ? `: ${element('pixels').selectedOptions[0].text}` : '';
+        const output = element(`${side}-position`);
+        output.textContent = `${first} to the right, ${second} ${direction}${pixels}`;
+        output.title = output.textContent;
     }
 
     #rounded(position, side) {
