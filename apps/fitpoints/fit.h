@@ -26,7 +26,7 @@ struct TFit
     nuv::enumMethodUsed Kind;
     bool bMirrored; // of the conformal kind, with reversed orientation
     bool bRaw;
-    double dLevel; // of the test of blunders; 0 if there was none
+    double dLevel;                         // of the test of blunders; 0 if there was none
     std::vector<std::string> vszNotRicher; // why not a richer kind
     std::vector<std::string> vszWarnings;
 
