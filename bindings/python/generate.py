@@ -186,10 +186,11 @@ def outputs(function, comment, records):
     found = []
     for argument in function.arguments:
         text = comment.parameters[argument.name]
-        if text.startswith("out: ") or text.startswith("out: the "):
-            found.append((python_name(argument.name), kind_of(argument, function, records), text[len("out: "):]))
+        if text.startswith("out: "):
+            text = text[len("out: "):].split("; must be a different record")[0]  # which it always is here
+            found.append((python_name(argument.name), kind_of(argument, function, records), text))
     if function.name in PARAMETERS:
-        parts = ", ".join(f"{name}: {text}" for name, _, text in found)
+        parts = "; ".join(f"{name}: {text}" for name, _, text in found)
         return [(PARAMETERS[function.name], capital(parts))]
     if not found and function.result == "double":
         return [("float", capital(comment.result))]
@@ -217,7 +218,8 @@ def raised(function, comment):
         found.append(("ImpossibleError", "If the determinant is zero and the equations contradict each other."))
     if any(argument.stars or argument.is_reference and argument.is_const for argument in function.arguments) \
             and function.name not in ("InitCholLowTri", "SolveLinTrig", "SolveQuadTrig"):
-        found.append(("ValueError", "If an argument has not the shape above, or cannot be written in place."))
+        in_place = any("out: " in text and not text.startswith("out: ") for text in comment.parameters.values())
+        found.append(("ValueError", "If an argument has not the shape above" + ", or cannot be written" * in_place + "."))
     return found
 
 

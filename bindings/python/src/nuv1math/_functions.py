@@ -94,7 +94,7 @@ def CalcCoefs(x: ArrayLike, y: ArrayLike, xa: ArrayLike, ya: ArrayLike, same_ori
     ImpossibleError
         If the result of C++ is false, see below.
     ValueError
-        If an argument has not the shape above, or cannot be written in place.
+        If an argument has not the shape above.
 
     Notes
     -----
@@ -163,7 +163,7 @@ def CalcConformalCoefs(x: ArrayLike, y: ArrayLike, xa: ArrayLike, ya: ArrayLike,
     ImpossibleError
         If the result of C++ is RET_IMPOSSIBLE, see below.
     ValueError
-        If an argument has not the shape above, or cannot be written in place.
+        If an argument has not the shape above.
 
     Notes
     -----
@@ -230,7 +230,7 @@ def CalcAffineCoefs(x: ArrayLike, y: ArrayLike, xa: ArrayLike, ya: ArrayLike) ->
     ImpossibleError
         If the result of C++ is RET_IMPOSSIBLE, see below.
     ValueError
-        If an argument has not the shape above, or cannot be written in place.
+        If an argument has not the shape above.
 
     Notes
     -----
@@ -290,7 +290,7 @@ def CalcOmographicCoefs(x: ArrayLike, y: ArrayLike, xa: ArrayLike, ya: ArrayLike
     IndeterminateError
         If the result of C++ is RET_INDETERMINATE, see below.
     ValueError
-        If an argument has not the shape above, or cannot be written in place.
+        If an argument has not the shape above.
 
     Notes
     -----
@@ -381,15 +381,15 @@ def AffineCoefsToParam(coefs: Sequence[float]) -> AffineParams:
     Returns
     -------
     AffineParams
-        sx: sx >= 0, sy: sy, phi: phi in [-pi/2, pi/2], theta: theta in [0, 2 pi], both ends included: a tiny negative
-        rotation gives 2 pi itself; -0.0 occurs, tx: tx = c, ty: ty = f.
+        sx: sx >= 0; sy: sy; phi: phi in [-pi/2, pi/2]; theta: theta in [0, 2 pi], both ends included: a tiny negative
+        rotation gives 2 pi itself; -0.0 occurs; tx: tx = c; ty: ty = f.
 
     Raises
     ------
     ImpossibleError
         If the result of C++ is RET_IMPOSSIBLE, see below.
     ValueError
-        If an argument has not the shape above, or cannot be written in place.
+        If an argument has not the shape above.
 
     Notes
     -----
@@ -421,14 +421,14 @@ def AffineCoefsToInvCoefs(coefs: Sequence[float]) -> AffineCoefs:
     Returns
     -------
     inverse : AffineCoefs
-        Its inverse; must be a different record, the same record would get wrong values.
+        Its inverse.
 
     Raises
     ------
     ImpossibleError
         If the result of C++ is RET_IMPOSSIBLE, see below.
     ValueError
-        If an argument has not the shape above, or cannot be written in place.
+        If an argument has not the shape above.
 
     Notes
     -----
@@ -469,7 +469,7 @@ def AffineUntransform(coefs: Sequence[float], xa: float, ya: float) -> tuple[flo
     ImpossibleError
         If the determinant is zero and the equations contradict each other.
     ValueError
-        If an argument has not the shape above, or cannot be written in place.
+        If an argument has not the shape above.
 
     Notes
     -----
@@ -538,15 +538,15 @@ def ConformalCoefsToParam(coefs: Sequence[float]) -> ConformalParams:
     Returns
     -------
     ConformalParams
-        scale: s >= 0, angle: theta in [0, 2 pi], both ends included; -0.0 occurs; 0 if the scale is zero, tx:
-        translation of X, ty: translation of Y.
+        scale: s >= 0; angle: theta in [0, 2 pi], both ends included; -0.0 occurs; 0 if the scale is zero; tx:
+        translation of X; ty: translation of Y.
 
     Raises
     ------
     ImpossibleError
         If the result of C++ is RET_IMPOSSIBLE, see below.
     ValueError
-        If an argument has not the shape above, or cannot be written in place.
+        If an argument has not the shape above.
 
     Notes
     -----
@@ -571,12 +571,12 @@ def ConformalCoefsToInvCoefs(coefs: Sequence[float]) -> ConformalCoefs:
     Returns
     -------
     inverse : ConformalCoefs
-        Its inverse, all six fields; must be a different record, the same record would get wrong values.
+        Its inverse, all six fields.
 
     Raises
     ------
     ValueError
-        If an argument has not the shape above, or cannot be written in place.
+        If an argument has not the shape above.
     """
     inverse = ffi.new(_CONFORMAL)
     lib.nuv_ConformalCoefsToInvCoefs(_record(_CONFORMAL, coefs), inverse)
@@ -599,7 +599,7 @@ def ConformalCoefsToAffineCoefs(coefs: Sequence[float]) -> AffineCoefs:
     Raises
     ------
     ValueError
-        If an argument has not the shape above, or cannot be written in place.
+        If an argument has not the shape above.
     """
     affine = ffi.new(_AFFINE)
     lib.nuv_ConformalCoefsToAffineCoefs(_record(_CONFORMAL, coefs), affine)
@@ -625,7 +625,7 @@ def AffineCoefsToOmographicCoefs(affine: Sequence[float]) -> OmographicParams:
     Raises
     ------
     ValueError
-        If an argument has not the shape above, or cannot be written in place.
+        If an argument has not the shape above.
     """
     params = ffi.new(_OMOGRAPHIC)
     lib.nuv_AffineCoefsToOmographicCoefs(_record(_AFFINE, affine), params)
@@ -698,7 +698,7 @@ def DeleteCholLowTri(matrix: Optional[Doubles], vector: Optional[Doubles]) -> No
     Raises
     ------
     ValueError
-        If an argument has not the shape above, or cannot be written in place.
+        If an argument has not the shape above.
 
     Notes
     -----
@@ -730,7 +730,7 @@ def UpdateNormMatrixLowTri(matrix: Doubles, vector: Doubles, row: ArrayLike, val
     Raises
     ------
     ValueError
-        If an argument has not the shape above, or cannot be written in place.
+        If an argument has not the shape above, or cannot be written.
     """
     unknowns = order_of_vector(vector)
     sums = written(matrix, packed_shape(unknowns), "matrix")
@@ -763,7 +763,7 @@ def UpdateNormMatrixLowTriSparse(matrix: Doubles, vector: Doubles, values: Array
     Raises
     ------
     ValueError
-        If an argument has not the shape above, or cannot be written in place.
+        If an argument has not the shape above, or cannot be written.
 
     Notes
     -----
@@ -795,7 +795,7 @@ def CholeskyLowTri(matrix: Doubles) -> None:
     NotPositiveDefiniteError
         If the result of C++ is false, see below.
     ValueError
-        If an argument has not the shape above, or cannot be written in place.
+        If an argument has not the shape above, or cannot be written.
 
     Notes
     -----
@@ -826,7 +826,7 @@ def SolveCholLowTri(factor: ArrayLike, vector: Doubles) -> None:
     Raises
     ------
     ValueError
-        If an argument has not the shape above, or cannot be written in place.
+        If an argument has not the shape above, or cannot be written.
     """
     unknowns = order_of_vector(vector)
     right = written(vector, (unknowns,), "vector")
@@ -908,7 +908,7 @@ def Cholesky(matrix: Doubles) -> None:
     NotPositiveDefiniteError
         If the result of C++ is false, see below.
     ValueError
-        If an argument has not the shape above, or cannot be written in place.
+        If an argument has not the shape above, or cannot be written.
 
     Notes
     -----
@@ -952,7 +952,7 @@ def SolveChol(factor: ArrayLike, vector: Doubles) -> None:
     Raises
     ------
     ValueError
-        If an argument has not the shape above, or cannot be written in place.
+        If an argument has not the shape above, or cannot be written.
     """
     order = order_of_vector(vector)
     right = written(vector, (order,), "vector")
@@ -991,7 +991,7 @@ def Roots(coefficients: ArrayLike, tolerance: float) -> Doubles:
     IndeterminateError
         If the result of C++ is RET_INDETERMINATE, see below.
     ValueError
-        If an argument has not the shape above, or cannot be written in place.
+        If an argument has not the shape above.
 
     Notes
     -----
