@@ -2,11 +2,13 @@
 // Copyright (c) 2026 the nuv1math authors
 // SPDX-License-Identifier: MIT
 
+#include "internal.h"
 #include "sets.h"
 #include "support/reference_fits.h"
 
 #include <cmath>
 #include <gtest/gtest.h>
+#include <limits>
 
 namespace judgement_tests {
 namespace {
@@ -14,6 +16,27 @@ namespace {
 using namespace judgement;
 
 const TOptions AUTO = {ASK_AUTO, 0, 0, 0, USUAL_LEVEL};
+
+// A search of the greatest length skips what IsShorter calls shorter.
+TEST(Lengths, AreShorterOnlyBeyondDoubt)
+{
+    for (const double dScale : {1e-320, 1e-160, 1e-130, 1e-3, 1.0, 1e140, 1e155, 1e300})
+    {
+        for (const double dLength : {4.9, 5.0, 5.01, 5.1, 6.0})
+        {
+            const bool bShorter = IsShorter(3 * dScale, -4 * dScale, dLength * dScale);
+            EXPECT_TRUE(!bShorter || dLength > 5) << dLength << " " << dScale;
+            EXPECT_TRUE(bShorter || dLength < 5.05 || dScale < 1e-135 || dScale > 1e145) << dLength << " " << dScale;
+        }
+    }
+    const double dNan = std::numeric_limits<double>::quiet_NaN();
+    const double dInfinity = std::numeric_limits<double>::infinity();
+    EXPECT_FALSE(IsShorter(dNan, 0, 1));
+    EXPECT_FALSE(IsShorter(dInfinity, 0, 1));
+    EXPECT_FALSE(IsShorter(1, 0, dNan));
+    EXPECT_FALSE(IsShorter(0, 0, 0));
+    EXPECT_FALSE(IsShorter(1.5e-162, 1.5e-162, 2e-162)); // both squares are rounded to 0
+}
 
 TEST(Frames, OriginsAreShortNumbers)
 {
