@@ -37,6 +37,7 @@ export class View {
         this.warped = root.querySelector('.warped');
         this.swipe = null;
         this.#makeLayers();
+        this.#measure();
         this.#listen();
     }
 
@@ -70,13 +71,14 @@ export class View {
         });
         this.svg.addEventListener('keydown', (event) => this.#key(event));
         this.svg.addEventListener('focusin', (event) => this.#focused(event));
-        new ResizeObserver(() => this.#resize()).observe(this.root);
+        new ResizeObserver(() => this.change(() => this.#measure())).observe(this.root);
     }
 
-    #resize() {
+    // Takes the size of the view, unless it is not shown.
+    #measure() {
         const { clientWidth: width, clientHeight: height } = this.root;
         if (width > 0 && height > 0) {
-            this.change(() => Object.assign(this.viewport, { width, height }));
+            Object.assign(this.viewport, { width, height });
         }
     }
 
