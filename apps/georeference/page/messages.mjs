@@ -14,8 +14,4 @@ export class Messages {
         this.box.classList.toggle('bad', isBad);
         this.box.hidden = false;
     }
-
-    hide() {
-        this.box.hidden = true;
-    }
 }
