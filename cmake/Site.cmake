@@ -34,6 +34,9 @@ file(GLOB site_inputs CONFIGURE_DEPENDS ${PROJECT_SOURCE_DIR}/docs/*.* ${PROJECT
   ${PROJECT_SOURCE_DIR}/apps/fitpoints/README.md ${PROJECT_SOURCE_DIR}/apps/fitpoints/judgement/README.md
   ${PROJECT_SOURCE_DIR}/bindings/README.md ${PROJECT_SOURCE_DIR}/bindings/*/README.md
   ${PROJECT_SOURCE_DIR}/scripts/pages/*.py ${PROJECT_SOURCE_DIR}/README.md ${PROJECT_SOURCE_DIR}/tests/consumers/*/*)
+if(NUV1MATH_SITE_PAGE AND NOT EXISTS ${NUV1MATH_SITE_PAGE})
+  message(FATAL_ERROR "There is no ${NUV1MATH_SITE_PAGE}: `scripts/docs site` builds it first")
+endif()
 set(site_index ${PROJECT_BINARY_DIR}/site/html/index.html)
 add_custom_command(OUTPUT ${site_index} VERBATIM
   COMMAND ${Python3_EXECUTABLE} -B ${PROJECT_SOURCE_DIR}/scripts/pages/build_site.py ${PROJECT_BINARY_DIR}/site ${NUV1MATH_SITE_PAGE}
