@@ -11,6 +11,7 @@ SPDX-License-Identifier: MIT
 import os
 import pathlib
 import re
+import shutil
 import subprocess
 
 from setuptools import setup
@@ -41,7 +42,8 @@ class BuildWithLibrary(build_ext):
     def built_archive(self):
         """The archive of the library, the judgement module and the C interface."""
         directory = pathlib.Path(self.build_temp).resolve() / "library"
-        subprocess.run(["cmake", "--preset", "library", "-B", directory, "-DBUILD_SHARED_LIBS=OFF",
+        generator = ["-G", "Ninja"] if shutil.which("ninja") and "CMAKE_GENERATOR" not in os.environ else []
+        subprocess.run(["cmake", "--preset", "library", "-B", directory, *generator, "-DBUILD_SHARED_LIBS=OFF",
                         "-DNUV1MATH_BUILD_PYTHON=ON"], cwd=ROOT, check=True)
         subprocess.run(["cmake", "--build", directory, "--target", "nuv1math_python", "--parallel",
                         str(os.cpu_count())], check=True)
