@@ -38,7 +38,7 @@ function fillList(list, texts) {
 }
 
 // The result in a sentence.
-export function verdict(fitting, complete) {
+function verdict(fitting, complete) {
     const { report, error } = fitting;
     if (report === null) {
         return complete === 0 ? NO_POINTS : error;
