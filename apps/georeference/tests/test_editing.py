@@ -209,8 +209,10 @@ def test_two_fingers_zoom_and_add_nothing(image):
 
 def test_the_wheel_zooms_where_the_pointer_is(image):
     x, y = image.screen("source", 100, 60)
+    other = image.screen("source", 101, 60)[0]
     image.browser.wheel(x, y, -250)
     image.settle()
+    assert image.screen("source", 101, 60)[0] - x > 1.5 * (other - x)
     assert image.screen("source", 100, 60) == pytest.approx((x, y), abs=1)
 
 
