@@ -16,6 +16,7 @@ from selenium import webdriver
 from selenium.webdriver.chrome.options import Options
 from selenium.webdriver.chrome.service import Service
 from selenium.webdriver.common.by import By
+from selenium.webdriver.common.utils import is_connectable
 
 PATIENCE = 30.0 # seconds until a condition that does not come true is a failure
 OPTIONS = [
@@ -45,6 +46,17 @@ def wait_until(condition, what, patience=PATIENCE):
         time.sleep(0.01)
 
 
+class Driver(Service):
+    """The chromedriver, called by its address: a bare system may not know the name localhost."""
+
+    @property
+    def service_url(self):
+        return f"http://127.0.0.1:{self.port}"
+
+    def is_connectable(self):
+        return is_connectable(self.port, "127.0.0.1")
+
+
 class Browser:
     """One Chromium. `open` starts afresh: no storage, no downloads, no requests, no messages of the console."""
 
@@ -59,7 +71,7 @@ class Browser:
         options.add_argument(f"--user-data-dir={pathlib.Path(folder, 'profile')}")
         options.add_experimental_option("prefs", {"download.default_directory": str(self.downloads)})
         options.set_capability("goog:loggingPrefs", {"performance": "ALL", "browser": "ALL"})
-        self.driver = webdriver.Chrome(service=Service("/usr/bin/chromedriver"), options=options)
+        self.driver = webdriver.Chrome(service=Driver("/usr/bin/chromedriver"), options=options)
         self.requests, self.messages = [], []
 
     def quit(self):
