@@ -50,7 +50,7 @@ export class Fit {
     readonly parameters: TShape | null;
     readonly judgement: TJudgement;
     readonly points: TPointJudgement[];
-    /** Images of source points. Throws a FitError for a point without an image. */
+    /** Images of source points. Throws a FitError for a point without an image; all must be pairs of finite numbers. */
     transform(points: Point[]): Point[];
     /** Source points of images. */
     inverse(points: Point[]): Point[];

@@ -11,6 +11,7 @@ export { constants };
 
 const DOUBLE = 8;
 const INT = 4;
+const GREATEST_SIZE = 2 ** 32 - 1; // of a memory with addresses of 32 bits
 
 // A module that uses vectors, and does nothing else.
 const VECTOR_PROBE = new Uint8Array([0, 97, 115, 109, 1, 0, 0, 0, 1, 5, 1, 96, 0, 1, 123, 3, 2, 1, 0, 10, 10, 1, 8, 0,
@@ -108,7 +109,10 @@ class Arena {
         if (this.addresses === null) {
             throw new Error('the memory of the arena was released');
         }
-        const address = this.functions.malloc(Math.max(size, 1));
+        if (!(size >= 0)) {
+            throw new RangeError(`${size} is not a number of bytes`);
+        }
+        const address = size > GREATEST_SIZE ? 0 : this.functions.malloc(Math.max(size, 1));
         if (address === 0) {
             throw new RangeError(`the library has no memory for ${size} bytes`);
         }
@@ -164,12 +168,18 @@ class Arena {
     }
 }
 
-// The columns of an array of points. Fails unless all are pairs of finite numbers.
-function columns(points, what) {
-    const bad = points.findIndex((point) => point.length !== 2 || !point.every(Number.isFinite));
+// Fails unless all points are pairs of finite numbers.
+function requirePairs(points, what) {
+    if (!Array.isArray(points)) {
+        throw new TypeError(`${what} points are not an array of pairs`);
+    }
+    const bad = points.findIndex((point) => point?.length !== 2 || !Array.from(point).every(Number.isFinite));
     if (bad >= 0) {
         throw new TypeError(`${what} point ${bad} is not a pair of finite numbers: ${points[bad]}`);
     }
+}
+
+function columns(points) {
     return [points.map(([x]) => x), points.map(([, y]) => y)];
 }
 
@@ -186,24 +196,34 @@ function roleOf(options, count) {
 }
 
 function methodOf(options) {
-    const method = enumMethod[`ASK_${(options.kind ?? 'auto').toUpperCase()}`];
+    const method = enumMethod[`ASK_${String(options.kind ?? 'auto').toUpperCase()}`];
     if (method === undefined) {
         throw new TypeError(`unknown kind ${options.kind}: auto, richest, conformal, affine or omographic`);
     }
     return method;
 }
 
+function levelOf(options) {
+    const level = options.level ?? USUAL_LEVEL;
+    if (!(level >= 0 && level <= 1)) {
+        throw new RangeError(`level ${level} is not between 0 and 1`);
+    }
+    return level;
+}
+
 function judge(library, arena, functions, source, target, options) {
+    requirePairs(source, 'source');
+    requirePairs(target, 'target');
     if (source.length !== target.length) {
         throw new TypeError(`${source.length} source points and ${target.length} target points`);
     }
     const count = source.length;
-    const [x, y, xa, ya] = [...columns(source, 'source'), ...columns(target, 'target')].map((v) => arena.doubles(v));
+    const [x, y, xa, ya] = [...columns(source), ...columns(target)].map((v) => arena.doubles(v));
     const points = arena.record('TControlPoints', { iCount: count, vdX: x, vdY: y, vdXa: xa, vdYa: ya });
     const asked = arena.record('TOptions', {
-        Method: methodOf(options), bMirrored: Number(options.mirrored ?? false),
-        bRaw: Number(!(options.localOrigin ?? true)), bRobust: Number(options.robust ?? false),
-        dLevel: options.level ?? USUAL_LEVEL,
+        Method: methodOf(options), bMirrored: Number(Boolean(options.mirrored)),
+        bRaw: Number(!(options.localOrigin ?? true)), bRobust: Number(Boolean(options.robust)),
+        dLevel: levelOf(options),
     });
     const result = arena.record('TJudgement');
     const size = records.TPointJudgement.size;
@@ -274,6 +294,7 @@ export class Fit {
     }
 
     #map(name, points) {
+        requirePairs(points, 'given');
         return this.#library.using((arena, functions) => {
             const coefs = arena.record('TOmographicParams', this.judgement.Fit.Coefs);
             const origins = arena.record('TOrigins', this.judgement.Origins);

@@ -83,6 +83,23 @@ test('a failure is an error that tells the reason', () => {
     assert.throws(() => libraries.plain.fit([...SOURCE.slice(1), [NaN, 1]], TARGET), /source point 6 is not a pair/);
     assert.throws(() => libraries.plain.fit(SOURCE, TARGET, { kind: 'cubic' }), /unknown kind cubic/);
     assert.throws(() => libraries.plain.fit(SOURCE, TARGET, { checks: [7] }), /check point 7/);
+    assert.throws(() => libraries.plain.fit(SOURCE, TARGET, { kind: 5 }), /unknown kind 5/);
+    for (const level of [NaN, -0.1, 1.1, 'often']) {
+        assert.throws(() => libraries.plain.fit(SOURCE, TARGET, { level }), /is not between 0 and 1/);
+    }
+    assert.throws(() => libraries.plain.fit(null, TARGET), /source points are not an array/);
+    assert.throws(() => libraries.plain.fit([null], TARGET), /source point 0 is not a pair/);
+    const fit = libraries.plain.fit(SOURCE, TARGET);
+    assert.throws(() => fit.transform([[1, 2], ['1', 2]]), /given point 1 is not a pair/);
+    assert.throws(() => fit.inverse([[1, 2, 3]]), /given point 0 is not a pair/);
+});
+
+test('an option that is on is any true value', () => {
+    const [one, other] = [true, 'yes'].map((on) => libraries.plain.fit(SOURCE, TARGET, {
+        kind: 'conformal', mirrored: on, robust: on,
+    }));
+    assert.deepEqual(other.judgement, one.judgement);
+    assert.equal(one.judgement.Fit.bMirrored, 1);
 });
 
 test('an assertion report reaches its reader and stops the library', async () => {
@@ -132,6 +149,13 @@ test('memory that cannot grow is an error, and what was allocated before is rele
     assert.throws(allocateAll, RangeError);
     assert.equal(library.functions.memory.buffer.byteLength, grown);
     assert.equal(library.fit(SOURCE, TARGET).kind, 'conformal');
+});
+
+test('a size that no memory has is refused', async () => {
+    const library = await load();
+    for (const size of [2 ** 32, 2 ** 32 + 8, -1, NaN]) {
+        assert.throws(() => library.using((arena) => arena.allocate(size)), RangeError);
+    }
 });
 
 test('an arena ends with its work', async () => {
