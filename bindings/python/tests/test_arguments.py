@@ -214,6 +214,30 @@ def test_what_is_read_is_aligned():
     assert not unaligned.flags.aligned and converted(unaligned, "x").flags.aligned
 
 
+def test_masked_values_are_refused():
+    masked = np.ma.array(np.eye(3), mask=np.eye(3))
+    for call in (lambda: nuv1math.CalcAffineCoefs(masked[0], *np.eye(3)), lambda: nuv1math.Cholesky(masked),
+                 lambda: nuv1math.SolveChol(masked, np.ones(3))):
+        with pytest.raises(ValueError, match="masked values"):
+            call()
+    nuv1math.Cholesky(np.ma.array(np.eye(3)))
+
+
+class LargerThanItIs(np.ndarray):
+    """An array that tells of more elements than it has."""
+
+    shape = (9, 9)
+    size = 45
+
+
+def test_a_derived_class_cannot_tell_a_wrong_shape():
+    small = np.eye(2).view(LargerThanItIs)
+    for function, arguments in [(nuv1math.Cholesky, (small,)), (nuv1math.CholeskyLowTri, (small,)),
+                                (nuv1math.SolveCholLowTri, (np.ones(1035), np.ones(2).view(LargerThanItIs)))]:
+        with pytest.raises(ValueError, match="shape"):
+            function(*arguments)
+
+
 def test_what_is_contiguous_is_not_copied():
     column = np.arange(5.0)
     for array in (column, column[1:4], np.ones((3, 5))[1]):

@@ -26,9 +26,18 @@ NUMBERS = "fiub"  # the kinds of dtype that are converted: floating point, integ
 from_buffer = ffi.from_buffer
 
 
+def plain(values: ArrayLike, name: str) -> NDArray[Any]:
+    """The values as an array of numpy's own class, of any dtype. Masked values would lose their mask: they fail."""
+    if type(values) is np.ndarray:
+        return values
+    if np.ma.is_masked(values):  # type: ignore[no-untyped-call]
+        raise ValueError(f"{name} has masked values")
+    return np.asarray(values)
+
+
 def converted(values: ArrayLike, name: str) -> Doubles:
     """An aligned, contiguous array of float64 with one dimension; a copy unless `values` is one."""
-    array = np.asarray(values)
+    array = plain(values, name)
     if array.ndim != 1:
         raise ValueError(f"{name} has the shape {array.shape}, not one dimension")
     if array.dtype.kind not in NUMBERS:
@@ -69,9 +78,10 @@ def written(array: Doubles, shape: tuple[int, ...], name: str) -> Any:
     """The address of an array that the library writes."""
     if not isinstance(array, np.ndarray) or array.dtype != FLOAT64 or not array.flags.carray:
         raise ValueError(f"{name} is written in place: it must be a writable, contiguous array of float64")
-    if array.shape != shape:
-        raise ValueError(f"{name} has the shape {array.shape}, not {shape}")
-    return from_buffer(DOUBLES, array, require_writable=True)
+    elements = plain(array, name)  # the attributes of a class that is derived need not be those of its memory
+    if elements.shape != shape:
+        raise ValueError(f"{name} has the shape {elements.shape}, not {shape}")
+    return from_buffer(DOUBLES, elements, require_writable=True)
 
 
 def order_of_vector(vector: Doubles) -> int:

@@ -14,7 +14,7 @@ import numpy as np
 from numpy.typing import ArrayLike
 
 from ._arrays import (FLOAT64, Doubles, columns, columns_of_row, doubles, doubles_of_length, keep_apart,
-                      order_of_packed, order_of_vector, packed_shape, written)
+                      order_of_packed, order_of_vector, packed_shape, plain, written)
 from ._errors import ImpossibleError, NotPositiveDefiniteError, check_result
 from ._interface import (MEANINGS, RET_IMPOSSIBLE, AffineCoefs, AffineParams, ConformalCoefs, ConformalParams,
                          MethodUsed, OmographicParams)
@@ -956,7 +956,7 @@ def SolveChol(factor: ArrayLike, vector: Doubles) -> None:
     """
     order = order_of_vector(vector)
     right = written(vector, (order,), "vector")
-    square = np.asarray(factor)
+    square = plain(factor, "factor")
     if square.shape != (order, order):
         raise ValueError(f"factor has the shape {square.shape}, not {(order, order)}")
     lower = doubles(square.reshape(-1), "factor")

@@ -11,7 +11,7 @@ from typing import Any, Literal, NamedTuple, Optional, Tuple
 import numpy as np
 import numpy.typing as npt
 
-from ._arrays import GREATEST_INT
+from ._arrays import GREATEST_INT, NUMBERS, plain
 from ._interface import Reason, Role
 from ._native import ffi, lib
 
@@ -97,12 +97,13 @@ POINT = dtype_of(ffi.typeof("nuv_TPointJudgement"))
 
 
 def real_numbers(values: npt.ArrayLike, name: str) -> npt.NDArray[np.float64]:
-    """The values as an array of doubles without gaps; a copy only if they are not one already."""
+    """The values as an aligned array of doubles without gaps; a copy only if they are not one already."""
     try:
-        if np.iscomplexobj(values):
-            raise TypeError("complex numbers")
-        return np.ascontiguousarray(values, dtype=np.float64)
-    except (TypeError, ValueError) as error:
+        array = plain(values, name)
+        if array.dtype.kind not in NUMBERS + "O":
+            raise TypeError(f"its type is {array.dtype}")
+        return np.require(np.ascontiguousarray(array, dtype=np.float64), requirements="A")
+    except (TypeError, ValueError, OverflowError) as error:
         raise ValueError(f"{name} is not an array of real numbers: {error}") from None
 
 
