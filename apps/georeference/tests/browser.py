@@ -22,7 +22,7 @@ PATIENCE = 30.0 # seconds until a condition that does not come true is a failure
 OPTIONS = [
     "--headless=new", "--no-first-run", "--disable-gpu", "--disable-dev-shm-usage", "--disable-background-networking",
     "--disable-component-update", "--disable-extensions", "--force-device-scale-factor=1", "--font-render-hinting=none",
-    "--lang=en-US", "--hide-scrollbars",
+    "--lang=en-US", "--hide-scrollbars", "--remote-debugging-pipe", # a pipe needs no name of this machine
 ]
 UNFINISHED = re.compile(r"\.crdownload$|^\.")
 KEYS = { # name: key code, and the text that the key types
