@@ -205,7 +205,7 @@ function methodOf(options) {
 
 function levelOf(options) {
     const level = options.level ?? USUAL_LEVEL;
-    if (!(level >= 0 && level <= 1)) {
+    if (!(level >= 0 && level < 1)) {
         throw new RangeError(`level ${level} is not between 0 and 1`);
     }
     return level;

@@ -256,7 +256,7 @@ def test_every_choice_has_words():
     ([["a", 1]], [[1, 1]], {}, "source is not an array of real numbers"),
     ([[1, 2], [3]], [[1, 1]], {}, "source is not an array of real numbers"),
     (SOURCE, TARGET, {"kind": "cubic"}, "kind is 'cubic', not one of affine, auto, conformal, omographic, richest"),
-    (SOURCE, TARGET, {"level": 2}, "level is 2, not between 0 and 1"),
+    (SOURCE, TARGET, {"level": 1}, "level is 1, not between 0 and 1"),
     (SOURCE, TARGET, {"level": math.nan}, "level is nan"),
     (SOURCE, TARGET, {"checks": [7]}, "checks: 7 is not the index of one of 7 points"),
     (SOURCE, TARGET, {"checks": [-1]}, "checks: -1 is not"),

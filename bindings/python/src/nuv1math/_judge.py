@@ -142,7 +142,7 @@ def options_of(kind: Method, local_origin: bool, mirrored: bool, robust: bool, l
     """A record TOptions."""
     if kind not in METHODS:
         raise ValueError(f"kind is {kind!r}, not one of {', '.join(sorted(METHODS))}")
-    if not 0 <= level <= 1:
+    if not 0 <= level < 1:
         raise ValueError(f"level is {level}, not between 0 and 1")
     return ffi.new("nuv_TOptions *", {"Method": METHODS.index(kind), "bMirrored": bool(mirrored),
                                       "bRaw": not local_origin, "bRobust": bool(robust), "dLevel": level})
