@@ -319,7 +319,7 @@ def interface_text(header, interface, comments, judgement_header, judgement):
     types = comments_of_types(header)
     parts = [HEAD, f'VERSION = "{version}"\n'
              + "".join(f"{name} = {value}\n" for name, _, value in interface.constants)
-             + "\n# What the results mean that are no counts.\nMEANINGS = {\n"
+             + "\n# The meanings of the results that are not counts.\nMEANINGS = {\n"
              + "".join(f'    {name}: "{text}",\n' for name, text in meanings) + "}\n"]
     parts += ["\n" + enumeration_text(enumeration, types[enumeration.name]) + "\n"
               for enumeration in interface.enumerations]

@@ -13,7 +13,7 @@ VERSION = "1.0.0"
 RET_IMPOSSIBLE = -1
 RET_INDETERMINATE = -2
 
-# What the results mean that are no counts.
+# The meanings of the results that are not counts.
 MEANINGS = {
     RET_IMPOSSIBLE: "no result: too few points, a degenerate input, or no solution",
     RET_INDETERMINATE: "no unique result: singular equations, or every value solves",
