@@ -62,6 +62,12 @@ export function loadPageEngine(document) {
     return loadEngine(Uint8Array.from(text, (character) => character.charCodeAt(0)));
 }
 
+function requireSameLength(xs, ys) {
+    if (xs.length !== ys.length) {
+        throw new EngineError(`${xs.length} values of x and ${ys.length} of y`);
+    }
+}
+
 // A text that stands in one line.
 function line(text) {
     return `${text ?? ''}`.replaceAll('\n', '?');
@@ -123,7 +129,7 @@ class Engine {
     }
 
     export(what) {
-        if (!(what in EXPORTS)) {
+        if (!Object.hasOwn(EXPORTS, what)) {
             throw new EngineError(`${what} is not one of ${Object.keys(EXPORTS)}`);
         }
         return this.#ofFit((functions) => this.#result(functions[EXPORTS[what]]()));
@@ -158,6 +164,7 @@ class Engine {
     }
 
     #images(xs, ys, inverse) {
+        requireSameLength(xs, ys);
         if (this.#input === null) {
             const none = () => new Float64Array(xs.length).fill(NaN);
             return { xs: none(), ys: none(), beyond: new Uint8Array(xs.length) };
@@ -173,6 +180,7 @@ class Engine {
     }
 
     #pixels(kind, xs, ys, back) {
+        requireSameLength(xs, ys);
         if (!KINDS.includes(kind)) {
             throw new EngineError(`${kind} is not one of ${KINDS}`);
         }

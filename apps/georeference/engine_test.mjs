@@ -222,6 +222,11 @@ test('points that no file could have are refused', () => {
     assert.throws(() => engine.fit(points, { crs: 'EPSG:2056' }),
         new EngineError("crs: 'EPSG:2056' does not start with #CRS"));
     assert.throws(() => engine.export('tiff'), EngineError);
+    assert.throws(() => engine.export('toString'), EngineError);
+    engine.fit(points);
+    for (const convert of [engine.transform, engine.inverse, (...columns) => engine.toPixels('csv', ...columns)]) {
+        assert.throws(() => convert.call(engine, [1, 2, 3], [1]), new EngineError('3 values of x and 1 of y'));
+    }
 });
 
 test('images and source points are those of fitpoints', () => {
