@@ -243,9 +243,10 @@ class Browser:
             self.cdp("Input.dispatchDragEvent", type=kind, x=x, y=y, data=data)
 
     def downloaded(self):
-        """Name and bytes of the one download, which is removed when it is complete."""
-        path, = wait_until(lambda: [path for path in self.downloads.iterdir() if not UNFINISHED.search(path.name)],
-                           "a download")
+        """Name and bytes of the one download, which is removed. The browser first makes an empty file of this name, and
+        then replaces it by the complete one."""
+        path, = wait_until(lambda: [path for path in self.downloads.iterdir()
+                                    if not UNFINISHED.search(path.name) and path.stat().st_size > 0], "a download")
         data = path.read_bytes()
         path.unlink()
         return path.name, data
