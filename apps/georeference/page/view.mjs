@@ -16,6 +16,7 @@ const LONGEST = 80;                     // pixels of the longest arrow, at most
 const MOVE = 40;                        // pixels by which a key moves the view
 const ZOOM = 1.4;                       // by which a key zooms
 const ARROWS = { ArrowLeft: [-1, 0], ArrowRight: [1, 0], ArrowUp: [0, -1], ArrowDown: [0, 1] };
+const PAGES = { PageDown: 1, PageUp: -1 };  // the next point, the one before
 const ARROW_CLASS = { fitted: 'fitted', suspect: 'suspect', dropped: 'other', check: 'other' };
 const EMPTY_SCENE = { points: [], image: null, place: null, cells: [], warped: null, longest: 0, units: '' };
 
@@ -168,6 +169,9 @@ export class View {
             const position = this.actions.round(this.viewport.toPlane(spot.x + dx * step, spot.y + dy * step),
                 this.viewport, step);
             this.actions.move(id, position, 'keys');
+        } else if (key in PAGES) {
+            const index = this.#spots.findIndex((each) => each.id === id);
+            this.focusPoint(this.#spots[index + PAGES[key]]?.id ?? id);
         } else if (key === 'Delete' || key === 'Backspace') {
             this.actions.remove(id);
         } else if (key === 'Escape') {
@@ -285,9 +289,12 @@ export class View {
     #drawPoints() {
         const names = this.#names();
         const old = new Set(this.#handles.keys());
+        const stop = this.#spots.find((spot) => spot.chosen) ?? this.#spots[0]; // Tab stops at one point of the view
         for (const spot of this.#spots) {
             old.delete(spot.id);
-            this.#drawPoint(this.#handleOf(spot.id), spot, names.get(spot.id));
+            const handle = this.#handleOf(spot.id);
+            this.#drawPoint(handle, spot, names.get(spot.id));
+            setAttribute(handle.element, 'tabindex', spot === stop ? '0' : '-1');
         }
         old.forEach((id) => {
             this.#handles.get(id).element.remove();
@@ -297,7 +304,7 @@ export class View {
 
     #handleOf(id) {
         if (!this.#handles.has(id)) {
-            const element = svgElement('g', { class: 'point', tabindex: 0, role: 'button', 'data-id': id,
+            const element = svgElement('g', { class: 'point', role: 'button', 'data-id': id,
                 'aria-roledescription': 'control point' }, this.layers.points);
             this.#handles.set(id, { element, symbol: svgElement('path', {}, element), text: null, drawn: {} });
         }

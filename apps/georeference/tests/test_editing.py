@@ -249,6 +249,25 @@ def test_keys_alone_do_everything(page, fitpoints):
     assert_as_fitpoints(page, fitpoints)
 
 
+def test_tab_stops_at_one_point_of_a_view_and_page_keys_go_on(page):
+    def in_focus():
+        return page.browser.js("return document.activeElement.dataset.number ?? document.activeElement.className.baseVal")
+
+    page.press("sample")
+    page.wait_for_points(12)
+    tab_to(page, "#source-view .point")
+    seen = [in_focus()]
+    for key in ("PageUp", "PageDown", "PageDown", "PageUp"):
+        page.browser.key(key)
+        page.settle()
+        seen.append(in_focus())
+    assert seen == ["1", "1", "2", "3", "2"]
+    page.browser.key("Tab")
+    assert not page.browser.js("return document.activeElement.closest('#source-view') !== null")
+    page.browser.key("Tab", "Shift")
+    assert in_focus() == "2"
+
+
 def test_enter_adds_a_point_where_the_cross_is(image):
     tab_to(image, "#source-view .drawing")
     image.browser.key("ArrowRight")
