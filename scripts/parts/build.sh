@@ -32,7 +32,7 @@ declare -A packages=(
     [windows-x86]="$cross_tests g++-mingw-w64-i686-posix"
     [wince-armv4]="$cross_tests $armel clang"
     [consumers]="$native make python3 pkgconf meson clang lld llvm $mingw wine wine64 gcc-arm-none-eabi"
-    [wasm]="$tools python3 googletest libeigen3-dev clang lld llvm binaryen chromium nodejs $npm node-typescript wasi-libc
+    [wasm]="$tools python3 googletest libeigen3-dev clang lld llvm binaryen nodejs $npm node-typescript wasi-libc
             g++ libcli11-dev libfast-float-dev nlohmann-json3-dev
             libclang-rt-14-dev-wasm32 libc++-14-dev-wasm32 libc++abi-14-dev-wasm32 $browser"
     [package-linux]="$native $fitpoints $site"
