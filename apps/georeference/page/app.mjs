@@ -2,6 +2,7 @@
 // Copyright (c) 2026 the nuv1math authors
 // SPDX-License-Identifier: MIT
 
+import { element } from './elements.mjs';
 import { Entry } from './entry.mjs';
 import { Fitting, wordsOfState } from './fitting.mjs';
 import { keepDocument, keepImage, keptDocument, keptImages } from './keeping.mjs';
@@ -16,10 +17,6 @@ import { View } from './view.mjs';
 const SETTLED = 250;        // milliseconds without a change
 const IMAGES = { sourceImage: 'source', targetImage: 'target' };
 const SETTINGS = { blend: 60, mode: 'fade', theme: 'system' };
-
-function element(id) {
-    return document.getElementById(id);
-}
 
 function other(side) {
     return side === 'source' ? 'target' : 'source';

@@ -2,6 +2,7 @@
 // Copyright (c) 2026 the nuv1math authors
 // SPDX-License-Identifier: MIT
 
+import { element } from './elements.mjs';
 import { Opener, saveResult } from './files.mjs';
 import { loadImage } from './images.mjs';
 import { SAMPLE_PLACE, sampleMap, sampleScan } from './sample.mjs';
@@ -9,10 +10,6 @@ import { EMPTY, isComplete } from './store.mjs';
 
 // What the engine's reasons mean here.
 const HINTS = { world: ' (here: choose it at "Kind")', proj: ' (here: choose it at "Kind")' };
-
-function element(id) {
-    return document.getElementById(id);
-}
 
 function onClick(id, action) {
     element(id).addEventListener('click', action);

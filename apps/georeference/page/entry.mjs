@@ -2,12 +2,9 @@
 // Copyright (c) 2026 the nuv1math authors
 // SPDX-License-Identifier: MIT
 
+import { element } from './elements.mjs';
 import { parseNumber, parsePair } from './numbers.mjs';
 import { isComplete } from './store.mjs';
-
-function element(id) {
-    return document.getElementById(id);
-}
 
 // The actions: edit(id, values), remove(id).
 export class Entry {

@@ -2,6 +2,8 @@
 // Copyright (c) 2026 the nuv1math authors
 // SPDX-License-Identifier: MIT
 
+import { element } from './elements.mjs';
+
 const CHOICES = {
     asked: 'the kind that was asked for',
     richest: 'the richest kind that the points support',
@@ -14,10 +16,6 @@ const PARAMETERS = [['sx', 'scale x', 1, ''], ['sy', 'scale y', 1, ''], ['rotati
     ['skew', 'skew', DEGREES, '°']];
 
 const NO_POINTS = 'No transformation yet: two points give a conformal one, three an affine, four an omographic one.';
-
-function element(id) {
-    return document.getElementById(id);
-}
 
 function write(target, text) {
     if (target.textContent !== text) {
