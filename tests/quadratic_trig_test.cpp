@@ -466,6 +466,15 @@ TEST(SolveQuadTrigSlow, FindsAsManyAnglesAsTheFunctionChangesSign)
     EXPECT_GT(viCounts[0] + viCounts[2] + viCounts[4], iEquations * 9 / 10); // the scan could tell nearly always
 }
 
+// a cos^2 + a sin^2 - a is 0, and d cos + e sin is left. Beside the rounding errors of the three terms it has no sign.
+TEST(SolveQuadTrig, TheScanDoesNotCountSignsThatRoundingMakes)
+{
+    const TTrigEquation Equation = {150.6579716657107,      150.6579716657107,       0,
+                                    -2.230870066657894e-15, -8.5412631362907187e-16, -150.6579716657107};
+    EXPECT_EQ(-1, CountSolutions(Equation));
+    EXPECT_EQ(2, SolveQuadratic(Equation).iResult);
+}
+
 TEST(SolveQuadTrig, AnglesAscendAndAreApart)
 {
     std::mt19937_64 Random(3);

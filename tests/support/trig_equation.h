@@ -9,6 +9,7 @@
 
 #include <array>
 #include <cmath>
+#include <limits>
 
 namespace nuv_tests {
 
@@ -58,7 +59,9 @@ inline bool IsAngle(double a_dAngle)
 // The number of solutions in one turn, or -1 if the scan cannot tell. The coefficients bound the function f and its
 // first two derivatives. Consider an interval of width h that begins at t. If |f(t)| is more than f can change in it,
 // it contains no solution. If |f'(t)| is more than f' can change in it, f is monotone there, and has one solution if
-// its sign changes and none otherwise. Any other interval is close to a double solution, which rounding decides.
+// its sign changes and none otherwise. Any other interval is close to a double solution, which rounding decides. The
+// sign of a value says nothing if rounding can have made it: with a = b = -f, those terms cancel and d and e may be less
+// than their rounding errors.
 inline int CountSolutions(const TTrigEquation& a_Equation)
 {
     constexpr std::size_t Steps = 2048;
@@ -77,16 +80,21 @@ inline int CountSolutions(const TTrigEquation& a_Equation)
     const double dSingle = std::fabs(a_Equation.dD) + std::fabs(a_Equation.dE);
     const double dMostSlope = dDouble + dSingle;
     const double dMostBend = 2.0 * dDouble + dSingle;
+    const long double dMostRounding = 16 * std::numeric_limits<long double>::epsilon() * a_Equation.Norm();
     const auto Value = [&](std::size_t i) { return a_Equation.At(Grid[i][0], Grid[i][1]); };
     int iSolutions = 0;
     long double dValue = Value(0);
     for (std::size_t i = 0; i < Steps; ++i)
     {
         const long double dNext = Value(i + 1);
+        if (std::fabs(dValue) <= dMostRounding || std::fabs(dNext) <= dMostRounding)
+        {
+            return -1;
+        }
         if (std::fabs(dValue) <= dMostSlope * Width)
         {
             const long double dSlope = a_Equation.Derivative(Grid[i][0], Grid[i][1]);
-            if (std::fabs(dSlope) <= dMostBend * Width || dValue == 0.0L || dNext == 0.0L)
+            if (std::fabs(dSlope) <= dMostBend * Width)
             {
                 return -1;
             }
