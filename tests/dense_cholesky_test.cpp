@@ -38,8 +38,8 @@ TTriangle Square(const TRows& a_Lower)
     return TTriangle(Packed(a_Lower), a_Lower.size(), TStorage::Square);
 }
 
-// Runs a statement. The signalling NaN in the upper triangle raise the invalid flag if it operates on one. WebAssembly
-// has no flags.
+// Runs a statement. The upper triangle holds signalling NaNs: an operation on one of them would raise the invalid flag.
+// WebAssembly has no flags.
 template <class TStatement> auto Quietly(TStatement a_Statement)
 {
 #ifdef FE_INVALID

@@ -3,10 +3,10 @@
 
 usage: check_coverage.py COVERAGE.json (of gcovr)
 
-A line that no test can reach completely has a marker: "unreachable", "host only" or "by processor" (see markers.py). The check fails
-where something is missed without a marker, and where a marker covers nothing that is missed. It reads only the lines
-that were compiled for coverage, so a marker may stand in code of another platform. The marker "by processor" may cover
-nothing that is missed: it depends on the machine.
+A line that no test can reach completely has a marker: "unreachable", "host only" or "by processor" (see markers.py).
+The check fails where something is missed without a marker. It also fails where one of the first two markers covers
+nothing that is missed; with "by processor" that depends on the machine. It reads only the lines that were compiled for
+coverage, so a marker may stand in code of another platform.
 
 Copyright (c) 2026 the nuv1math authors
 SPDX-License-Identifier: MIT

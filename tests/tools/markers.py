@@ -9,10 +9,10 @@ A marker stands at the end of its line, or alone on the line above it:
 "unreachable"  no input reaches the line, or takes one of its branches.
 "host only"    other machines or other builds reach it.
 "by processor" some processors reach it and others do not, since their vectors have another width.
-"equivalent"   some change of the line, of those that mutate.py makes, changes no result.
+"equivalent"   some change of the line, of those that mutations.py makes, changes no result.
 
-The reason after the colon is required. A marker of an if covers its block too,
-and one above a function the whole function.
+The reason after the colon is required. A marker of an if covers its block too, and one above a function the whole
+function.
 
 Copyright (c) 2026 the nuv1math authors
 SPDX-License-Identifier: MIT
