@@ -4,19 +4,17 @@
 Copyright (c) 2026 the nuv1math authors
 SPDX-License-Identifier: MIT
 
-    python3 make_random_sequences.py           prints the table
-    python3 make_random_sequences.py --check   compares it with tests/data/random_sequences.txt
+    python3 make_random_sequences.py           writes tests/data/random_sequences.txt
+    python3 make_random_sequences.py --check   makes it anew and fails if the file is another
 
 No floating-point operation takes part: the three generators are congruences in whole numbers, and the two products
 and the sum that make a value are exact fractions, each rounded once to a double (53 bits, ties to even).
 """
 
-import argparse
-import pathlib
-import sys
 from fractions import Fraction
 
-TABLE = pathlib.Path(__file__).resolve().parent.parent / "data/random_sequences.txt"
+from tables.files import write_or_check
+
 WORD = 2**32
 MULTIPLIERS = (7141, 8121, 4561)
 INCREMENTS = (54773, 28411, 51349)
@@ -127,14 +125,5 @@ def table():
     return HEADER.format(draws=len(drawn), divided=divided) + "".join(blocks)
 
 
-def main():
-    parser = argparse.ArgumentParser(description=__doc__.splitlines()[0])
-    parser.add_argument("--check", action="store_true", help="compare with the committed table")
-    if not parser.parse_args().check:
-        sys.stdout.write(table())
-    elif table() != TABLE.read_text():
-        sys.exit(f"{TABLE.name} is not what this script makes")
-
-
 if __name__ == "__main__":
-    main()
+    write_or_check(__doc__.splitlines()[0], [("random_sequences.txt", table(), f"{len(SEQUENCES)} sequences")])

@@ -20,15 +20,14 @@ products with such a number. A sine, cosine or tangent has an absolute error of 
 some platforms reduce angles with a pi of 66 bits; it matters only close to a zero or a pole.
 """
 
-import argparse
 import re
-import sys
 
 import mpmath
 import reference
 from exactdouble import INFINITY, LEAST, LEAST_NORMAL, NAN, ONE, ZERO, ExactDouble, rounded, sqrt
 from make_random_sequences import Generator, value_of
-from tables.table import ABOVE, BELOW, DATA, SPECIALS, TOLERANCE, TWO_PI, Table, number, numbers, power_of_two
+from tables.files import write_or_check
+from tables.table import ABOVE, BELOW, SPECIALS, TOLERANCE, TWO_PI, Table, number, numbers, power_of_two
 
 mpmath.mp.dps = 50
 
@@ -712,23 +711,11 @@ TABLES = [
 ]
 
 
-def main():
-    parser = argparse.ArgumentParser(description=__doc__.splitlines()[0])
-    parser.add_argument("--check", action="store_true", help="compare with the files instead of writing them")
-    check = parser.parse_args().check
-    different = []
+def files():
     for make in TABLES:
         table = make()
-        path = DATA / f"{table.name}.txt"
-        text = table.text()
-        if not check:
-            path.write_text(text, encoding="ascii", newline="\n")
-        elif not path.exists() or path.read_bytes() != text.encode("ascii"):
-            different.append(path.name)
-        print(f"{table.name}: {len(table.lines) // 2} cases")
-    if different:
-        sys.exit("make_ulp_vectors: not as generated: " + ", ".join(different))
+        yield f"{table.name}.txt", table.text(), f"{len(table.lines) // 2} cases"
 
 
 if __name__ == "__main__":
-    main()
+    write_or_check(__doc__.splitlines()[0], files())

@@ -21,9 +21,6 @@ degeneracy; special: zeros, infinities, NaN, subnormal and greatest numbers; ord
 of operations (reference.DEVIATIONS) gives other bits than the right one, at least three for each routine and order.
 """
 
-import argparse
-import sys
-
 from tables.cholesky import (
     table_cholesky,
     table_dense_cholesky,
@@ -33,6 +30,7 @@ from tables.cholesky import (
     table_update_sparse,
 )
 from tables.eigenvalues import table_balance, table_eigenvalues, table_reduce
+from tables.files import write_or_check
 from tables.fits import table_affine_fit, table_conformal_fit, table_omographic_fit, table_selection
 from tables.gauss import table_gauss, table_max_abs, table_upper
 from tables.polynomials import table_polynomials
@@ -45,7 +43,6 @@ from tables.records import (
     table_untransform,
 )
 from tables.scalars import table_hypot, table_mean, table_period
-from tables.table import DATA
 
 TABLES = [
     table_mean,
@@ -77,24 +74,12 @@ TABLES = [
 ]
 
 
-def main():
-    parser = argparse.ArgumentParser(description=__doc__.splitlines()[0])
-    parser.add_argument("--check", action="store_true", help="compare with the files instead of writing them")
-    check = parser.parse_args().check
-    different = []
-    DATA.mkdir(exist_ok=True)
+def files():
     for make in TABLES:
         table = make()
-        path = DATA / f"{table.name}.txt"
-        text = table.text()
-        if not check:
-            path.write_text(text, encoding="ascii", newline="\n")
-        elif not path.exists() or path.read_bytes() != text.encode("ascii"):
-            different.append(path.name)
-        print(f"{table.name}: {len(table.lines) // 2} cases, {len(set(table.deviations))} wrong orders told apart")
-    if different:
-        sys.exit("make_vectors: not as generated: " + ", ".join(different))
+        yield (f"{table.name}.txt", table.text(),
+               f"{len(table.lines) // 2} cases, {len(set(table.deviations))} wrong orders told apart")
 
 
 if __name__ == "__main__":
-    main()
+    write_or_check(__doc__.splitlines()[0], files())

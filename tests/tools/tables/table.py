@@ -2,12 +2,9 @@
 # Copyright (c) 2026 the nuv1math authors
 # SPDX-License-Identifier: MIT
 
-import pathlib
-
 import reference
 from exactdouble import GREATEST, INFINITY, LEAST, LEAST_NORMAL, NAN, ONE, ZERO, ExactDouble, Sequence, rounded
 
-DATA = pathlib.Path(__file__).resolve().parents[2] / "data"
 CASES_PER_DEVIATION = 4
 TRIES_PER_DEVIATION = 3000
 
