@@ -244,6 +244,36 @@ static void AddDenseSolve(const TSystemPointer& a_pSystem)
     Solve.Floors(a_pSystem->vdPacked.size(), SolveOperations(n), n + FactorChain(n));
 }
 
+// OpenCV and GSL for AddDenseSystem. a_AddPeer takes a name, and a function that overwrites a matrix and its right-hand
+// side with the solution.
+template <class TAddPeer> static void AddOpenCvSystem([[maybe_unused]] int n, [[maybe_unused]] TAddPeer a_AddPeer)
+{
+#ifdef NUV_BENCH_OPENCV
+    a_AddPeer("OpenCV hal::Cholesky64f", [n](double* a_vdMatrix, double* a_vdVector)
+              { cv::hal::Cholesky64f(a_vdMatrix, n * sizeof(double), n, a_vdVector, sizeof(double), 1); });
+    a_AddPeer("OpenCV solve",
+              [n](double* a_vdMatrix, double* a_vdVector)
+              {
+                  cv::Mat x(n, 1, CV_64F, a_vdVector);
+                  cv::solve(cv::Mat(n, n, CV_64F, a_vdMatrix), x, x, cv::DECOMP_CHOLESKY);
+              });
+#endif
+}
+
+template <class TAddPeer> static void AddGslSystem([[maybe_unused]] int n, [[maybe_unused]] TAddPeer a_AddPeer)
+{
+#ifdef NUV_BENCH_GSL
+    a_AddPeer("GSL gsl_linalg_cholesky_decomp1, svx",
+              [iStep = std::size_t(n)](double* a_vdMatrix, double* a_vdVector)
+              {
+                  gsl_matrix_view L = gsl_matrix_view_array(a_vdMatrix, iStep, iStep);
+                  gsl_vector_view x = gsl_vector_view_array(a_vdVector, iStep);
+                  gsl_linalg_cholesky_decomp1(&L.matrix);
+                  gsl_linalg_cholesky_svx(&L.matrix, &x.vector);
+              });
+#endif
+}
+
 static void AddDenseSystem(const TSystemPointer& a_pSystem)
 {
     const int n = a_pSystem->n;
@@ -253,65 +283,37 @@ static void AddDenseSystem(const TSystemPointer& a_pSystem)
     vdSystem.insert(vdSystem.end(), a_pSystem->vdRhs.begin(), a_pSystem->vdRhs.end());
     const auto pSource = std::make_shared<const TValues>(vdSystem);
     const TWork vdWork(pSource->size());
-    const auto TellSolution = [=](const TWork& a_vd) { return TValues(a_vd.end() - n, a_vd.end()); };
     const auto On = [=](auto a_Function)
     { return OnCopy(pSource, [=](double* a_vd) { a_Function(a_vd, a_vd + iStep * iStep); }); };
+    const auto TellSolution = [=](const TWork& a_vd) { return TValues(a_vd.end() - n, a_vd.end()); };
 
     TContest Both("Cholesky and SolveChol", n);
-    Both.Ours("Cholesky and SolveChol", vdWork,
-              On(
-                  [n](double* a_vdMatrix, double* a_vdVector)
-                  {
-                      nuv::Cholesky(n, a_vdMatrix);
-                      nuv::SolveChol(n, a_vdMatrix, a_vdVector);
-                  }),
-              TellSolution);
-    Both.Peer("Eigen LLT", TOLERANCE, vdWork,
-              On(
-                  [n](double* a_vdMatrix, double* a_vdVector)
-                  {
-                      Eigen::Map<Eigen::MatrixXd> L(a_vdMatrix, n, n);
-                      Eigen::Map<Eigen::VectorXd> x(a_vdVector, n);
-                      Eigen::LLT<Eigen::Ref<Eigen::MatrixXd> >(L).solveInPlace(x);
-                  }),
-              TellSolution);
+    const auto Peer = [&](const std::string& a_szName, auto a_Function)
+    { Both.Peer(a_szName, TOLERANCE, vdWork, On(a_Function), TellSolution); };
+    const auto Ours = [n](double* a_vdMatrix, double* a_vdVector)
+    {
+        nuv::Cholesky(n, a_vdMatrix);
+        nuv::SolveChol(n, a_vdMatrix, a_vdVector);
+    };
+    Both.Ours("Cholesky and SolveChol", vdWork, On(Ours), TellSolution);
+    Peer("Eigen LLT",
+         [n](double* a_vdMatrix, double* a_vdVector)
+         {
+             Eigen::Map<Eigen::MatrixXd> L(a_vdMatrix, n, n);
+             Eigen::Map<Eigen::VectorXd> x(a_vdVector, n);
+             Eigen::LLT<Eigen::Ref<Eigen::MatrixXd> >(L).solveInPlace(x);
+         });
     AddKnown<TKnownSystem>(Both, a_pSystem);
-#ifdef NUV_BENCH_OPENCV
-    Both.Peer("OpenCV hal::Cholesky64f", TOLERANCE, vdWork,
-              On([n, iStep](double* a_vdMatrix, double* a_vdVector)
-                 { cv::hal::Cholesky64f(a_vdMatrix, iStep * sizeof(double), n, a_vdVector, sizeof(double), 1); }),
-              TellSolution);
-    Both.Peer("OpenCV solve", TOLERANCE, vdWork,
-              On(
-                  [n](double* a_vdMatrix, double* a_vdVector)
-                  {
-                      cv::Mat x(n, 1, CV_64F, a_vdVector);
-                      cv::solve(cv::Mat(n, n, CV_64F, a_vdMatrix), x, x, cv::DECOMP_CHOLESKY);
-                  }),
-              TellSolution);
-#endif
-#ifdef NUV_BENCH_GSL
-    Both.Peer("GSL gsl_linalg_cholesky_decomp1, svx", TOLERANCE, vdWork,
-              On(
-                  [iStep](double* a_vdMatrix, double* a_vdVector)
-                  {
-                      gsl_matrix_view L = gsl_matrix_view_array(a_vdMatrix, iStep, iStep);
-                      gsl_vector_view x = gsl_vector_view_array(a_vdVector, iStep);
-                      gsl_linalg_cholesky_decomp1(&L.matrix);
-                      gsl_linalg_cholesky_svx(&L.matrix, &x.vector);
-                  }),
-              TellSolution);
-#endif
+    AddOpenCvSystem(n, Peer);
+    AddGslSystem(n, Peer);
     for (const TLapack& Lapack : Lapacks())
     {
-        Both.Peer(Lapack.Name() + " dpotrf, dpotrs", TOLERANCE, vdWork,
-                  On(
-                      [n, &Lapack](double* a_vdMatrix, double* a_vdVector)
-                      {
-                          Lapack.Potrf('L', n, a_vdMatrix);
-                          Lapack.Potrs('L', n, a_vdMatrix, a_vdVector);
-                      }),
-                  TellSolution);
+        Peer(Lapack.Name() + " dpotrf, dpotrs",
+             [n, &Lapack](double* a_vdMatrix, double* a_vdVector)
+             {
+                 Lapack.Potrf('L', n, a_vdMatrix);
+                 Lapack.Potrs('L', n, a_vdMatrix, a_vdVector);
+             });
     }
 }
 
