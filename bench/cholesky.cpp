@@ -244,8 +244,8 @@ static void AddDenseSolve(const TSystemPointer& a_pSystem)
     Solve.Floors(a_pSystem->vdPacked.size(), SolveOperations(n), n + FactorChain(n));
 }
 
-// OpenCV and GSL for AddDenseSystem. a_AddPeer takes a name, and a function that overwrites a matrix and its right-hand
-// side with the solution.
+// Peers of AddDenseSystem. a_AddPeer takes a name, and a function that overwrites a matrix by its factor and a right-hand
+// side by the solution.
 template <class TAddPeer> static void AddOpenCvSystem([[maybe_unused]] int n, [[maybe_unused]] TAddPeer a_AddPeer)
 {
 #ifdef NUV_BENCH_OPENCV

@@ -19,22 +19,8 @@ PICTURE = ROOT / "docs/accuracy.svg"
 KINDS = ("conformal", "affine", "omographic")
 NO_FIT = 10.0  # where the plot has what has no result
 
-
-def make_tables(program):
-    text = subprocess.run([program, ROOT / "apps/fitpoints/sample.csv"], check=True, capture_output=True,
-                          text=True).stdout
-    parts = re.split(r"^== (\w+)\n", text, flags=re.MULTILINE)
-    return {name: table.strip() for name, table in zip(parts[1::2], parts[2::2])}
-
-
-def limits():
-    """Of the routines that go through the platform's functions, as their tests hold them."""
-    found = re.findall(r'TErrors Errors\("(\w+)", ([0-9.]+)\)', (ROOT / "tests/ulp_test.cpp").read_text())
-    return table(["routine", "units at most"], [[f"`{name}`", f"{float(limit):g}"] for name, limit in found])
-
-
-def document(tables):
-    return f"""<!-- SPDX-License-Identifier: MIT -->
+# The page; the parts in braces are measured.
+PAGE = """<!-- SPDX-License-Identifier: MIT -->
 # How accurate the results are
 
 `scripts/docs accuracy` makes this page, and a test compares it with what the library does now. Every result is compared
@@ -65,26 +51,26 @@ transformation. Bold figures are greater than the noise.
 
 Conformal:
 
-{tables["conformal"]}
+{conformal}
 
 Affine:
 
-{tables["affine"]}
+{affine}
 
 Omographic:
 
-{tables["omographic"]}
+{omographic}
 
 The same by offset/extent. Distances are relative to the extent, errors of the coefficients A, B, D and E to the
 greatest of them. The last figure tells by which part of itself the sum of squared residuals is too great.
 
-{tables["ratios"]}
+{ratios}
 
 A transformation that takes the source origin close to infinity has no good coefficients at any extent. A local origin
 in the middle of the points helps there too. The sample of [fitpoints](../apps/fitpoints/README.md), as it is and from a
 local origin (distances relative to the extent of the target):
 
-{tables["files"]}
+{files}
 
 `accuracy FILE...` makes that table for other files of control points.
 
@@ -93,14 +79,14 @@ local origin (distances relative to the extent of the target):
 Relative errors of the inverse of an affine transformation and of points mapped backwards, median / greatest of 2000.
 They depend on how close to parallel the axes are:
 
-{tables["inverses"]}
+{inverses}
 
 Parameters, angles and normal numbers depend on the platform's elementary functions. Tests on every platform hold them
 to these numbers of units in the last place. The unit is that of the result or, where the result is a sum that cancels,
 that of the greatest term. The tests of each platform write the greatest errors seen to `ulps.txt` in its build
 directory.
 
-{limits()}
+{limits}
 
 Some platforms reduce angles with a pi of 66 bits (the x87 instructions that mingw-w64 uses). A sine or cosine that
 should be 6e-17 is wrong in its fifth digit there, which is no error relative to 1.
@@ -111,7 +97,7 @@ The norm of A - L L' in units of n eps |A|, and the relative error of the soluti
 random matrices. The elements of L cannot grow, because the squares of a row add up to its diagonal element of A. Both
 storage forms give the same factor.
 
-{tables["cholesky"]}
+{cholesky}
 
 At a condition number of 2^53 the matrix is singular within rounding, and no digit of the solution need be right.
 
@@ -120,18 +106,35 @@ At a condition number of 2^53 the matrix is singular within rounding, and no dig
 `Roots` was called with the tolerance 1e-6. Errors are relative to the true roots of the polynomial whose coefficients
 are the rounded ones.
 
-{tables["polynomials"]}
+{polynomials}
 
 ## Angles
 
 `SolveLinTrig`, 500 random equations in each row. The two angles approach each other as |c| approaches hypot(a, b):
 
-{tables["linear"]}
+{linear}
 
 `SolveQuadTrig`, with four coefficients or more:
 
-{tables["quadratic"]}
+{quadratic}
 """
+
+
+def make_tables(program):
+    text = subprocess.run([program, ROOT / "apps/fitpoints/sample.csv"], check=True, capture_output=True,
+                          text=True).stdout
+    parts = re.split(r"^== (\w+)\n", text, flags=re.MULTILINE)
+    return {name: table.strip() for name, table in zip(parts[1::2], parts[2::2])}
+
+
+def limits():
+    """Of the routines that go through the platform's functions, as their tests hold them."""
+    found = re.findall(r'TErrors Errors\("(\w+)", ([0-9.]+)\)', (ROOT / "tests/ulp_test.cpp").read_text())
+    return table(["routine", "units at most"], [[f"`{name}`", f"{float(limit):g}"] for name, limit in found])
+
+
+def document(tables):
+    return PAGE.format(limits=limits(), **tables)
 
 
 def plot(tables):

@@ -74,7 +74,7 @@ TCensus MulSub(int a_iTimes)
     return Mul(a_iTimes) + Sub(a_iTimes);
 }
 
-// The greater of two magnitudes g is found, and with the ratio r of both sqrt(r r + 1) g is formed.
+// g sqrt(r r + 1), where g is the greater of two magnitudes and r is the smaller one divided by g.
 const TCensus Hypot = Compare(1) + Div(1) + MulAdd(1) + Once(OPERATION_SQRT) + Mul(1);
 
 // A degeneracy test is one comparison of a magnitude. An angle of atan2 is compared once with the period; if it is
@@ -83,38 +83,44 @@ const TCensus Degeneracy = Compare(1);
 const TCensus ReducePositive = Compare(1);
 const TCensus ReduceNegative = Compare(1) + Add(1);
 
-// a11 a22 - a12 a21 and a22 b1 - a12 b2, degeneracy, one reciprocal; a11 b2 - a21 b1, and both unknowns scaled.
+// Cramer's rule: three determinants of two products each, the test of the first one, its reciprocal, and a product of
+// that with each of the others.
 const TCensus TwoUnknowns = 3 * (Mul(1) + MulSub(1)) + Degeneracy + Div(1) + Mul(2);
 
-// Four sums of n values, that of an odd count starting as its first value, and four quotients by one converted count.
+// Four sums of n values, each divided by the count, which is converted once. The sum of an odd number of values begins
+// with the first value, that of an even number with zero.
 TCensus Means(int n)
 {
     return 4 * (Add(n % 2 == 0 ? n : n - 1) + Div(1)) + Convert(1);
 }
 
-// Elimination of 3 unknowns with two right-hand sides, no pivot or factor being 0 or 1: the search among 3 and 2
-// magnitudes; three reciprocals, which scale 2 + 2, 1 + 2 and 0 + 2 elements; two rows of 2 + 2 elements and one of 1 +
-// 2. Then for each right-hand side 0, 1 and 2 products, summed from 0 and taken off; the diagonal is 1, which nothing
-// needs to be divided by.
+// Elimination of 3 unknowns with two right-hand sides, where no pivot and no factor is 0 or 1:
+//   the pivots: 2 + 1 comparisons of magnitudes, three reciprocals, and pivot rows of 2 + 2, 1 + 2 and 0 + 2 elements;
+//   the rows below them: two rows of 2 + 2 elements, then one of 1 + 2.
+// Then the substitution for each right-hand side: 1 and 2 products are added up, from zero on, and the two sums are
+// subtracted. The diagonal is 1, so nothing is divided.
 const TCensus Gauss3 = Compare(2 + 1) + Div(3) + Mul(4 + 3 + 2) + MulAdd(2 * 4 + 3) + 2 * (MulAdd(3) + Sub(2));
 
-// Per point four differences and eleven sums, seven of them of products; then the solution, and two translations.
+// For each point four differences and eleven sums, seven of them of products. Then the solution of the normal equations
+// and two translations.
 TCensus AffineFit(int n)
 {
     return Means(n) + n * (Sub(4) + MulAdd(7) + Add(4)) + Convert(1) + Gauss3 + 2 * (Add(1) + MulSub(2));
 }
 
-// Per point four differences and three sums of a sum or difference of two products; then the reciprocal of the first
-// scales two coefficients, four products make the translations and the squared norm divides the inverse's part.
+// For each point four differences and three sums, each of a sum or difference of two products. Then the test of the
+// first sum, whose reciprocal scales the other two to the coefficients; four products for the translations; and the
+// squared norm of the coefficients. One coefficient of the inverse is a quotient by it, the other one a product with the
+// quotient -1 by it.
 TCensus ConformalFit(int n)
 {
     return Means(n) + n * (Sub(4) + 2 * (Mul(1) + MulAdd(1) + Add(1)) + Mul(1) + MulSub(1) + Add(1)) + Degeneracy +
            Div(1) + Mul(2) + MulSub(2) + MulAdd(1) + MulSub(1) + Hypot + Mul(1) + Div(2) + Mul(1);
 }
 
-// Column i: i squares are subtracted from the diagonal, then its root follows. Then one reciprocal, and in
-// each of the n - 1 - i rows below, i products are subtracted and one is formed with the reciprocal. Summed over i from
-// 0 to n - 1.
+// In column i, i squares are subtracted from the diagonal, whose root is taken. In each of the n - 1 - i rows below, i
+// products are subtracted, and the rest is multiplied by the reciprocal of the root. The last column needs no reciprocal.
+// The counts are sums over i from 0 to n - 1.
 TCensus Factorisation(int n)
 {
     return MulSub(n * (n - 1) / 2) + Times(OPERATION_SQRT, n) + Div(n - 1) + MulSub(n * (n - 1) * (n - 2) / 6) +
@@ -134,11 +140,14 @@ TCensus Update(int a_iNotZero)
     return MulAdd(a_iNotZero * (a_iNotZero + 1) / 2 + a_iNotZero);
 }
 
-// Eight unknowns. Linear rows: four products. Refined rows: three forms of two products, two reciprocals, one of a
-// square, four products of a coordinate by one of them, four by a form, two residuals; then the corrections are added
-// and the greatest is found and judged. The normal equations consist of 29 sums: the first three coefficients, which
-// both rows of a point have in common, with themselves and with the two others and the value of each row (9 + 8 + 7),
-// and those two with themselves and the value (3 + 2), which the second row adds to as the first.
+// Eight unknowns, two rows for each point.
+//   Rows of the linear equations: four products.
+//   Rows of a refinement: the numerators U and V and the denominator W, each of two products and a constant; W^2; the
+//   reciprocals of W and W^2; eight products with these; two residuals of a product each.
+//   Normal equations: both rows of a point have the same three coefficients, and each has two more and a value. The
+//   products of the three with each other and with these six numbers are 9 + 8 + 7 sums. The products of a row's two
+//   coefficients with each other and with its value (3 + 2) are added for both rows to the same five sums.
+// After a refinement the eight corrections are added, the greatest is found, and compared with the threshold.
 TCensus OmographicFit(int n, int a_iRefinements)
 {
     const TCensus Solve = Factorisation(8) + Solution(8);
@@ -148,7 +157,8 @@ TCensus OmographicFit(int n, int a_iRefinements)
            a_iRefinements * (n * (Refined + Sums) + Solve + Add(8) + Compare(8) + Compare(1));
 }
 
-// B^2 - A C 4, its sign, its root; B is added with its own sign, and this sum divided by 2A, or divides 2C.
+// The discriminant B^2 - 4 A C, its sign and its root. B and the root are added with equal signs. One solution is this
+// sum divided by 2A, the other one 2C divided by the sum. If B is not negative, -2 is the factor of C, which is a product.
 TCensus Quadratic(bool a_bNegativeB)
 {
     return Mul(3) + Sub(1) + Compare(1) + Once(OPERATION_SQRT) + (a_bNegativeB ? Sub(1) + Add(1) : Add(1) + Mul(1)) +
