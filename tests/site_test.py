@@ -101,21 +101,30 @@ class Claims(unittest.TestCase):
 
     def rows(self, document, *cells):
         """The numbers of the one row of a table that begins with these cells."""
-        found = [line for line in (ROOT / "docs" / document).read_text().splitlines()
+        found = [line for line in (ROOT / document).read_text().splitlines()
                  if line.startswith("| " + " | ".join(cells) + " |")]
         self.assertEqual(len(found), 1, cells)
         return [float(cell) for cell in found[0].split("|")[1 + len(cells):-1] if re.fullmatch(r" *[\d.]+ *", cell)]
 
     def test_costs_on_a_device(self):
-        costs = "performance-device.md"
+        costs = "docs/performance-device.md"
         affine, omographic = (self.rows(costs, f"`Calc{kind}Coefs`", "n = 10")[0] for kind in ("Affine", "Omographic"))
         self.assertGreater(omographic / affine, 10)
         self.assertAlmostEqual(affine / self.rows(costs, "`AffineUntransform`", "")[0], 20, delta=5)
 
     def test_size_on_a_device(self):
-        code, = self.rows("footprint.md", "code")
-        constants, = self.rows("footprint.md", "read-only data")
+        page = "docs/footprint.md"
+        code, constants, data = (self.rows(page, kind)[0] for kind in ("code", "read-only data", "writable data"))
+        stacks = re.findall(r"^\| `.* \| (\d+) \|$", (ROOT / page).read_text(), re.MULTILINE)
         self.assertLessEqual(code + constants, 25 * 1024)
+        self.assertLessEqual(code + constants + data + max(map(int, stacks)), 28 * 1024)
+
+    def test_speed_of_the_fits(self):
+        for kind in ("affine", "conformal", "omographic"):
+            row = re.search(rf"^\| {kind} fit, 100 points \| ([\d.]+) (ns|µs) \| .* \| ([\d.]+) \|$",
+                            (ROOT / "README.md").read_text(), re.MULTILINE)
+            self.assertLess(float(row[1]) * {"ns": 1, "µs": 1000}[row[2]], 3000)
+            self.assertGreater(float(row[3]), 2.5)
 
     def test_number_of_polynomials(self):
         text = (ROOT / "docs/roots.md").read_text()
