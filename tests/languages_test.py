@@ -16,7 +16,7 @@ DIGITS = (BINDINGS / "c/examples/fit.txt").read_text().strip()
 ROW = re.compile(r"^\| ([\w#]+) \| \[(.+?)\]\((.+?)\) \| `(.+?)` \| `(\w+)` \|$", re.MULTILINE)
 BLOCK = re.compile(r"^```\w+\n(.*?)^```$", re.MULTILINE | re.DOTALL)
 NO_CODE = re.compile(r"\s*(//.*|/\*.*\*/|\{.+\}|#!.*|\"\"\".*\"\"\"|[{}])?\s*")
-MOST_LINES = 12 # a C program needs five for its includes, its main and its end
+MOST_LINES = 10
 
 
 def programs():

@@ -7,10 +7,8 @@ int main(void)
     const double x[] = {0, 100, 100, 0, 40}, y[] = {0, 0, 80, 80, 30};
     const double xa[] = {12.1, 110.7, 112.4, 9.8, 51.3}, ya[] = {7.9, 11.2, 92.6, 86.1, 38.5};
     nuv_enumMethodUsed used;
-    nuv_TOmographicParams coefs;
-    int byte, found = nuv_CalcCoefs(5, x, y, xa, ya, 1, NUV_METHOD_OMOGRAPHIC, &used, &coefs);
-    for (byte = 7; found && byte >= 0; --byte)
-        printf("%02x", ((const unsigned char*)&coefs.dA)[byte]);
-    puts("");
-    return !found;
+    union { nuv_TOmographicParams coefs; unsigned int half[2]; } result;
+    if (nuv_CalcCoefs(5, x, y, xa, ya, 1, NUV_METHOD_OMOGRAPHIC, &used, &result.coefs))
+        printf("%08x%08x\n", result.half[1], result.half[0]);
+    return 0;
 }
