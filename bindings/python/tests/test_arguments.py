@@ -238,6 +238,20 @@ def test_a_derived_class_cannot_tell_a_wrong_shape():
             function(*arguments)
 
 
+class OtherThanItIs(np.ndarray):
+    """An array that tells of a type, of gaps and of rights that it has not."""
+
+    dtype = np.dtype(np.float64)
+    flags = np.ones(1).flags
+
+
+@pytest.mark.parametrize("memory", [np.eye(3, dtype=np.float32), np.eye(6)[::2, ::2],
+                                    np.frombuffer(np.eye(3).tobytes()).reshape(3, 3)])
+def test_a_derived_class_cannot_tell_other_memory_than_it_has(memory):
+    with pytest.raises(ValueError, match="must be a writable, contiguous array of float64"):
+        nuv1math.Cholesky(memory.view(OtherThanItIs))
+
+
 def test_what_is_contiguous_is_not_copied():
     column = np.arange(5.0)
     for array in (column, column[1:4], np.ones((3, 5))[1]):

@@ -234,6 +234,12 @@ def test_the_representation_tells_what_one_wants_to_know():
     assert "only 2 points: the affine kind needs 3" in two and "needs 3 to be judged" in two
 
 
+def test_the_representation_of_the_inverse_is_one_line():
+    inverse = nuv1math.fit(SOURCE, TARGET, "affine").inverse
+    assert repr(inverse).startswith("<Inverse of the affine transformation of 7 points, RMS ")
+    assert repr(inverse).endswith(">") and "\n" not in repr(inverse)
+
+
 def test_every_choice_has_words():
     assert sorted(_fit.CHOICES) == sorted(_fit.Choice)
 
@@ -262,12 +268,28 @@ def test_every_choice_has_words():
     (SOURCE, TARGET, {"checks": [-1]}, "checks: -1 is not"),
     (SOURCE, TARGET, {"checks": [1.0]}, "checks is neither"),
     (SOURCE, TARGET, {"checks": [[1]]}, "checks is neither"),
+    (SOURCE, TARGET, {"checks": np.ma.array([1, 2], mask=[0, 1])}, "checks has masked values"),
     (SOURCE, TARGET, {"checks": [True]}, r"checks is a mask of the shape \(1,\), not \(7,\)"),
 ])
 def test_wrong_arguments_are_named(source, target, options, text):
     with pytest.raises(ValueError, match=text) as error:
         nuv1math.fit(source, target, **options)
     assert not isinstance(error.value, nuv1math.FitError)
+
+
+@pytest.mark.parametrize("count", [1, 6, 8])
+def test_residuals_are_those_of_as_many_points(count):
+    fit = nuv1math.fit(SOURCE, TARGET)
+    given = np.ones((count, 2))
+    with pytest.raises(ValueError, match=f"target has {count} points, not 7"):
+        fit.residuals(SOURCE, given)
+    with pytest.raises(ValueError, match=f"source has {count} points, not 7"):
+        fit.inverse.residuals(TARGET, given)
+
+
+def test_control_points_do_not_make_an_object():
+    with pytest.raises(TypeError, match="nuv1math.fit makes a Fit"):
+        nuv1math.Fit(SOURCE, TARGET)
 
 
 def test_a_probability_outside_its_range():

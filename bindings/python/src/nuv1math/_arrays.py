@@ -76,9 +76,9 @@ def columns(x: ArrayLike, y: ArrayLike, xa: ArrayLike, ya: ArrayLike) -> tuple[i
 
 def written(array: Doubles, shape: tuple[int, ...], name: str) -> Any:
     """The address of an array that the library writes."""
-    if not isinstance(array, np.ndarray) or array.dtype != FLOAT64 or not array.flags.carray:
-        raise ValueError(f"{name} is written in place: it must be a writable, contiguous array of float64")
     elements = plain(array, name)  # the attributes of a class that is derived need not be those of its memory
+    if not isinstance(array, np.ndarray) or elements.dtype != FLOAT64 or not elements.flags.carray:
+        raise ValueError(f"{name} is written in place: it must be a writable, contiguous array of float64")
     if elements.shape != shape:
         raise ValueError(f"{name} has the shape {elements.shape}, not {shape}")
     return from_buffer(DOUBLES, elements, require_writable=True)

@@ -155,7 +155,10 @@ def matrix_of(coefs: Any) -> Doubles:
 
 def distances(computed: Doubles, given: npt.ArrayLike, name: str) -> Doubles:
     """The distances of points from given ones."""
-    difference = computed - control_points(given, name)
+    points = control_points(given, name)
+    if len(points) != len(computed):
+        raise ValueError(f"{name} has {len(points)} points, not {len(computed)}")
+    difference = computed - points
     return cast(Doubles, np.sqrt(difference[:, 0] * difference[:, 0] + difference[:, 1] * difference[:, 1]))
 
 
@@ -194,6 +197,8 @@ class Fit:
     _record: Any = dataclasses.field(init=False)
 
     def __post_init__(self) -> None:
+        if getattr(self.judgement, "dtype", None) != JUDGEMENT or getattr(self.points, "dtype", None) != POINT:
+            raise TypeError("nuv1math.fit makes a Fit from control points; a Fit itself takes the records of judgement.h")
         record = bytes(self.judgement.tobytes())
         object.__setattr__(self, "judgement", np.frombuffer(record, JUDGEMENT)[0])
         object.__setattr__(self, "points", read_only(np.array(self.points)))
@@ -573,7 +578,7 @@ def _restored(judgement: bytes, points: bytes) -> Fit:
     return Fit(np.frombuffer(judgement, JUDGEMENT)[0], np.frombuffer(points, POINT))
 
 
-@dataclasses.dataclass(frozen=True, eq=False)
+@dataclasses.dataclass(frozen=True, eq=False, repr=False)
 class Inverse:
     """The way back of a transformation: from the target to the source system.
 
@@ -584,6 +589,9 @@ class Inverse:
     """
 
     inverse: Fit
+
+    def __repr__(self) -> str:
+        return f"<Inverse of the {self.inverse._headline()}>"
 
     def __call__(self, points: npt.ArrayLike) -> Doubles:
         """Source points that belong to target points.

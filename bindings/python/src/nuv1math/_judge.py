@@ -124,7 +124,7 @@ def control_points(values: npt.ArrayLike, name: str) -> npt.NDArray[np.float64]:
 def roles_of(checks: npt.ArrayLike, count: int) -> npt.NDArray[np.intc]:
     """The role of each point, from the indices of check points, or from a mask."""
     roles = np.zeros(count, dtype=np.intc)
-    chosen = np.asarray(checks)
+    chosen = plain(checks, "checks")
     if chosen.dtype == bool and chosen.shape != (count,):
         raise ValueError(f"checks is a mask of the shape {chosen.shape}, not ({count},)")
     if chosen.dtype != bool:
