@@ -40,16 +40,21 @@ def version():
     return ".".join(numbers) if len(numbers) == 3 else fail("nuv1math.h states no version")
 
 
+def setting(name, *values):
+    """A line of doxygen's settings. Quotation marks keep a path with blanks in one piece."""
+    return f"{name} = " + " ".join(f'"{value}"' for value in values)
+
+
 def run_doxygen(folder, inputs, images):
     """Makes the site in folder/html. Every warning ends the program."""
     settings = (ROOT / "docs/site/Doxyfile").read_text() + "\n".join([
         "",
-        f"PROJECT_NUMBER = {version()}",
-        f"OUTPUT_DIRECTORY = {folder}",
-        "INPUT = " + " ".join(map(str, inputs)),
-        f"EXAMPLE_PATH = {ROOT / 'examples'} {ROOT / 'tests/consumers'}",
-        "IMAGE_PATH = " + " ".join(map(str, images)),
-        f"STRIP_FROM_PATH = {folder}",
+        setting("PROJECT_NUMBER", version()),
+        setting("OUTPUT_DIRECTORY", folder),
+        setting("INPUT", *inputs),
+        setting("EXAMPLE_PATH", ROOT / "examples", ROOT / "tests/consumers"),
+        setting("IMAGE_PATH", *images),
+        setting("STRIP_FROM_PATH", folder),
     ])
     run = subprocess.run(["doxygen", "-"], input=settings, capture_output=True, text=True, cwd=ROOT)
     if run.returncode or run.stderr:
@@ -78,6 +83,7 @@ UNNEEDED = [(re.compile(pattern, re.MULTILINE | re.DOTALL), instead) for pattern
     (r' <a href="[^"]*">More\.\.\.</a>', ""),
     (r'^<div class="ttc" [^\n]*\n', ""), # tooltips, which need scripts
     (r'<div id="nav-path".*?</div>', ""),
+    (r'<a class="anchor" id="md_[^"]*"></a>', ""), # the name of a file, with its directories if they are not ASCII
     (r" (?:Struct|Namespace|File) Reference(?=<| -)", ""),
     (r'(<td class="mdescRight">[^\n]*):\s*(?=<br)', r"\1."), # a formula follows the colon elsewhere
     (r"\\\|(?=[^<\n]*</code>)", "|"), # a document writes bars in tables so

@@ -49,7 +49,7 @@ SYMBOLS = [
     (r"\^(-?\w+)", r"<sup>\1</sup>"), (r"\+-", "±"), (r"<=", "≤"), (r">=", "≥"),
     (r"\bsqrt\(", "√("), (r"\bsum\(", "Σ("),
 ]
-AS_IT_IS = re.compile(r"(@f\[.*?@f\]|@(?:image|defgroup|page|section) .*?\n)", re.DOTALL)
+AS_IT_IS = re.compile(r"(@f\[.*?@f\]|@(?:image|defgroup|page|section) .*?(?:\n|\*/))", re.DOTALL)
 HEADING = re.compile(r"^( \*  )(Limits?|Method):( ?)(\w?)", re.MULTILINE)
 HEADINGS = {"Limit": "@limits", "Limits": "@limits", "Method": "**Method.**"}
 ROOTS = {False: "polynomials", True: "linear"} # the two functions of this name, by whether it is that of two unknowns
