@@ -16,7 +16,7 @@ endif()
 
 # The tables of docs/accuracy.md against arithmetic of 120 digits. The test compares them with those in the page.
 if(NUV1MATH_BUILD_APPS AND NUV1MATH_MPFR AND NUV1MATH_GMP AND NUV1MATH_BOOST AND NOT NUV1MATH_SANITIZED)
-  add_executable(accuracy tools/accuracy.cpp)
+  add_executable(accuracy tools/accuracy.cpp tools/accuracy_roots.cpp)
   target_include_directories(accuracy PRIVATE ${CMAKE_CURRENT_SOURCE_DIR})
   target_compile_options(accuracy PRIVATE -Wall -Wextra)
   target_link_libraries(accuracy PRIVATE nuv::nuv1math nuv_floating_point Eigen3::Eigen

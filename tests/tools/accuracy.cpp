@@ -7,59 +7,27 @@
 // The tables are the same on every machine: all routines except the trigonometric ones give the same bits everywhere,
 // and every figure is rounded up to one digit.
 
+#include "accuracy.h"
+
 #include "nuv1math.h"
 
 #include <boost/multiprecision/eigen.hpp>
-#include <boost/multiprecision/mpfr.hpp>
-
-namespace nuv_accuracy {
-using TDigits =
-    boost::multiprecision::number<boost::multiprecision::mpfr_float_backend<120>, boost::multiprecision::et_off>;
-}
 #define NUV_REFERENCE_REAL nuv_accuracy::TDigits
 #include "support/reference_fits.h"
 
 #include <algorithm>
+#include <array>
 #include <cfloat>
-#include <complex>
+#include <cmath>
 #include <cstdio>
 #include <fstream>
 #include <iterator>
 #include <map>
-#include <random>
 #include <sstream>
 #include <stdexcept>
 
-namespace {
+namespace nuv_accuracy {
 
-using nuv_accuracy::TDigits;
-using nuv_reference::TControlPoint;
-using nuv_reference::TMatrix;
-using nuv_reference::TVector;
-using TDoubles = std::vector<double>;
-using TPoints = std::vector<TControlPoint>;
-
-// --- Numbers and cells -----------------------------------------------------------------------------------------------
-
-// Random numbers from -1 to 1, the same on every machine.
-class TRandom
-{
-public:
-    double operator()()
-    {
-        return std::ldexp(static_cast<double>(m_Engine() >> 11), -52) - 1.0;
-    }
-
-private:
-    std::mt19937_64 m_Engine{20261121};
-};
-
-double ToDouble(const TDigits& a_Value)
-{
-    return a_Value.convert_to<double>();
-}
-
-// One digit, rounded up.
 std::string UpperDigit(double a_dValue)
 {
     if (!std::isfinite(a_dValue))
@@ -73,6 +41,12 @@ std::string UpperDigit(double a_dValue)
         std::snprintf(szText, sizeof szText, "%.0e", std::strtod(szText, nullptr) * (1.0 + 1.0 / (szText[0] - '0')));
     }
     return a_dValue < 1e-40 ? "0" : szText; // such an error is that of the reference
+}
+
+std::string Spread(TDoubles a_vdErrors)
+{
+    std::sort(a_vdErrors.begin(), a_vdErrors.end());
+    return UpperDigit(a_vdErrors[a_vdErrors.size() / 2]) + " / " + UpperDigit(a_vdErrors.back());
 }
 
 void PrintRow(const std::vector<std::string>& a_vszCells)
@@ -96,14 +70,14 @@ void StartTable(const char* a_szName, const std::vector<std::string>& a_vszHead)
     std::puts("|");
 }
 
-// --- Conversions and inverses ----------------------------------------------------------------------------------------
+namespace {
 
-// The median and the greatest error.
-std::string Spread(TDoubles a_vdErrors)
-{
-    std::sort(a_vdErrors.begin(), a_vdErrors.end());
-    return UpperDigit(a_vdErrors[a_vdErrors.size() / 2]) + " / " + UpperDigit(a_vdErrors.back());
-}
+using nuv_reference::TControlPoint;
+using nuv_reference::TMatrix;
+using nuv_reference::TVector;
+using TPoints = std::vector<TControlPoint>;
+
+// --- Conversions and inverses ----------------------------------------------------------------------------------------
 
 // An affine transformation whose axes enclose an angle with this sine.
 nuv::TAffineCoefs AffineOf(TRandom& a_Random, double a_dSine)
@@ -532,257 +506,12 @@ void PrintCholesky()
     }
 }
 
-// --- Polynomials -----------------------------------------------------------------------------------------------------
-
-using TComplex = std::complex<TDigits>;
-
-// All roots of the polynomial with exactly these coefficients, by the iteration of Ehrlich and Aberth.
-std::vector<TComplex> TrueRoots(TDoubles a_vdP)
-{
-    std::vector<TComplex> vRoots;
-    while (a_vdP.back() == 0.0)
-    {
-        a_vdP.pop_back();
-        vRoots.emplace_back(0, 0);
-    }
-    const std::size_t iDegree = a_vdP.size() - 1;
-    const double dRadius = std::pow(std::fabs(a_vdP.back() / a_vdP.front()), 1.0 / static_cast<double>(iDegree));
-    std::vector<TComplex> vFound;
-    for (std::size_t i = 0; i < iDegree; ++i)
-    {
-        const double dAngle = 6.28 * (static_cast<double>(i) + 0.3) / static_cast<double>(iDegree);
-        vFound.emplace_back(dRadius * std::cos(dAngle), dRadius * std::sin(dAngle));
-    }
-    for (int iStep = 0; iStep < 400; ++iStep)
-    {
-        TDigits Greatest = 0;
-        for (TComplex& z : vFound)
-        {
-            TComplex P, Slope;
-            for (double dCoefficient : a_vdP)
-            {
-                Slope = Slope * z + P;
-                P = P * z + TComplex(TDigits(dCoefficient));
-            }
-            TComplex Others;
-            for (const TComplex& Other : vFound)
-            {
-                Others += &Other == &z || Other == z ? TComplex() : TComplex(TDigits(1)) / (z - Other);
-            }
-            const TComplex Step = P / (Slope - P * Others);
-            z -= Step;
-            Greatest = std::max<TDigits>(Greatest, norm(Step));
-        }
-        if (Greatest < TDigits("1e-160"))
-        {
-            break;
-        }
-    }
-    vRoots.insert(vRoots.end(), vFound.begin(), vFound.end());
-    return vRoots;
-}
-
-std::vector<TDigits> TrueRealRoots(const TDoubles& a_vdP)
-{
-    std::vector<TDigits> vReal;
-    for (const TComplex& z : TrueRoots(a_vdP))
-    {
-        if (abs(z.imag()) <= TDigits("1e-40") * (1 + abs(z.real())))
-        {
-            vReal.push_back(z.real());
-        }
-    }
-    return vReal;
-}
-
-TDoubles Product(const TDoubles& a_vdP, const TDoubles& a_vdQ)
-{
-    TDoubles vdProduct(a_vdP.size() + a_vdQ.size() - 1, 0.0);
-    for (std::size_t i = 0; i < a_vdP.size(); ++i)
-    {
-        for (std::size_t j = 0; j < a_vdQ.size(); ++j)
-        {
-            vdProduct[i + j] += a_vdP[i] * a_vdQ[j];
-        }
-    }
-    return vdProduct;
-}
-
-TDoubles FromRoots(const TDoubles& a_vdRoots)
-{
-    TDoubles vdP = {1.0};
-    for (double dRoot : a_vdRoots)
-    {
-        vdP = Product(vdP, {1.0, -dRoot});
-    }
-    return vdP;
-}
-
-TDoubles Chebyshev(int a_iDegree)
-{
-    TDoubles vdBefore = {1.0}, vdP = {1.0, 0.0};
-    for (int i = 1; i < a_iDegree; ++i)
-    {
-        TDoubles vdNext = Product(vdP, {2.0, 0.0});
-        for (std::size_t k = 0; k < vdBefore.size(); ++k)
-        {
-            vdNext[k + 2] -= vdBefore[k];
-        }
-        vdBefore = vdP;
-        vdP = vdNext;
-    }
-    return vdP;
-}
-
-// a_vTrue: the true roots. They are given in advance if a root is multiple and the coefficients are exact.
-void PrintPolynomial(const std::string& a_szName, const TDoubles& a_vdP, const std::vector<TDigits>& a_vTrue)
-{
-    TDoubles vdFound(a_vdP.size());
-    const int iFound = nuv::Roots(static_cast<unsigned int>(a_vdP.size() - 1), a_vdP.data(), vdFound.data(), 1e-6);
-    double dGreatest = iFound > 0 ? 0.0 : NAN;
-    for (int i = 0; i < iFound; ++i)
-    {
-        double dNearest = HUGE_VAL;
-        for (const TDigits& True : a_vTrue)
-        {
-            dNearest = std::min(dNearest, ToDouble(abs(True - vdFound[static_cast<std::size_t>(i)]) / abs(True)));
-        }
-        dGreatest = std::max(dGreatest, dNearest);
-    }
-    PrintRow({a_szName, std::to_string(a_vTrue.size()), std::to_string(iFound), UpperDigit(dGreatest)});
-}
-
-void PrintPolynomials()
-{
-    StartTable("polynomials", {"polynomial", "real roots", "reported", "greatest relative error"});
-    for (int iDegree : {10, 15, 20})
-    {
-        TDoubles vdRoots, vdGraded;
-        for (int i = 1; i <= iDegree; ++i)
-        {
-            vdRoots.push_back(i);
-            vdGraded.push_back(std::ldexp(1.0, -i));
-        }
-        const std::string szDegree = std::to_string(iDegree);
-        PrintPolynomial("Wilkinson, (x - 1)...(x - " + szDegree + ")", FromRoots(vdRoots),
-                        TrueRealRoots(FromRoots(vdRoots)));
-        PrintPolynomial("(x - 1/2)(x - 1/4)...(x - 1/2^" + szDegree + ")", FromRoots(vdGraded),
-                        TrueRealRoots(FromRoots(vdGraded)));
-    }
-    for (int iDegree : {10, 20, 30, 40})
-    {
-        const TDoubles vdP = Chebyshev(iDegree);
-        PrintPolynomial("Chebyshev, degree " + std::to_string(iDegree), vdP, TrueRealRoots(vdP));
-    }
-    for (std::size_t iDegree = 2; iDegree <= 8; ++iDegree)
-    {
-        PrintPolynomial("(x - 1)^" + std::to_string(iDegree), FromRoots(TDoubles(iDegree, 1.0)),
-                        std::vector<TDigits>(iDegree, 1));
-    }
-    PrintPolynomial("(x - 1)^2 (x + 1)^2", FromRoots({1, 1, -1, -1}), {1, 1, -1, -1});
-    PrintPolynomial("(x - 1)^2 (x - 2)^2 (x - 3)^2", FromRoots({1, 1, 2, 2, 3, 3}), {1, 1, 2, 2, 3, 3});
-    PrintPolynomial("(x - 1)^3 (x - 2)", FromRoots({1, 1, 1, 2}), {1, 1, 1, 2});
-    for (int iPower : {7, 13, 20, 24})
-    {
-        const TDoubles vdP = FromRoots({1.0, 1.0 + std::ldexp(1.0, -iPower)});
-        PrintPolynomial("(x - 1)(x - 1 - 2^-" + std::to_string(iPower) + ")", vdP, TrueRealRoots(vdP));
-    }
-    for (int iPower : {7, 10, 13})
-    {
-        const TDoubles vdP = FromRoots({1.0, 1.0 + std::ldexp(1.0, -iPower), 1.0 - std::ldexp(1.0, -iPower), -2.0});
-        PrintPolynomial("(x - 1)((x - 1)^2 - 2^-" + std::to_string(2 * iPower) + ")(x + 2)", vdP, TrueRealRoots(vdP));
-    }
-}
-
-// --- Angles ----------------------------------------------------------------------------------------------------------
-
-// Smaller errors depend on the platform's functions, so the tables do not show them.
-constexpr double LeastAngleError = 1e-15;
-
-// Equations a cos t + b sin t = (1 - d) hypot(a, b). Their two angles are close to atan2(b, a) if d is small.
-void PrintLinearAngles()
-{
-    StartTable("linear", {"1 - abs(c)/hypot(a, b), about", "greatest error, radians", "equations with a wrong count"});
-    TRandom Random;
-    for (double dDistance : {0.5, 1e-2, 1e-4, 1e-6, 1e-8, 1e-10, 1e-12, 1e-14})
-    {
-        double dGreatest = LeastAngleError;
-        int iWrong = 0;
-        for (int i = 0; i < 500; ++i)
-        {
-            const double dA = 1.5 + Random(), dB = 1.5 + Random();
-            const double dC = -(1.0 - dDistance) * std::sqrt(dA * dA + dB * dB);
-            const TDigits Cosine = -TDigits(dC) / sqrt(TDigits(dA) * dA + TDigits(dB) * dB);
-            double vdFound[2];
-            const int iFound = nuv::SolveLinTrig(dA, dB, dC, vdFound);
-            iWrong += iFound != (Cosine < 1 ? 2 : 0) ? 1 : 0;
-            const TDigits Middle = atan2(TDigits(dB), TDigits(dA)), Half = acos(std::min<TDigits>(Cosine, 1));
-            const TDigits TwoPi = 8 * atan(TDigits(1));
-            for (int k = 0; k < iFound; ++k)
-            {
-                double dNearest = HUGE_VAL;
-                for (const TDigits& True :
-                     {TDigits(Middle + Half), TDigits(Middle - Half), TDigits(Middle - Half + TwoPi)})
-                {
-                    dNearest = std::min(dNearest, ToDouble(abs(True - vdFound[k])));
-                }
-                dGreatest = std::max(dGreatest, dNearest);
-            }
-        }
-        PrintRow({UpperDigit(dDistance), UpperDigit(dGreatest), std::to_string(iWrong) + " of 500"});
-    }
-}
-
-// Equations with random coefficients, and equations with pairs of close angles.
-void PrintQuadraticAngles()
-{
-    StartTable("quadratic", {"equations", "median / greatest error, radians", "with a wrong count"});
-    TRandom Random;
-    for (bool bClose : {false, true})
-    {
-        TDoubles vdErrors;
-        int iWrong = 0;
-        for (int i = 0; i < 500; ++i)
-        {
-            double c[6];
-            std::generate(c, c + 6, [&] { return Random(); });
-            c[5] *= 0.3;
-            if (bClose) // (a cos t + b sin t - m)^2 = 1e-8
-            {
-                const double a = c[0], b = c[1], m = 0.5 * c[2] * std::sqrt(a * a + b * b);
-                const double vdSquare[6] = {a * a, b * b, 2 * a * b, -2 * a * m, -2 * b * m, m * m - 1e-8};
-                std::copy(vdSquare, vdSquare + 6, c);
-            }
-            const TDoubles vdQuartic = {c[0] + c[5] - c[3], 2 * (c[4] - c[2]), 4 * c[1] - 2 * c[0] + 2 * c[5],
-                                        2 * (c[2] + c[4]), c[0] + c[3] + c[5]};
-            std::vector<TDigits> vTrue;
-            for (const TDigits& u : TrueRealRoots(vdQuartic))
-            {
-                const TDigits t = 2 * atan(u);
-                vTrue.push_back(t < 0 ? TDigits(t + 8 * atan(TDigits(1))) : t);
-            }
-            double vdFound[4];
-            const int iFound = nuv::SolveQuadTrig(c[0], c[1], c[2], c[3], c[4], c[5], vdFound);
-            iWrong += iFound != static_cast<int>(vTrue.size()) ? 1 : 0;
-            for (int k = 0; k < iFound && !vTrue.empty(); ++k)
-            {
-                double dNearest = HUGE_VAL;
-                for (const TDigits& True : vTrue)
-                {
-                    dNearest = std::min(dNearest, ToDouble(abs(True - vdFound[k])));
-                }
-                vdErrors.push_back(std::max(dNearest, LeastAngleError));
-            }
-        }
-        PrintRow({bClose ? "pairs of angles some 1e-4 apart" : "random", Spread(vdErrors),
-                  std::to_string(iWrong) + " of 500"});
-    }
-}
-
 } // namespace
+} // namespace nuv_accuracy
 
 int main(int a_iCount, char** a_vszArguments)
 {
+    using namespace nuv_accuracy;
     PrintInverses();
     PrintFits();
     PrintFiles(a_iCount - 1, a_vszArguments + 1);

@@ -8,6 +8,7 @@
 
 #include "nuv1math.h"
 #include "poly.h"
+#include "polynomials.h"
 
 #include <algorithm>
 #include <cmath>
@@ -21,9 +22,9 @@
 
 namespace {
 
-using TCoefficients = std::vector<double>; // highest power first
-using TIntegers = std::vector<mpz_class>;  // highest power first, no leading zeros
-constexpr double Usual = 1e-6;             // tolerance
+using nuv_tests::TCoefficients;
+using TIntegers = std::vector<mpz_class>; // highest power first, no leading zeros
+constexpr double Usual = 1e-6;            // tolerance
 constexpr double Wide = 1e-4;
 constexpr double Shift = 0.3;
 
@@ -232,29 +233,6 @@ private:
     TTally Shifted;
 };
 
-TCoefficients Multiply(const TCoefficients& a_vdP, const TCoefficients& a_vdQ)
-{
-    TCoefficients vdProduct(a_vdP.size() + a_vdQ.size() - 1, 0.0);
-    for (std::size_t i = 0; i < a_vdP.size(); ++i)
-    {
-        for (std::size_t j = 0; j < a_vdQ.size(); ++j)
-        {
-            vdProduct[i + j] += a_vdP[i] * a_vdQ[j];
-        }
-    }
-    return vdProduct;
-}
-
-TCoefficients MultiplyLinear(const TCoefficients& a_vdRoots)
-{
-    TCoefficients vdProduct = {1.0};
-    for (double dRoot : a_vdRoots)
-    {
-        vdProduct = Multiply(vdProduct, {1.0, -dRoot});
-    }
-    return vdProduct;
-}
-
 // Calls a_Add with all combinations of a_iCount integer coefficients from -a_iMost to a_iMost whose first one is not 0.
 void ForAllIntegers(std::size_t a_iCount, int a_iMost, const std::function<void(const TCoefficients&)>& a_Add)
 {
@@ -337,7 +315,7 @@ void SurveySquares()
     for (std::size_t iDegree = 2; iDegree <= 4; ++iDegree)
     {
         TSet Set(WithDegree("squares p(x)^2, p with integers -3 ... 3", 2 * iDegree));
-        ForAllIntegers(iDegree + 1, 3, [&](const TCoefficients& a_vdP) { Set.Add(Multiply(a_vdP, a_vdP)); });
+        ForAllIntegers(iDegree + 1, 3, [&](const TCoefficients& a_vdP) { Set.Add(nuv_tests::Product(a_vdP, a_vdP)); });
     }
 }
 
@@ -356,7 +334,7 @@ void SurveyIntegerRoots()
             }
             vdRoots.resize(iDegree);
             vdRoots.back() = vdRoots.front();
-            Set.Add(MultiplyLinear(vdRoots));
+            Set.Add(nuv_tests::FromRoots(vdRoots));
         }
     }
 }
@@ -375,7 +353,7 @@ void SurveyRandomFactors()
                 // 53 bits of the engine, because the distributions of standard libraries differ
                 dRoot = std::ldexp(static_cast<double>(Engine() >> 11), -52) - 1.0;
             }
-            Set.Add(MultiplyLinear(vdRoots));
+            Set.Add(nuv_tests::FromRoots(vdRoots));
         }
     }
 }
@@ -389,30 +367,16 @@ void SurveyFamilies()
         TSet Set("(x - 1)(x - 2)...(x - n), n = " + std::to_string(iFrom) + " ... " + std::to_string(iTo));
         for (int n = iFrom; n <= iTo; ++n)
         {
-            TCoefficients vdRoots;
-            for (int k = 1; k <= n; ++k)
-            {
-                vdRoots.push_back(k);
-            }
-            Set.Add(MultiplyLinear(vdRoots));
+            Set.Add(nuv_tests::Wilkinson(n));
         }
     }
-    TCoefficients vdPrevious = {1.0};
-    TCoefficients vdCurrent = {1.0, 0.0};
-    int n = 1;
-    for (int iTo : {20, 30, 40})
+    for (int iFrom : {1, 21, 31})
     {
-        TSet Set("Chebyshev, n = " + std::to_string(n) + " ... " + std::to_string(iTo));
-        for (; n <= iTo; ++n)
+        const int iTo = iFrom == 1 ? 20 : iFrom + 9;
+        TSet Set("Chebyshev, n = " + std::to_string(iFrom) + " ... " + std::to_string(iTo));
+        for (int n = iFrom; n <= iTo; ++n)
         {
-            Set.Add(vdCurrent);
-            TCoefficients vdNext = Multiply(vdCurrent, {2.0, 0.0});
-            for (std::size_t i = 0; i < vdPrevious.size(); ++i)
-            {
-                vdNext[i + 2] -= vdPrevious[i];
-            }
-            vdPrevious = vdCurrent;
-            vdCurrent = vdNext;
+            Set.Add(nuv_tests::Chebyshev(n));
         }
     }
     for (double dConstant : {1.0, 2.0})
