@@ -114,7 +114,7 @@ STATEMENT = re.compile(
     r"\s*(?:const (?P<ctype>int|double) (?P<constant>\w+) = (?P<value>[^;]+);"
     r"|struct (?P<record>\w+)\s*\{(?P<fields>[^}]*)\};"
     r"|enum (?P<enumeration>\w+)\s*\{(?P<values>[^}]*)\};"
-    r"|(?:typedef|NUV1MATH_CHECK)\b[^;]*;"
+    r"|typedef\b[^;]*;"
     r"|(?:NUV1MATH_API )?(?P<result>(?:\w+::)?\w+) (?P<function>\w+)\((?P<arguments>[^)]*)\);)")
 
 

@@ -7,11 +7,13 @@ find_library(NUV1MATH_GMPXX gmpxx)
 find_library(NUV1MATH_MPFR mpfr)
 find_path(NUV1MATH_BOOST boost/multiprecision/mpfr.hpp)
 
-# The table of docs/roots.md. It counts real roots exactly.
-if(NUV1MATH_GMP AND NUV1MATH_GMPXX)
-  add_executable(roots_survey EXCLUDE_FROM_ALL tools/roots_survey.cpp)
+# The table of docs/roots.md, for which real roots are counted exactly. The test compares it with that in the page.
+if(NUV1MATH_BUILD_APPS AND NUV1MATH_GMP AND NUV1MATH_GMPXX AND NOT NUV1MATH_SANITIZED)
+  add_executable(roots_survey tools/roots_survey.cpp)
   target_compile_options(roots_survey PRIVATE -Wall -Wextra)
   target_link_libraries(roots_survey PRIVATE nuv1math_static nuv_floating_point ${NUV1MATH_GMPXX} ${NUV1MATH_GMP})
+  nuv_add_test(roots_survey slow
+    Python3::Interpreter ${PROJECT_SOURCE_DIR}/scripts/pages/roots.py --check $<TARGET_FILE:roots_survey>)
 endif()
 
 # The tables of docs/accuracy.md against arithmetic of 120 digits. The test compares them with those in the page.

@@ -83,8 +83,8 @@ def check_arguments(description):
     return parser.parse_args()
 
 
-def write_regions(path, regions):
-    """Replaces the regions of a page, given by name. Each must be in the page once, and no other one."""
+def with_regions(path, regions):
+    """The page with other regions, given by name. Each must be in the page once, and no other one."""
     text = (ROOT / path).read_text()
     there = sorted(re.findall(r"^<!-- measured: (\w+) -->$", text, re.MULTILINE))
     if there != sorted(regions):
@@ -95,4 +95,8 @@ def write_regions(path, regions):
         text, count = re.subn(pattern, lambda _: f"{start}{content.strip()}\n<!-- end -->", text, flags=re.S | re.M)
         if count != 1:
             fail(f"{path}: the region {name} has no end")
-    write(path, text)
+    return text
+
+
+def write_regions(path, regions):
+    write(path, with_regions(path, regions))
