@@ -100,6 +100,8 @@ def types(interfaces, layouts):
         for field, kind, _, count in layout["fields"]:
             lines.append(f"    {field}: {typescript(kind, layouts)}{'[]' if count else ''};")
         lines.append("}")
+    lines.append("\n/** The records by their names. */\nexport interface Records {")
+    lines += [f"    {name}: {name};" for name in layouts.records] + ["}"]
     lines.append("\n/** The functions of nuv1math_c.h. A pointer is an address in the memory of the module. */")
     lines.append("export interface Functions {")
     for interface in interfaces:
@@ -111,7 +113,8 @@ def types(interfaces, layouts):
                 result = "void"
             lines.append(f"    nuv_{function.name}({', '.join(arguments)}): {result};")
     lines += ["    malloc(size: number): number;", "    free(address: number): void;",
-              "    memory: WebAssembly.Memory;", "}", ""]
+              "    /** Memory that grows gets another buffer. */",
+              "    readonly memory: { readonly buffer: ArrayBuffer };", "}", ""]
     return "\n".join(lines)
 
 

@@ -22,6 +22,6 @@ expect_digits() {
 
 # The program of the page, and one with types.
 cp "$here/examples/fit.mjs" "$here/types_test.mts" .
-"$NUV_TSC" --strict --noUnusedLocals --module node16 --target es2022 --lib es2022,dom types_test.mts
+"$NUV_TSC" --strict --noUnusedLocals --module node16 --target es2022 --lib es2022 types_test.mts
 expect_digits ./fit.mjs
 expect_digits ./types_test.mjs

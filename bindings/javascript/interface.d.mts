@@ -171,6 +171,26 @@ export interface TJudgement {
     OriginalCovariance: TCoefsCovariance;
 }
 
+/** The records by their names. */
+export interface Records {
+    TAffineCoefs: TAffineCoefs;
+    TConformalCoefs: TConformalCoefs;
+    TOmographicParams: TOmographicParams;
+    TControlPoints: TControlPoints;
+    TOrigins: TOrigins;
+    TVector: TVector;
+    TCovariance2: TCovariance2;
+    TEllipse: TEllipse;
+    TCoefsCovariance: TCoefsCovariance;
+    TKindFit: TKindFit;
+    TSupport: TSupport;
+    TKindRow: TKindRow;
+    TShape: TShape;
+    TPointJudgement: TPointJudgement;
+    TOptions: TOptions;
+    TJudgement: TJudgement;
+}
+
 /** The functions of nuv1math_c.h. A pointer is an address in the memory of the module. */
 export interface Functions {
     nuv_CalcCoefs(a_iPoints: number, a_vdX: number, a_vdY: number, a_vdXa: number, a_vdYa: number, a_bSameOrientation: number, a_Requested: number, a_Used: number, a_Params: number): number;
@@ -234,5 +254,6 @@ export interface Functions {
     nuv_Judge(a_Points: number, a_pRoles: number, a_Options: number, a_Result: number, a_vPoints: number): number;
     malloc(size: number): number;
     free(address: number): void;
-    memory: WebAssembly.Memory;
+    /** Memory that grows gets another buffer. */
+    readonly memory: { readonly buffer: ArrayBuffer };
 }

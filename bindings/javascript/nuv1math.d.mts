@@ -2,13 +2,19 @@
 // Copyright (c) 2026 the nuv1math authors
 // SPDX-License-Identifier: MIT
 
-import type { Functions, TJudgement, TKindRow, TPointJudgement, TShape } from './interface.mjs';
+import type {
+    Functions, Records, TJudgement, TKindRow, TOmographicParams, TPointJudgement, TShape,
+} from './interface.mjs';
 import * as constants from './interface.mjs';
 
 export { constants };
+export type { Functions, Records, TJudgement, TKindRow, TOmographicParams, TPointJudgement, TShape };
 
 /** x and y. */
 export type Point = [number, number];
+
+/** What functions read. */
+export type Points = readonly (readonly [number, number])[];
 
 export type Kind = 'conformal' | 'affine' | 'omographic';
 
@@ -24,18 +30,22 @@ export interface FitOptions {
     /** Level of the test of blunders, between 0 and 1; 0 for no test. Default: 0.01. */
     level?: number;
     /** Indices of check points: not fitted, but with residuals. */
-    checks?: number[];
+    checks?: Iterable<number>;
 }
 
 /** There is no such transformation. */
 export class FitError extends Error {
+    private constructor();
     /** One of constants.enumReason. */
-    reason: number;
+    readonly reason: number;
 }
 
 /** A transformation with all that is known of it. */
 export class Fit {
+    private constructor();
     readonly kind: Kind;
+    /** A to H, for coordinates that count from `judgement.Origins`. */
+    readonly coefficients: TOmographicParams;
     /** Why this kind was taken. */
     readonly choice: string;
     /** The table of kinds, poorest first; `reason` is empty for a kind that exists. */
@@ -51,15 +61,15 @@ export class Fit {
     readonly judgement: TJudgement;
     readonly points: TPointJudgement[];
     /** Images of source points. Throws a FitError for a point without an image; all must be pairs of finite numbers. */
-    transform(points: Point[]): Point[];
+    transform(points: Points): Point[];
     /** Source points of images. */
-    inverse(points: Point[]): Point[];
+    inverse(points: Points): Point[];
     toString(): string;
 }
 
 export interface LoadOptions {
     /** The contents of the module, instead of the files beside nuv1math.mjs. */
-    bytes?: BufferSource;
+    bytes?: ArrayBuffer | ArrayBufferView;
     /** Take the module with vectors. Default: if the engine has them. */
     vectors?: boolean;
     /** Gets the text of an assertion report. Default: console.error. */
@@ -72,19 +82,20 @@ export interface Arena {
     doubles(values: ArrayLike<number>): number;
     ints(values: ArrayLike<number>): number;
     /** A record of interface.d.mts; fields that the values lack become 0. */
-    record(name: string, values?: object): number;
-    write(name: string, address: number, values: object): void;
-    read(name: string, address: number): any;
+    record<Name extends keyof Records>(name: Name, values?: Partial<Records[Name]>): number;
+    write<Name extends keyof Records>(name: Name, address: number, values: Partial<Records[Name]>): void;
+    read<Name extends keyof Records>(name: Name, address: number): Records[Name];
 }
 
 /** An instance of the module. */
 export class Library {
+    private constructor();
     /** The functions of C; arrays and records are addresses in `functions.memory`. */
     readonly functions: Functions;
-    /** The text of an assertion report, after which every call throws; else null. */
+    /** The text of an assertion report, after which `fit` and `using` throw; else null. */
     readonly broken: string | null;
-    fit(source: Point[], target: Point[], options?: FitOptions): Fit;
-    /** Calls a function with memory that is released when it ends, also by an exception. */
+    fit(source: Points, target: Points, options?: FitOptions): Fit;
+    /** Calls a function, which must not be async, with memory that is released when it ends, also by an exception. */
     using<T>(work: (arena: Arena, functions: Functions) => T): T;
 }
 

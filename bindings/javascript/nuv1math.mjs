@@ -12,6 +12,7 @@ export { constants };
 const DOUBLE = 8;
 const INT = 4;
 const GREATEST_SIZE = 2 ** 32 - 1; // of a memory with addresses of 32 bits
+const OPTIONS = ['kind', 'mirrored', 'localOrigin', 'robust', 'level', 'checks'];
 
 // A module that uses vectors, and does nothing else.
 const VECTOR_PROBE = new Uint8Array([0, 97, 115, 109, 1, 0, 0, 0, 1, 5, 1, 96, 0, 1, 123, 3, 2, 1, 0, 10, 10, 1, 8, 0,
@@ -30,6 +31,23 @@ export class FitError extends Error {
 function nameOf(enumeration, value, prefix) {
     const found = Object.keys(enumeration).find((name) => enumeration[name] === value);
     return found.slice(prefix.length).toLowerCase().replaceAll('_', ' ');
+}
+
+// A value in a message. Not every one can become a text.
+function shown(value) {
+    try {
+        return String(value);
+    } catch {
+        return typeof value;
+    }
+}
+
+// Fails unless the names of all values are known.
+function requireNames(values, names, what) {
+    const unknown = Object.keys(values).find((name) => !names.includes(name));
+    if (unknown !== undefined) {
+        throw new TypeError(`${what} ${unknown} is not one of ${names.join(', ')}`);
+    }
 }
 
 // The bytes of a file beside this one.
@@ -65,12 +83,12 @@ export async function load(options = {}) {
 }
 
 // An instance of the module. `functions` are the C functions, for which arrays and records are addresses in the memory
-// of the module. A report of a broken invariant makes this instance useless: every later call throws.
+// of the module. A report of a broken invariant makes this instance useless: `using` and all that calls it then throw.
 export class Library {
     constructor(module, report) {
         this.broken = null;
         const show = (start, length) => {
-            this.broken = new TextDecoder().decode(new Uint8Array(this.functions.memory.buffer, start, length));
+            this.broken = new TextDecoder().decode(new Uint8Array(this.functions.memory.buffer, start >>> 0, length));
             report(this.broken);
         };
         this.functions = new WebAssembly.Instance(module, { nuv1math: { report: show } }).exports;
@@ -98,21 +116,43 @@ export class Library {
     }
 }
 
+// The size of a value in the memory of the module.
+function sizeOf(kind) {
+    return records[kind]?.size ?? (kind === 'double' ? DOUBLE : INT);
+}
+
+function fieldsOf(name) {
+    if (!Object.hasOwn(records, name)) {
+        throw new TypeError(`there is no record ${shown(name)}`);
+    }
+    return records[name].fields;
+}
+
 // Memory of the module. Memory that grows takes its views with it, so that views are made anew for every access.
+// Addresses have no sign here; from the module those of the upper half come as negative numbers.
 class Arena {
     constructor(functions) {
         this.functions = functions;
         this.addresses = [];
     }
 
-    allocate(size) {
+    requireOpen() {
         if (this.addresses === null) {
             throw new Error('the memory of the arena was released');
         }
-        if (!(size >= 0)) {
-            throw new RangeError(`${size} is not a number of bytes`);
+    }
+
+    get memory() {
+        this.requireOpen();
+        return this.functions.memory.buffer;
+    }
+
+    allocate(size) {
+        this.requireOpen();
+        if (!(Number.isInteger(size) && size >= 0)) {
+            throw new RangeError(`${shown(size)} is not a number of bytes`);
         }
-        const address = size > GREATEST_SIZE ? 0 : this.functions.malloc(Math.max(size, 1));
+        const address = size > GREATEST_SIZE ? 0 : this.functions.malloc(Math.max(size, 1)) >>> 0;
         if (address === 0) {
             throw new RangeError(`the library has no memory for ${size} bytes`);
         }
@@ -127,17 +167,18 @@ class Arena {
 
     doubles(values) {
         const address = this.allocate(values.length * DOUBLE);
-        new Float64Array(this.functions.memory.buffer, address, values.length).set(values);
+        new Float64Array(this.memory, address, values.length).set(values);
         return address;
     }
 
     ints(values) {
         const address = this.allocate(values.length * INT);
-        new Int32Array(this.functions.memory.buffer, address, values.length).set(values);
+        new Int32Array(this.memory, address, values.length).set(values);
         return address;
     }
 
     record(name, values = {}) {
+        fieldsOf(name);
         const address = this.allocate(records[name].size);
         this.write(name, address, values);
         return address;
@@ -145,26 +186,31 @@ class Arena {
 
     // Writes the fields; those that the values lack become 0.
     write(name, address, values) {
-        const view = new DataView(this.functions.memory.buffer);
-        for (const [field, kind, place] of records[name].fields) {
-            if (kind === 'double') {
-                view.setFloat64(address + place, values[field] ?? 0, true);
-            } else if (kind in records) {
-                this.write(kind, address + place, values[field] ?? {});
-            } else {
-                view.setInt32(address + place, values[field] ?? 0, true);
+        const view = new DataView(this.memory);
+        const fields = fieldsOf(name);
+        requireNames(values, fields.map(([field]) => field), `${name}:`);
+        for (const [field, kind, place, count] of fields) {
+            const elements = count === 0 ? [values[field]] : values[field] ?? [];
+            for (let i = 0, at = address + place; i < Math.max(count, 1); ++i, at += sizeOf(kind)) {
+                if (kind === 'double') {
+                    view.setFloat64(at, elements[i] ?? 0, true);
+                } else if (kind in records) {
+                    this.write(kind, at, elements[i] ?? {});
+                } else {
+                    view.setInt32(at, elements[i] ?? 0, true);
+                }
             }
         }
     }
 
     read(name, address) {
-        const view = new DataView(this.functions.memory.buffer);
+        const view = new DataView(this.memory);
         const value = (kind, at) => kind in records ? this.read(kind, at)
-            : kind === 'double' ? view.getFloat64(at, true) : view.getInt32(at, true);
-        const size = (kind) => records[kind]?.size ?? (kind === 'double' ? DOUBLE : INT);
-        return Object.fromEntries(records[name].fields.map(([field, kind, place, count]) => [field, count === 0
+            : kind === 'double' ? view.getFloat64(at, true)
+            : kind === 'pointer' ? view.getUint32(at, true) : view.getInt32(at, true);
+        return Object.fromEntries(fieldsOf(name).map(([field, kind, place, count]) => [field, count === 0
             ? value(kind, address + place)
-            : Array.from({ length: count }, (_, i) => value(kind, address + place + i * size(kind)))]));
+            : Array.from({ length: count }, (_, i) => value(kind, address + place + i * sizeOf(kind)))]));
     }
 }
 
@@ -173,9 +219,10 @@ function requirePairs(points, what) {
     if (!Array.isArray(points)) {
         throw new TypeError(`${what} points are not an array of pairs`);
     }
-    const bad = points.findIndex((point) => point?.length !== 2 || !Array.from(point).every(Number.isFinite));
+    const bad = points.findIndex((point) => !(Array.isArray(point) || ArrayBuffer.isView(point)) || point.length !== 2
+        || !Array.from(point).every(Number.isFinite));
     if (bad >= 0) {
-        throw new TypeError(`${what} point ${bad} is not a pair of finite numbers: ${points[bad]}`);
+        throw new TypeError(`${what} point ${bad} is not a pair of finite numbers: ${shown(points[bad])}`);
     }
 }
 
@@ -188,7 +235,7 @@ function roleOf(options, count) {
     const roles = new Array(count).fill(enumRole.ROLE_FITTED);
     for (const index of checks) {
         if (!(Number.isInteger(index) && index >= 0 && index < count)) {
-            throw new RangeError(`check point ${index} is not one of ${count} points`);
+            throw new RangeError(`check point ${shown(index)} is not one of ${count} points`);
         }
         roles[index] = enumRole.ROLE_CHECK;
     }
@@ -196,17 +243,18 @@ function roleOf(options, count) {
 }
 
 function methodOf(options) {
-    const method = enumMethod[`ASK_${String(options.kind ?? 'auto').toUpperCase()}`];
+    const kind = shown(options.kind ?? 'auto');
+    const method = enumMethod[`ASK_${kind.toUpperCase()}`];
     if (method === undefined) {
-        throw new TypeError(`unknown kind ${options.kind}: auto, richest, conformal, affine or omographic`);
+        throw new TypeError(`unknown kind ${kind}: auto, richest, conformal, affine or omographic`);
     }
     return method;
 }
 
 function levelOf(options) {
     const level = options.level ?? USUAL_LEVEL;
-    if (!(level >= 0 && level < 1)) {
-        throw new RangeError(`level ${level} is not between 0 and 1`);
+    if (!(typeof level === 'number' && level >= 0 && level < 1)) {
+        throw new RangeError(`level ${shown(level)} is not a number from 0 to 1`);
     }
     return level;
 }
@@ -217,6 +265,10 @@ function judge(library, arena, functions, source, target, options) {
     if (source.length !== target.length) {
         throw new TypeError(`${source.length} source points and ${target.length} target points`);
     }
+    if (typeof options !== 'object' || options === null) {
+        throw new TypeError(`the options are not an object: ${shown(options)}`);
+    }
+    requireNames(options, OPTIONS, 'option');
     const count = source.length;
     const [x, y, xa, ya] = [...columns(source), ...columns(target)].map((v) => arena.doubles(v));
     const points = arena.record('TControlPoints', { iCount: count, vdX: x, vdY: y, vdXa: xa, vdYa: ya });
@@ -248,6 +300,11 @@ export class Fit {
 
     get kind() {
         return nameOf(enumMethodUsed, this.judgement.Fit.Kind, 'METHOD_');
+    }
+
+    // A to H, for coordinates that count from judgement.Origins.
+    get coefficients() {
+        return this.judgement.Fit.Coefs;
     }
 
     get choice() {

@@ -37,6 +37,7 @@ for (const [name, library] of Object.entries(libraries)) {
         const fit = library.fit(SOURCE, TARGET);
         assert.equal(fit.kind, 'conformal');
         assert.ok(fit.rms < 1e-9);
+        assert.equal(fit.coefficients.dA, fit.coefficients.dE);
         assert.ok(Math.abs(fit.matrix[0][0] - 2) < 1e-12 && Math.abs(fit.matrix[1][0] - 0.5) < 1e-12);
         const [[x, y]] = fit.inverse(fit.transform([[12, 34]]));
         assert.ok(Math.hypot(x - 12, y - 34) < 1e-9);
@@ -84,11 +85,19 @@ test('a failure is an error that tells the reason', () => {
     assert.throws(() => libraries.plain.fit(SOURCE, TARGET, { kind: 'cubic' }), /unknown kind cubic/);
     assert.throws(() => libraries.plain.fit(SOURCE, TARGET, { checks: [7] }), /check point 7/);
     assert.throws(() => libraries.plain.fit(SOURCE, TARGET, { kind: 5 }), /unknown kind 5/);
-    for (const level of [NaN, -0.1, 1, 'often']) {
-        assert.throws(() => libraries.plain.fit(SOURCE, TARGET, { level }), /is not between 0 and 1/);
+    for (const level of [NaN, -0.1, 1, '0.5', 0n, Symbol('often')]) {
+        assert.throws(() => libraries.plain.fit(SOURCE, TARGET, { level }), /is not a number from 0 to 1/);
     }
+    assert.throws(() => libraries.plain.fit(SOURCE, TARGET, { local_origin: false }), /option local_origin is not/);
+    assert.throws(() => libraries.plain.fit(SOURCE, TARGET, 'affine'), /the options are not an object: affine/);
+    assert.throws(() => libraries.plain.fit(SOURCE, TARGET, null), /the options are not an object: null/);
     assert.throws(() => libraries.plain.fit(null, TARGET), /source points are not an array/);
     assert.throws(() => libraries.plain.fit([null], TARGET), /source point 0 is not a pair/);
+    const rows = [[1n, 2n], [Symbol('1'), 2], Object.create(null), { 0: 1, 1: 2, length: 2 }, '12',
+        new DataView(new ArrayBuffer(16))];
+    for (const row of rows) {
+        assert.throws(() => libraries.plain.fit([row], [[1, 1]]), /^TypeError: source point 0 is not a pair of finite/);
+    }
     const fit = libraries.plain.fit(SOURCE, TARGET);
     assert.throws(() => fit.transform([[1, 2], ['1', 2]]), /given point 1 is not a pair/);
     assert.throws(() => fit.inverse([[1, 2, 3]]), /given point 0 is not a pair/);
@@ -153,7 +162,7 @@ test('memory that cannot grow is an error, and what was allocated before is rele
 
 test('a size that no memory has is refused', async () => {
     const library = await load();
-    for (const size of [2 ** 32, 2 ** 32 + 8, -1, NaN]) {
+    for (const size of [2 ** 32, 2 ** 32 + 8, -1, 1.5, NaN, '8', undefined]) {
         assert.throws(() => library.using((arena) => arena.allocate(size)), RangeError);
     }
 });
@@ -161,12 +170,53 @@ test('a size that no memory has is refused', async () => {
 test('an arena ends with its work', async () => {
     const library = await load();
     let kept;
+    let record;
     assert.throws(() => library.using((arena) => {
         kept = arena;
-        arena.doubles([1, 2, 3]);
+        record = arena.record('TVector', { dX: 1 });
         throw new SyntaxError('of the caller');
     }), SyntaxError);
-    assert.throws(() => kept.doubles([1]), /the memory of the arena was released/);
+    const uses = [() => kept.doubles([1]), () => kept.read('TVector', record), () => kept.write('TVector', record, {})];
+    for (const use of uses) {
+        assert.throws(use, /the memory of the arena was released/);
+    }
+    await assert.rejects(library.using(async (arena) => {
+        await null;
+        arena.doubles([1]);
+    }), /the memory of the arena was released/);
+});
+
+test('the upper half of the memory is used as the lower one', async () => {
+    const library = await load();
+    const usual = library.fit(SOURCE, TARGET);
+    library.using((arena) => {
+        for (let i = 0; i < 5; ++i) {
+            arena.allocate(2 ** 29);
+        }
+        const address = arena.doubles([1.5, -2.5]);
+        assert.ok(address > 2 ** 31);
+        assert.deepEqual([...new Float64Array(library.functions.memory.buffer, address, 2)], [1.5, -2.5]);
+        assert.equal(arena.read('TControlPoints', arena.record('TControlPoints', { vdX: address })).vdX, address);
+        assert.deepEqual(library.fit(SOURCE, TARGET), usual);
+    });
+});
+
+test('what is read of a record can be written, and has the fields that the record has', async () => {
+    const { judgement } = libraries.plain.fit(SOURCE, TARGET);
+    libraries.plain.using((arena) => {
+        assert.deepEqual(arena.read('TJudgement', arena.record('TJudgement', judgement)), judgement);
+        assert.throws(() => arena.record('TVector', { dx: 1 }), /TVector: dx is not one of dX, dY/);
+        assert.throws(() => arena.record('Vector'), /there is no record Vector/);
+    });
+});
+
+test('rows of points can be typed arrays, also of shared memory', () => {
+    const rows = SOURCE.map((point) => {
+        const row = new Float64Array(new SharedArrayBuffer(16));
+        row.set(point);
+        return row;
+    });
+    assert.deepEqual(libraries.plain.fit(rows, TARGET), libraries.plain.fit(SOURCE, TARGET));
 });
 
 test('a million calls leak nothing', async () => {
