@@ -10,7 +10,6 @@ SPDX-License-Identifier: MIT
 
 import math
 import subprocess
-import sys
 
 from markdown import ROOT, check_arguments, fail, write
 from svg import Picture

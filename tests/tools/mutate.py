@@ -84,10 +84,10 @@ class Build:
     def read_sources(self):
         sources = collections.defaultdict(set)
         for line in self.ask_ninja("deps"):
-            if line.startswith(" "):
-                sources[output].add(pathlib.Path(os.path.normpath(self.directory / line.strip())))
-            elif line:
+            if ": #deps" in line:
                 output = line.split(": #deps")[0]
+            elif line:
+                sources[output].add(pathlib.Path(os.path.normpath(self.directory / line.strip())))
         return sources
 
     def suites(self):

@@ -4,7 +4,7 @@
 
 import reference
 from exactdouble import GREATEST, INFINITY, LEAST, LEAST_NORMAL, NAN, ONE, ZERO
-from tables.table import Table, number, numbers, power_of_two, product
+from tables.table import Table, number, numbers, power_of_two
 
 
 def table_balance():
@@ -250,8 +250,8 @@ def hessenberg_zeros(n, flat):
 
 
 def negative_zero_block(source):
-    product = [abs(value) for value in source.reals(2, 3)]
-    return [2, 2, [-ZERO, product[0], product[1], ZERO]]
+    lower, upper = (abs(value) for value in source.reals(2, 3))
+    return [2, 2, [-ZERO, lower, upper, ZERO]]
 
 
 def negative_zero_start(source):

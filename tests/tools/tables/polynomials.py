@@ -5,7 +5,7 @@
 import reference
 from exactdouble import INFINITY, LEAST, NAN, ONE, ZERO, ExactDouble
 from tables.eigenvalues import paired_polynomial
-from tables.table import Table, number, numbers, product
+from tables.table import Table, number, numbers
 
 USUAL = ExactDouble.from_float(1e-6)
 
@@ -25,11 +25,11 @@ def table_polynomials():
         table.add("friendly", polynomial(numbers(1, *[0] * (degree - 1), -1)), "x^n - 1")
         table.add("friendly", polynomial(numbers(1, *[0] * (degree - 1), 2)), "x^n + 2")
     for degree in range(2, 21):
-        table.add("friendly", polynomial(product(range(1, degree + 1))), "the roots are 1, 2, ... n")
+        table.add("friendly", polynomial(from_roots(range(1, degree + 1))), "the roots are 1, 2, ... n")
     for degree in range(2, 13):
         table.add("friendly", polynomial(chebyshev(degree)), "a Chebyshev polynomial")
     for degree in range(2, 11):
-        table.add("near-singular", polynomial(product([1] * degree)), "one root n times")
+        table.add("near-singular", polynomial(from_roots([1] * degree)), "one root n times")
     table.add_made("near-singular", 20, multiple_roots, "roots that coincide")
     for degree in range(1, 25):
         table.add("random", polynomial(table.source.reals(degree + 1, 4)))
@@ -66,6 +66,12 @@ def polynomial(coefficients, tolerance=USUAL):
     return [len(coefficients) - 1, coefficients, tolerance]
 
 
+def from_roots(roots):
+    """The coefficients of the polynomial with these integer roots."""
+    values = [1]
+    for root in roots:
+        values = [first - root * second for first, second in zip(values + [0], [0] + values)]
+    return [ExactDouble.from_int(value) for value in values]
 
 
 def chebyshev(degree):
@@ -79,7 +85,7 @@ def multiple_roots(source):
     roots = [source.integer(-5, 5) for _ in range(source.integer(1, 3))]
     roots = [root for root in roots for _ in range(source.integer(1, 3))]
     tolerance = source.choice([USUAL, number(1e-3), number(1e-12)])
-    return polynomial(product(roots), tolerance)
+    return polynomial(from_roots(roots), tolerance)
 
 
 def zero_coefficients(source):

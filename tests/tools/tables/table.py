@@ -144,11 +144,3 @@ def tokens(values):
             assert value.is_double()
             flat.append(value.hex())
     return flat
-
-
-def product(roots):
-    """The coefficients of the polynomial with these integer roots."""
-    values = [1]
-    for root in roots:
-        values = [first - root * second for first, second in zip(values + [0], [0] + values)]
-    return [ExactDouble.from_int(value) for value in values]
