@@ -63,8 +63,31 @@ struct TNormalEquations
     }
 };
 
+// How much a step magnifies an error of the coefficients at which it starts: the norm of the derivative of P + D. The
+// correction D solves N D = sum(J r), where J are the derivatives of an image, r is its residual, and N = sum(J J^T). An
+// image is a quotient with the denominator W, and the derivatives of W are W V. So those of J are H = -(J V^T + V J^T),
+// and the derivative of P + D is the inverse of N times sum((r - J D) H - J (H D)^T).
+TLong Magnification(const TEight& a_P, const TEight& a_D, const TNormal& a_Inverse, const TControlPoints& a_Points)
+{
+    TNormal Sum = TNormal::Zero();
+    for (std::size_t i = 0; i < a_Points.vdX.size(); ++i)
+    {
+        const TLong x = a_Points.vdX[i];
+        const TLong y = a_Points.vdY[i];
+        const TEight V = RowOf({0, 0, 0, 0, 0, 0, x, y}, 0).Row / (a_P(6) * x + a_P(7) * y + 1);
+        for (const TRow& Row : RowsOf(false, a_P, x, y, a_Points.vdXa[i], a_Points.vdYa[i]))
+        {
+            const TEight& J = Row.Row;
+            const TNormal H = -(J * V.transpose() + V * J.transpose());
+            Sum += (Row.dValue - J.dot(a_D)) * H - J * (H * a_D).transpose();
+        }
+    }
+    return (a_Inverse * Sum).norm();
+}
+
 // The same steps in extended precision. a_dCondition is the greatest condition of a step's normal matrix. Returns false
-// where a step has no solution, or where the greatest correction is so close to the threshold that rounding decides.
+// where a step has no solution, where the greatest correction is so close to the threshold that rounding decides, or
+// where a step does not halve the errors of the earlier ones: with noise as great as the coefficients, it magnifies them.
 bool ReferenceFit(const TControlPoints& a_Points, TEight& a_P, TLong& a_dCondition)
 {
     a_dCondition = 0.0L;
@@ -78,6 +101,10 @@ bool ReferenceFit(const TControlPoints& a_Points, TEight& a_P, TLong& a_dConditi
             return false;
         }
         a_dCondition = std::max(a_dCondition, Equations.Matrix.norm() * Inverse.norm());
+        if (iStep > 0 && !(Magnification(a_P, Correction, Inverse, a_Points) <= 0.5L))
+        {
+            return false;
+        }
         a_P = iStep == 0 ? Correction : TEight(a_P + Correction);
         const TLong dGreatest = Correction.cwiseAbs().maxCoeff();
         if (iStep > 0 && (Within(dGreatest, 1e-8L, 1e-10L) || dGreatest < 1e-8L))
@@ -137,8 +164,9 @@ int GuardedFit(const TControlPoints& a_Points, TGuardedRecord<TOmographicParams>
     return iResult;
 }
 
-// The correction of a step has an error of about kappa Epsilon of the coefficients, and each later step removes what the
-// earlier ones left. The numbers here are of size 1; there are 8 unknowns, and sums over n points.
+// The correction of a step has an error of about kappa Epsilon of the coefficients, and each later step halves what the
+// earlier ones left, so that their sum is less than twice the greatest. The numbers here are of size 1; there are 8
+// unknowns, and sums over n points.
 void CheckTameFit(TInput& a_Input)
 {
     const TControlPoints Points = TamePoints(a_Input);
