@@ -72,6 +72,7 @@ class Browser:
         options.add_experimental_option("prefs", {"download.default_directory": str(self.downloads)})
         options.set_capability("goog:loggingPrefs", {"performance": "ALL", "browser": "ALL"})
         self.driver = webdriver.Chrome(service=Driver("/usr/bin/chromedriver"), options=options)
+        self.cdp("Performance.enable", timeDomain="threadTicks")
         self.requests, self.messages = [], []
 
     def quit(self):
@@ -111,6 +112,11 @@ class Browser:
         self.messages += [entry["message"] for entry in self.driver.get_log("browser")
                           if entry["level"] in ("SEVERE", "WARNING")]
         return self.requests, self.messages
+
+    def processor_time(self):
+        """Seconds of processor time that the page has used in its main thread. Other programs do not add to them."""
+        metrics = self.cdp("Performance.getMetrics")["metrics"]
+        return next(metric["value"] for metric in metrics if metric["name"] == "TaskDuration")
 
     def find(self, selector):
         found = self.driver.find_elements(By.CSS_SELECTOR, selector)

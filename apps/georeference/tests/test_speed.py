@@ -1,9 +1,10 @@
-"""The speed of the page: frames per second while a point of 100 is dragged, and 2 000 points.
+"""The speed of the page: what a frame costs while a point of 100 is dragged, and 2 000 points.
 
 Copyright (c) 2026 the nuv1math authors
 SPDX-License-Identifier: MIT
 
-The bounds are loose, because machines are loaded. The figures are printed (pytest -s).
+The tests judge the processor time of a frame, because other programs take from the frames per second. They double it at
+times, too, by what they take from the caches, so the bounds are loose. All figures are printed (pytest -s).
 """
 
 import math
@@ -11,8 +12,12 @@ import time
 
 from test_files import write
 
-FRAMES = """window.frames = []; window.counting = true;
-    (function count(time) { frames.push(time); if (counting) requestAnimationFrame(count); })(performance.now());"""
+FRAMES = """window.frames = []; window.counting = true; const point = document.querySelector("#source-view .point");
+    (function count(time) {
+        frames.push([time, point.getAttribute("transform")]); if (counting) requestAnimationFrame(count);
+    })(performance.now());"""
+DRAGS = 3 # of which the fastest counts
+FRAME = 1000 / 60 # milliseconds, of a frame at 60 frames per second
 
 
 def write_points(folder, count):
@@ -27,39 +32,47 @@ def write_points(folder, count):
 
 
 def drag_for(page, seconds):
-    """Drags a point in a circle. Returns the frames per second, and the longest time between two."""
+    """Drags a point in a circle. Returns milliseconds of processor time per frame in which it has moved, frames per
+    second, and the longest time between two frames."""
     x, y = page.symbols("source")[0]
     page.browser.mouse("mouseMoved", x, y)
     page.browser.mouse("mousePressed", x, y, button="left", buttons=1, clickCount=1)
     page.browser.js(FRAMES)
-    start = time.monotonic()
+    used, start = page.browser.processor_time(), time.monotonic()
     while time.monotonic() < start + seconds:
         angle = 9 * (time.monotonic() - start)
         page.browser.mouse("mouseMoved", x + 30 * math.sin(angle), y + 30 - 30 * math.cos(angle), button="left", buttons=1)
-    frames = page.browser.js("counting = false; return frames")
-    page.browser.mouse("mouseReleased", x, y, button="left", clickCount=1)
-    gaps = [b - a for a, b in zip(frames, frames[1:])]
-    return 1000 * len(gaps) / sum(gaps), max(gaps)
+    frames, used = page.browser.js("counting = false; return frames"), page.browser.processor_time() - used
+    page.browser.mouse("mouseMoved", x + 5, y + 5, button="left", buttons=1)
+    page.browser.mouse("mouseReleased", x + 5, y + 5, button="left", clickCount=1)
+    page.settle()
+    moved = sum(a != b for (_, a), (_, b) in zip(frames, frames[1:]))
+    gaps = [b - a for (a, _), (b, _) in zip(frames, frames[1:])]
+    return 1000 * used / moved, 1000 * len(gaps) / sum(gaps), max(gaps)
+
+
+def fastest_drag(page, count):
+    """The least processor time of a frame, in milliseconds."""
+    before = page.points()[0]
+    drags = [drag_for(page, 1) for _ in range(DRAGS)]
+    used, rate, longest = min(drags)
+    print(f"{count} points: a frame takes {used:.1f} ms of processor time; {rate:.1f} frames per second, "
+          f"longest time between two {longest:.0f} ms")
+    assert page.points()[0] != before
+    return used
 
 
 def test_100_points_are_dragged_smoothly(page, tmp_path):
     page.open_points(write_points(tmp_path, 100), 100)
-    before = page.report()
-    rate, longest = drag_for(page, 2)
-    print(f"100 points: {rate:.1f} frames per second, longest time between two {longest:.0f} ms")
-    page.settle()
-    assert page.report() != before
-    assert rate > 15
+    assert fastest_drag(page, 100) < 3 * FRAME
 
 
 def test_2000_points_are_usable(page, tmp_path):
     path = write_points(tmp_path, 2000)
-    start = time.monotonic()
+    used, start = page.browser.processor_time(), time.monotonic()
     page.choose(path)
     page.wait_for_points(2000)
-    loading = time.monotonic() - start
-    rate, longest = drag_for(page, 2)
-    print(f"2000 points: shown after {loading:.2f} s, {rate:.1f} frames per second, "
-          f"longest time between two {longest:.0f} ms")
-    assert loading < 20
-    assert rate > 1
+    used = page.browser.processor_time() - used
+    print(f"2000 points: shown after {time.monotonic() - start:.2f} s, {used:.2f} s of them in the page")
+    assert used < 2
+    assert fastest_drag(page, 2000) < 12 * FRAME
