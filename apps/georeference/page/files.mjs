@@ -8,6 +8,7 @@ import { readWorldFile } from './pixels.mjs';
 const LARGEST = 256 * 2 ** 20; // bytes, more than which the engine does not read either
 const WORLD_FILE = /\.(wld|[a-z]{2,4}w)$/i;
 const IMAGE_FILE = /\.(png|jpe?g|webp|gif|bmp|svg|avif|tiff?|jp2|ecw|sid|heic)$/i;
+const ORDER = ['image', 'points', 'world']; // a world file needs its image, which stands behind it by name
 const SAVED = {
     points: { suffix: '.points', type: 'text/plain' },
     csv: { suffix: '.csv', type: 'text/csv' },
@@ -52,11 +53,12 @@ export class Opener {
         this.store = store;
     }
 
-    // Opens files of any kind. side: 'source' or 'target' for images that belong there, else null. Returns what
+    // Opens files of any kind, in any order. side: 'source' or 'target' for images that belong there, else null. Returns what
     // happened, a sentence each; failures are {failed: text}.
     async open(files, side) {
         const told = [];
-        for (const file of files) {
+        const order = (file) => ORDER.indexOf(kindOf(file));
+        for (const file of [...files].sort((a, b) => order(a) - order(b))) {
             try {
                 told.push(await this.#openOne(file, side));
             } catch (error) {
@@ -100,7 +102,7 @@ export class Opener {
             return `${size}the source image.`;
         }
         this.store.change({ targetImage: image, place: null });
-        return `${size}the target image. Target coordinates are its pixels; its world file places it on a map.`;
+        return `${size}the target image. Target coordinates are its pixels until its world file is opened.`;
     }
 
     #openWorldFile(name, text) {

@@ -26,13 +26,18 @@ export function readWorldFile(name, text) {
         const line = Math.min(lines.length, 7);
         throw new Error(`${name}:${line}: a world file has six lines, this one has ${lines.length}`);
     }
-    return lines.map((line, index) => {
+    const place = lines.map((line, index) => {
         const value = Number(line);
         if (line.trim() === '' || !Number.isFinite(value)) {
             throw new Error(`${name}:${index + 1}: '${line}' is not a number`);
         }
         return value;
     });
+    const [a, d, b, e] = place;
+    if (a * e - b * d === 0) {
+        throw new Error(`${name}: the first four numbers give the pixels no area`);
+    }
+    return place;
 }
 
 // The positions of the corners of an image, clockwise from the upper left one.

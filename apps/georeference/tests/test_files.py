@@ -8,6 +8,8 @@ import pathlib
 import re
 
 import pytest
+from browser import wait_until
+from images import write_png
 
 SAMPLE = pathlib.Path(__file__).resolve().parents[2] / "fitpoints/sample.csv"
 CSV = "name,x,y,X,Y\na,0,0,10,25\nb,100,0,205,62.5\nc,100,100,205,212.5\nd,0,100,10,325\ne,50,50,140,150\n"
@@ -24,6 +26,7 @@ FORMS = {
     "arguments.txt": "gdal_translate -gcp 0 0 10 25 -gcp 100 0 205 62.5 -gcp 100 100 205 212.5 \\\n"
                      " -gcp 0 100 10 325 -gcp 50 50 140 150 5 in.tif out.tif\n",
 }
+WORLD_FILE = "0.5\n0\n0\n-0.5\n1000.25\n1999.75\n"
 BAD = {
     "empty.csv": "",
     "number.csv": CSV.replace("62.5", "62.5.1"),
@@ -91,6 +94,32 @@ def test_a_bad_file_is_refused_with_its_reason(page, fitpoints, tmp_path, name):
     page.choose(path)
     page.wait_for_failure(errors.removeprefix("fitpoints: ").strip())
     assert (page.points(), page.report()) == before
+
+
+@pytest.fixture
+def placed(page, tmp_path):
+    """The page with a target image of 400 x 300 pixels of 0.5, from (1000, 2000) on. The world file is chosen first."""
+    image = write_png(tmp_path / "map.png", 400, 300)
+    page.browser.choose("#target-image", write(tmp_path, "map.pgw", WORLD_FILE), image)
+    wait_until(lambda: "placed by its world file" in page.browser.text("#target-note"), page.message())
+    page.settle()
+    return page
+
+
+def test_a_world_file_places_the_target_image(placed):
+    placed.click_in("target", 100, 200)
+    point, = placed.points()
+    assert [float(point["X"]), float(point["Y"])] == pytest.approx([1050.25, 1899.75], abs=0.15)
+
+
+@pytest.mark.parametrize("text,reason", [
+    ("", ":1: a world file has six lines"), (WORLD_FILE.replace("1999.75", "north"), ":6: 'north' is not a number"),
+    (WORLD_FILE.replace("-0.5", "0"), ": the first four numbers give the pixels no area")])
+def test_a_bad_world_file_is_refused_with_its_reason(placed, tmp_path, text, reason):
+    placed.browser.choose("#target-image", write(tmp_path, "bad.wld", text))
+    placed.wait_for_failure(f"bad.wld{reason}")
+    placed.click_in("target", 100, 200)
+    assert placed.points()[0]["X"].startswith("1050")
 
 
 def test_a_file_too_large_is_refused(page, tmp_path):
