@@ -4,7 +4,7 @@
 
 import { element } from './elements.mjs';
 import { Entry } from './entry.mjs';
-import { Fitting, wordsOfState } from './fitting.mjs';
+import { Fitting, isolated, wordsOfState } from './fitting.mjs';
 import { keepDocument, keepImage, keptDocument, keptImages } from './keeping.mjs';
 import { loadImage } from './images.mjs';
 import { powerBelowTenth, roundToPower } from './numbers.mjs';
@@ -15,11 +15,19 @@ import { EMPTY, Store, isComplete } from './store.mjs';
 import { View } from './view.mjs';
 
 const SETTLED = 250;        // milliseconds without a change
+const EDGE = 24;            // pixels at the edge of a view, in which a point is not well seen
 const IMAGES = { sourceImage: 'source', targetImage: 'target' };
 const SETTINGS = { blend: 60, mode: 'fade', theme: 'system' };
 
 function other(side) {
     return side === 'source' ? 'target' : 'source';
+}
+
+// How many points there are, and how many of them the report and the saved files are without.
+function countOf(points) {
+    const missing = points.filter((point) => !isComplete(point)).length;
+    const without = missing === 0 ? '' : `; ${missing} without a place, not in the report and the saved files`;
+    return `${points.length} point${points.length === 1 ? '' : 's'}${without}`;
 }
 
 // A position rounded to a power of ten below a tenth of a pixel of the screen, or of the part of it that a key moves.
@@ -50,8 +58,8 @@ export class App {
         this.fitting = new Fitting(engine);
         this.scenes = new Scenes(engine, this.fitting);
         this.views = { source: this.#makeView('source'), target: this.#makeView('target') };
-        const edits = { edit: (id, values) => this.edit(id, values), remove: (id) => this.remove(id),
-            choose: (id) => this.choose(id), complain: (text) => messages.show(text, true) };
+        const edits = { edit: (id, values) => this.edit(id, values), remove: (id, side) => this.remove(id, side),
+            goTo: (side) => this.views[side].focus(), choose: (id) => this.choose(id), complain: (text) => messages.show(text, true) };
         this.table = new PointsTable(element('points'), edits);
         this.panel = new ResultPanel(engine);
         this.entry = new Entry(edits);
@@ -171,7 +179,8 @@ export class App {
         const position = positionOf(point, side);
         const { viewport } = this.views[side];
         const [x, y] = position === null ? [0, 0] : viewport.toScreen(...position);
-        return x >= 0 && y >= 0 && x <= viewport.width && y <= viewport.height;
+        const edge = viewport.isWhole ? EDGE : 0;
+        return Math.min(x, y, viewport.width - x, viewport.height - y) >= edge;
     }
 
     // Removes a point. If it had the focus in a view, its successor gets it.
@@ -182,7 +191,7 @@ export class App {
         this.chosen = (points[index] ?? points[index - 1])?.id ?? null;
         this.draw();
         if (side !== null) {
-            this.chosen === null ? this.views[side].svg.focus() : this.views[side].focusPoint(this.chosen);
+            this.chosen === null ? this.views[side].focus() : this.views[side].focusPoint(this.chosen);
         }
     }
 
@@ -240,7 +249,7 @@ export class App {
         element('pixels').value = kind;
         Object.keys(this.views).filter((side) => !element(`${side}-view`).matches(':hover'))
             .forEach((side) => this.#tellAxes(side));
-        element('count').textContent = `${points.length} point${points.length === 1 ? '' : 's'}`;
+        element('count').textContent = countOf(points);
         element('welcome').hidden = points.length > 0 || sourceImage !== null;
         element('source-remove').hidden = sourceImage === null;
         element('target-remove').hidden = targetImage === null;
@@ -294,7 +303,7 @@ export class App {
         const result = this.fitting.of(id);
         const residual = result === null ? '' : `, residual ${this.fitting.number(result.length)}`;
         const state = wordsOfState(this.fitting.stateOf(point));
-        return `Point ${index + 1} ${point.name}, ${side} ${where}${residual}, ${state}`;
+        return `Point ${index + 1} ${isolated(point.name)}, ${side} ${where}${residual}, ${state}`;
     }
 
     #keep() {
@@ -342,7 +351,7 @@ export class App {
 
     // What the views show, as the next visit takes it.
     #frames() {
-        const frame = ({ x, y, scale, whole, stretch, down }) => ({ x, y, scale, whole, stretch, down });
+        const frame = ({ width, height, ...shown }) => shown;
         return Object.fromEntries(Object.entries(this.views).map(([side, { viewport }]) => [side, frame(viewport)]));
     }
 

@@ -16,7 +16,12 @@ function onClick(id, action) {
 }
 
 function isField(target) {
-    return target.closest('input:not([type="checkbox"], [type="range"]), textarea, select') !== null;
+    return target.closest('input:not([type="checkbox"], [type="range"]), textarea') !== null;
+}
+
+// Whether the target is a field with a text that is not yet taken.
+function isBeingEdited(target) {
+    return isField(target) && target.value !== (target.dataset.value ?? '');
 }
 
 export class Commands {
@@ -164,7 +169,8 @@ export class Commands {
 
     #stepKey(event) {
         const key = event.key.toLowerCase();
-        if (!(event.ctrlKey || event.metaKey) || isField(event.target) || !['z', 'y'].includes(key)) {
+        const isElsewhere = isBeingEdited(event.target) || event.target.closest('dialog') !== null;
+        if (!(event.ctrlKey || event.metaKey) || isElsewhere || !['z', 'y'].includes(key)) {
             return;
         }
         event.preventDefault();

@@ -8,9 +8,12 @@ const WING = 0.45;      // of this length, half the width of the head
 export const LETTER = 7;       // pixels, about the width of a letter
 const LINE = 13;        // pixels, height of a name
 
+const CIRCLE = 'M5 0A5 5 0 1 1-5 0A5 5 0 1 1 5 0M.6 0H-.6';
+
 // What a point looks like, by its state. The shapes differ, not the colours alone.
 export const SYMBOLS = {
-    fitted: 'M5 0A5 5 0 1 1-5 0A5 5 0 1 1 5 0M.6 0H-.6',
+    fitted: CIRCLE,
+    unfitted: CIRCLE,
     suspect: 'M-7-7H7V7H-7ZM.6 0H-.6',
     dropped: 'M-7-7L7 7M-7 7L7-7',
     check: 'M0-8L7 5H-7Z',

@@ -6,7 +6,7 @@ import { element } from './elements.mjs';
 import { parseNumber, parsePair } from './numbers.mjs';
 import { isComplete } from './store.mjs';
 
-// The actions: edit(id, values), remove(id).
+// The actions: edit(id, values); remove(id, side), goTo(side), which give the focus to the view of that side.
 export class Entry {
     constructor(actions) {
         this.form = element('entry');
@@ -14,14 +14,15 @@ export class Entry {
         this.second = element('entry-second');
         this.point = null;
         this.form.addEventListener('submit', (event) => this.#set(event));
-        element('entry-cancel').addEventListener('click', () => actions.remove(this.point.id));
-        this.form.addEventListener('keydown', (event) => event.key === 'Escape' && actions.remove(this.point.id));
+        const remove = () => actions.remove(this.point.id, this.#sideThere());
+        element('entry-cancel').addEventListener('click', remove);
+        this.form.addEventListener('keydown', (event) => event.key === 'Escape' && remove());
         this.actions = actions;
     }
 
     // Shows the form if the point lacks a place; predicted: where the transformation puts it, or null.
     show(point, number, predicted) {
-        const isOther = point?.id !== this.point?.id;
+        const before = [this.point?.id, this.names?.[0]];
         this.point = point;
         this.form.hidden = point === null || isComplete(point);
         if (this.form.hidden) {
@@ -35,7 +36,7 @@ export class Entry {
         const [first, second] = predicted ?? ['', ''];
         this.first.placeholder = first === '' ? '' : `about ${first}`;
         this.second.placeholder = second === '' ? '' : `about ${second}`;
-        if (isOther) {
+        if (before[0] !== point.id || before[1] !== this.names[0]) {
             [this.first.value, this.second.value] = this.names.map((name) => point[name] ?? '');
             element('entry-error').textContent = '';
         }
@@ -47,6 +48,11 @@ export class Entry {
         }
     }
 
+    // The view from which the point comes: not that of the missing place.
+    #sideThere() {
+        return this.names[0] === 'X' ? 'source' : 'target';
+    }
+
     // Takes two numbers, or a pair in the first field.
     #set(event) {
         event.preventDefault();
@@ -54,7 +60,9 @@ export class Entry {
         const values = pair ?? [parseNumber(this.first.value), parseNumber(this.second.value)];
         const missing = values.indexOf(null);
         if (missing < 0) {
+            const side = this.#sideThere();
             this.actions.edit(this.point.id, { [this.names[0]]: values[0], [this.names[1]]: values[1] });
+            this.form.hidden ? this.actions.goTo(side) : this.first.focus();
             return;
         }
         const input = [this.first, this.second][missing];

@@ -14,6 +14,7 @@ const STATES = {
     fitted: 'fitted',
     check: 'check point',
     dropped: 'dropped as a blunder',
+    unfitted: 'not fitted',
     suspect: 'suspected blunder',
     pending: 'place missing',
 };
@@ -26,6 +27,11 @@ export function wordsOfState(state) {
     return STATES[state];
 }
 
+// A name within other text. Whatever its direction of writing, it does not change that of the text.
+export function isolated(name) {
+    return `\u2068${name}\u2069`;
+}
+
 // `report` is the engine's report as an object, or null; then `error` tells why.
 export class Fitting {
     #document = null;
@@ -33,6 +39,7 @@ export class Fitting {
     #milliseconds = 0;  // that the last search for blunders took
     #searched = 0;      // when it ended
     #results = new Map();
+    #numbers = [];      // in the table, of the complete points
 
     constructor(engine) {
         this.engine = engine;
@@ -49,17 +56,18 @@ export class Fitting {
         }
         this.#document = document;
         const start = performance.now();
+        const complete = document.points.filter(isComplete);
         this.#isQuick = isHasty && !document.options.robust && this.#milliseconds > SLOW
-            && start < this.#searched + PAUSE * this.#milliseconds;
-        this.#fit(document);
+            && start < this.#searched + PAUSE * this.#milliseconds && complete.length === this.#results.size;
+        this.#numbers = document.points.flatMap((point, index) => isComplete(point) ? [index + 1] : []);
+        this.#fit(document, complete);
         if (!this.#isQuick) {
             this.#searched = performance.now();
             this.#milliseconds = this.#searched - start;
         }
     }
 
-    #fit({ points, options, kind, crs, file, unread }) {
-        const complete = points.filter(isComplete);
+    #fit({ options, kind, crs, file, unread }, complete) {
         const suspects = this.report?.suspects ?? [];
         this.#results = new Map();
         this.report = null;
@@ -76,7 +84,7 @@ export class Fitting {
         }
     }
 
-    // A drag does not change which points there are.
+    // The points are those of the search.
     #keepSuspects(suspects) {
         if (this.#isQuick) {
             this.report.suspects = suspects;
@@ -99,13 +107,24 @@ export class Fitting {
         return this.#results.get(id) ?? null;
     }
 
+    // The number in the table of a point of the report, which counts the complete points alone.
+    numberOf({ point }) {
+        return this.#numbers[point - 1];
+    }
+
+    label(place) {
+        return place.name ? `'${isolated(place.name)}'` : `point ${this.numberOf(place)}`;
+    }
+
     stateOf(point) {
         if (!isComplete(point)) {
             return 'pending';
         }
         const result = this.of(point.id);
-        return result === null ? (point.check ? 'check' : 'fitted') : result.suspect && result.role !== 'dropped'
-            ? 'suspect' : result.role;
+        if (result === null) {
+            return point.check ? 'check' : 'unfitted';
+        }
+        return result.suspect && result.role !== 'dropped' ? 'suspect' : result.role;
     }
 
     // The text of a number as the report has it; of none, nothing.

@@ -75,7 +75,7 @@ export class PointsTable {
         });
         this.body.addEventListener('click', (event) => {
             if (event.target.closest('button')) {
-                this.actions.remove(this.#idOf(event.target));
+                this.#remove(this.#idOf(event.target));
             }
         });
         this.body.addEventListener('keydown', (event) => this.#key(event));
@@ -99,6 +99,14 @@ export class PointsTable {
         } else {
             event.target.blur();
         }
+    }
+
+    // The focus goes to the same button of the next point.
+    #remove(id) {
+        const index = this.points.findIndex((point) => point.id === id);
+        this.actions.remove(id);
+        const next = this.points[index] ?? this.points[index - 1];
+        this.#rows.get(next?.id)?.button.focus();
     }
 
     focus(id, name) {
@@ -263,7 +271,7 @@ export class PointsTable {
         }
         const largest = this.fitting.report?.largest_residual.point;
         const isLargest = result !== null && result.point === largest;
-        this.#write(parts.state, wordsOfState(state) + (isLargest ? ', largest residual' : ''));
+        this.#write(parts.state, wordsOfState(state) + (isLargest ? ', largest' : ''));
     }
 
     #fillFields({ inputs, button }, point, number) {

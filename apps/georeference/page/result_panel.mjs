@@ -23,10 +23,6 @@ function write(target, text) {
     }
 }
 
-function label({ point, name }) {
-    return name ? `'${name}'` : `point ${point}`;
-}
-
 // A list of texts, in the items that are there already.
 function fillList(list, texts) {
     while (list.childElementCount > texts.length) {
@@ -45,7 +41,7 @@ function verdict(fitting, complete) {
         : `RMS ${fitting.number(report.rms)} target units`;
     const count = report.suspects.length;
     const suspects = count === 0 ? 'no suspected blunder' : `${count} suspected blunder${count > 1 ? 's' : ''}: `
-        + `${report.suspects.slice(0, 5).map(label).join(', ')}${count > 5 ? ', …' : ''}`;
+        + `${report.suspects.slice(0, 5).map((suspect) => fitting.label(suspect)).join(', ')}${count > 5 ? ', …' : ''}`;
     const kind = report.mirrored ? `mirrored ${report.kind}` : report.kind;
     return `${kind[0].toUpperCase()}${kind.slice(1)} transformation of ${report.n} points: ${rms}; ${suspects}.`;
 }
@@ -86,7 +82,7 @@ export class ResultPanel {
     #showKind(row, kind, report) {
         const greatest = kind.greatest_leave_one_out;
         const judged = kind.not_judged !== null ? [[kind.not_judged, 'why']]
-            : [[kind.leave_one_out_rms], [greatest?.length ?? null], [greatest ? label(greatest) : '', 'why']];
+            : [[kind.leave_one_out_rms], [greatest?.length ?? null], [greatest ? greatest.name || String(this.fitting.numberOf(greatest)) : '', 'why']];
         const values = kind.missing !== null ? [[kind.missing, 'why']]
             : [[kind.coefficients], [kind.degrees_of_freedom], [kind.rms], ...judged];
         row.dataset.kind = kind.kind;
@@ -107,7 +103,8 @@ export class ResultPanel {
 
     #showSuspects(report) {
         const level = report?.level ?? 0;
-        const texts = (report?.suspects ?? []).map((suspect) => `${label(suspect)}, point ${suspect.point}: residual `
+        const texts = (report?.suspects ?? []).map((suspect) => `${this.fitting.label(suspect)}`
+            + `${suspect.name ? `, point ${this.fitting.numberOf(suspect)}` : ''}: residual `
             + `${this.fitting.number(suspect.length)}, suspect under the ${suspect.under_kind} kind`
             + (suspect.dropped === null ? '' : `, dropped as number ${suspect.dropped}`));
         const none = report === null ? [] : [`none, at the level ${level}`];
@@ -147,12 +144,13 @@ export class ResultPanel {
         const shape = parameters === null ? [['scale, rotation', without]]
             : PARAMETERS.map(([key, name, factor, unit]) => [name, number(parameters[key] * factor) + unit,
                 parameters[key]]);
+        const notRicher = report.choice === 'asked' ? [] : report.not_richer;
         return [
             ['chosen by', CHOICES[report.choice] ?? report.choice],
-            ...report.not_richer.map((text) => ['not richer', text]),
+            ...notRicher.map((text) => ['not richer', text]),
             ['points', `${report.n} fitted, ${report.dropped} dropped, ${report.check_points} check points`],
             ...check,
-            ['largest', `${number(largest.length)} at ${label(largest)}`, largest.length],
+            ['largest', `${number(largest.length)} at ${this.fitting.label(largest)}`, largest.length],
             ...shape,
         ];
     }

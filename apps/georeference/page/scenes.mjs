@@ -10,6 +10,7 @@ import { meshCells, meshNodes } from './warp.mjs';
 const FIELDS = { source: ['x', 'y'], target: ['X', 'Y'] };
 const NOTHING = { left: 0, right: 1000, low: 0, high: 1000 }; // what a view without contents shows
 const DEGREES_BELOW = 0.05; // target units per source unit, below which small coordinates are taken as degrees
+const NOISE = 1e-9;         // of the size of a view's own contents, below which residuals are rounding errors
 const LARGE = 5;            // times the box of its own contents, up to which a view shows all of the warped outline
 
 // The position of a point in its view, or null.
@@ -66,9 +67,16 @@ export class Scenes {
             cells: isTarget ? this.cells : [],
             warped: isTarget && sourceImage !== null && this.fitting.report !== null
                 ? { image: sourceImage, place: this.sourcePlace, frame: this.fitting.frame() } : null,
-            longest: fitted.reduce((longest, { arrow }) => Math.max(longest, Math.hypot(...arrow)), 0),
+            longest: this.#longest(fitted, side),
             units: isTarget ? 'target units' : 'source units',
         };
+    }
+
+    // The length of the longest arrow; 0 if the arrows would only show how numbers are rounded.
+    #longest(points, side) {
+        const longest = points.reduce((most, { arrow }) => Math.max(most, Math.hypot(...arrow)), 0);
+        const box = boxAround(this.#positions(side));
+        return box !== null && longest > NOISE * sizeOf(box) ? longest : 0;
     }
 
     #shown(point, index, side, chosen) {
@@ -133,8 +141,11 @@ export class Scenes {
     }
 }
 
+function sizeOf({ left, right, low, high }) {
+    return Math.max(right - left, high - low);
+}
+
 // A box that the line to infinity makes very large gives way to the box of the points.
 function sensible(box, own) {
-    const size = ({ left, right, low, high }) => Math.max(right - left, high - low);
-    return size(box) > LARGE * size(own) && size(own) > 0 ? own : box;
+    return sizeOf(box) > LARGE * sizeOf(own) && sizeOf(own) > 0 ? own : box;
 }

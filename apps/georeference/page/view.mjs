@@ -3,6 +3,7 @@
 // SPDX-License-Identifier: MIT
 
 import { LETTER, SYMBOLS, arrowPath, placeNames, setAttribute, svgElement } from './drawing.mjs';
+import { isolated } from './fitting.mjs';
 import { Gestures } from './gestures.mjs';
 import { gridOf } from './grid.mjs';
 import { niceAbove, shortNumber } from './numbers.mjs';
@@ -13,6 +14,7 @@ const NEAR = { mouse: 13, touch: 24 };  // pixels within which a pointer finds a
 const MOST_NAMES = 300;                 // of more points only the suspected ones have names
 const BAR = 60;                         // pixels of the bar of the legend
 const LONGEST = 80;                     // pixels of the longest arrow, at most
+const LARGE_PIXEL = 3;                  // pixels of the screen for one of an image, from which on it has sharp edges
 const MOVE = 40;                        // pixels by which a key moves the view
 const ZOOM = 1.4;                       // by which a key zooms
 const ARROWS = { ArrowLeft: [-1, 0], ArrowRight: [1, 0], ArrowUp: [0, -1], ArrowDown: [0, 1] };
@@ -72,7 +74,13 @@ export class View {
         });
         this.svg.addEventListener('keydown', (event) => this.#key(event));
         this.svg.addEventListener('focusin', (event) => this.#focused(event));
-        new ResizeObserver(() => this.change(() => this.#measure())).observe(this.root);
+        new ResizeObserver(() => this.#resized()).observe(this.root);
+    }
+
+    // What shows all goes on doing so.
+    #resized() {
+        this.#measure();
+        this.viewport.isWhole ? this.actions.showAll() : this.actions.changed();
     }
 
     // Takes the size of the view, unless it is not shown.
@@ -138,6 +146,10 @@ export class View {
         this.focusPoint(id);
     }
 
+    focus() {
+        this.svg.focus({ preventScroll: true });
+    }
+
     focusPoint(id) {
         this.#handles.get(id)?.element.focus({ preventScroll: true });
     }
@@ -175,7 +187,7 @@ export class View {
         } else if (key === 'Delete' || key === 'Backspace') {
             this.actions.remove(id);
         } else if (key === 'Escape') {
-            this.svg.focus();
+            this.focus();
         } else if (key === 'Enter' || key === ' ') {
             this.actions.choose(id);
         } else {
@@ -221,6 +233,8 @@ export class View {
     #drawImages() {
         const { image, place, warped } = this.scene;
         this.#showImage(this.base, image, () => stylePlaced(place, this.viewport));
+        const pixel = image === null ? 0 : this.viewport.scale * Math.hypot(place[1], place[4]);
+        this.base.classList.toggle('near', pixel > LARGE_PIXEL);
         if (this.warped !== null) {
             this.#showImage(this.warped, warped?.image ?? null,
                 () => styleWarped(warped.place, warped.frame, this.viewport));
@@ -239,7 +253,6 @@ export class View {
             element.style.height = `${image.height}px`;
         }
         element.style.transform = style();
-        element.classList.toggle('near', this.viewport.scale > 3);
     }
 
     #drawGrid() {
@@ -371,6 +384,6 @@ export class View {
 }
 
 function nameOf(point) {
-    const name = point.name || String(point.number);
+    const name = point.name === '' ? String(point.number) : isolated(point.name);
     return point.state === 'suspect' ? `${name}: suspected` : point.state === 'pending' ? `${name}?` : name;
 }

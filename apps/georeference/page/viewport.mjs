@@ -6,10 +6,11 @@ const MARGIN = 0.09;        // of the view, on each side, when all is shown
 const MOST_ZOOM = 1e12;     // in relation to a view that shows all
 
 // (x, y): the middle of the view; scale: pixels of the screen per unit of y; stretch: of x in relation to y;
-// down: y grows downwards.
+// down: y grows downwards. isWhole: all is shown since the last call of show.
 export class Viewport {
     constructor() {
-        Object.assign(this, { x: 0, y: 0, scale: 1, stretch: 1, down: true, width: 300, height: 200, whole: 1 });
+        Object.assign(this, { x: 0, y: 0, scale: 1, stretch: 1, down: true, width: 300, height: 200, whole: 1,
+            isWhole: true });
     }
 
     toScreen(x, y) {
@@ -29,12 +30,14 @@ export class Viewport {
     }
 
     pan(dx, dy) {
+        this.isWhole = false;
         this.x -= dx / this.scaleX;
         this.y -= dy / this.scaleY;
     }
 
     // The point of the plane at (px, py) stays there.
     zoom(px, py, factor) {
+        this.isWhole = false;
         const [x, y] = this.toPlane(px, py);
         const scale = Math.min(Math.max(this.scale * factor, this.whole / 100), this.whole * MOST_ZOOM);
         this.x = x + (this.x - x) * this.scale / scale;
@@ -45,6 +48,7 @@ export class Viewport {
     // Shows a box {left, right, low, high}.
     show({ left, right, low, high }) {
         const room = 1 - 2 * MARGIN;
+        this.isWhole = true;
         this.x = (left + right) / 2;
         this.y = (low + high) / 2;
         const across = this.width * room / (right - left) / this.stretch;

@@ -127,6 +127,40 @@ def test_a_deleted_point_comes_back(points, fitpoints):
     assert len(points.points()) == 4
 
 
+def test_points_have_the_numbers_of_the_table(page, tmp_path):
+    page.open_points(many_points(tmp_path), 20)
+    page.edit(1, "X", "")
+    page.edit(7, "X", "900")
+    assert "suspected blunder" in page.points()[7]["state"]
+    assert page.suspects().startswith("point 8:") and "point 8." in page.verdict()
+    assert page.kinds()["conformal"][-1] == "8"
+    assert page.browser.text("#count").startswith("20 points; 1 without a place")
+
+
+def test_points_without_a_transformation_are_not_called_fitted(page, tmp_path):
+    page.open_points(write(tmp_path, "equal.csv", "x,y,X,Y\n1,1,2,2\n1,1,3,4\n"), 2)
+    assert "all source points are equal" in page.verdict()
+    assert [point["state"] for point in page.points()] == ["not fitted"] * 2
+
+
+def test_a_kind_that_is_chosen_needs_no_reason(points):
+    assert "not richer" in points.browser.text("#parameters")
+    points.select("method", "conformal")
+    assert "asked for" in points.browser.text("#parameters")
+    assert "not richer" not in points.browser.text("#parameters")
+
+
+def test_rounding_errors_are_not_drawn_as_residuals(page, tmp_path):
+    def arrows():
+        return page.browser.js("return document.querySelector('#source-view .arrows').getAttribute('d')")
+
+    page.open_points(write(tmp_path, "two.csv", "x,y,X,Y\n20.5,-30.5,1000,5000\n380.5,-25.5,1190,4990\n"), 2)
+    assert arrows() == ""
+    page.open_points(write(tmp_path, "plain.csv", CSV), 5)
+    page.select("method", "conformal")
+    assert arrows() != ""
+
+
 def test_too_few_points_give_a_reason(points, fitpoints):
     for left in (4, 3, 2):
         points.delete(0)
@@ -159,10 +193,14 @@ def test_what_is_no_number_is_marked_and_not_taken(points, text):
     assert points.report() == before
 
 
-def test_a_blunder_is_named(page, fitpoints, tmp_path):
+def many_points(folder):
     rows = [f"{100 * i},{100 * j},{200 * i + 7 * (i * j % 3)},{200 * j + 5 * (i * i + j) % 7}"
             for i in range(5) for j in range(4)]
-    page.open_points(write(tmp_path, "many.csv", "x,y,X,Y\n" + "\n".join(rows) + "\n"), 20)
+    return write(folder, "many.csv", "x,y,X,Y\n" + "\n".join(rows) + "\n")
+
+
+def test_a_blunder_is_named(page, fitpoints, tmp_path):
+    page.open_points(many_points(tmp_path), 20)
     assert "none" in page.suspects().lower()
     page.edit(7, "X", "900")
     assert "point 8" in page.suspects()
@@ -228,6 +266,12 @@ def tab_to(page, selector):
     raise AssertionError(f"Tab does not reach {selector}")
 
 
+def in_focus(page):
+    """The number of a point in a view, or else the label, or else the class."""
+    return page.browser.js("""const element = document.activeElement;
+        return element.dataset.number ?? element.ariaLabel ?? element.className.baseVal""")
+
+
 def test_keys_alone_do_everything(page, fitpoints):
     tab_to(page, "#sample")
     page.browser.key("Enter")
@@ -250,22 +294,19 @@ def test_keys_alone_do_everything(page, fitpoints):
 
 
 def test_tab_stops_at_one_point_of_a_view_and_page_keys_go_on(page):
-    def in_focus():
-        return page.browser.js("return document.activeElement.dataset.number ?? document.activeElement.className.baseVal")
-
     page.press("sample")
     page.wait_for_points(12)
     tab_to(page, "#source-view .point")
-    seen = [in_focus()]
+    seen = [in_focus(page)]
     for key in ("PageUp", "PageDown", "PageDown", "PageUp"):
         page.browser.key(key)
         page.settle()
-        seen.append(in_focus())
+        seen.append(in_focus(page))
     assert seen == ["1", "1", "2", "3", "2"]
     page.browser.key("Tab")
     assert not page.browser.js("return document.activeElement.closest('#source-view') !== null")
     page.browser.key("Tab", "Shift")
-    assert in_focus() == "2"
+    assert in_focus(page) == "2"
 
 
 def test_enter_adds_a_point_where_the_cross_is(image):
@@ -277,6 +318,46 @@ def test_enter_adds_a_point_where_the_cross_is(image):
     image.settle()
     point, = image.points()
     assert numbers(point, "X", "Y") == [100, 200]
+
+
+def test_a_new_point_gets_both_places_by_keys(page):
+    tab_to(page, "#add")
+    page.browser.key("Enter")
+    tab_to(page, "#entry-first")
+    for pair in ("111\t222\n", "33\t44\n"):
+        page.browser.type(pair)
+        page.settle()
+    assert page.coordinates() == [("33", "44", "111", "222")]
+    assert in_focus(page).startswith("drawing")
+
+
+def test_the_focus_is_never_lost(points):
+    points.browser.press(points.cell(4, "check"))
+    points.browser.key("Tab")
+    for left in ("delete point 4", "delete point 3"):
+        points.browser.key("Enter")
+        points.settle()
+        assert in_focus(points) == left
+
+
+def test_keys_undo_and_redo_where_the_focus_is_in_a_field(points):
+    before = points.points()
+    points.browser.press(points.cell(0, "X"))
+    points.browser.key("a", "Control")
+    points.browser.type("77\n") # the focus goes to the next row
+    points.settle()
+    after = points.points()
+    assert after[0]["X"] == "77"
+    points.browser.key("z", "Control")
+    points.settle()
+    assert points.points() == before
+    points.browser.key("z", "Control", "Shift")
+    points.settle()
+    assert points.points() == after
+    points.select("method", "richest")
+    points.browser.key("z", "Control")
+    points.settle()
+    assert points.browser.find("#method").get_attribute("value") == "auto"
 
 
 def test_the_focus_is_always_seen(page):

@@ -67,6 +67,43 @@ def test_a_narrow_screen_shows_all_without_scrolling_sideways(page, tmp_path):
     assert [name for name, height in buttons if height < 30] == []
 
 
+@pytest.mark.parametrize("width", [360, 1280])
+def test_no_cell_of_the_points_hides_a_digit(page, tmp_path, width):
+    page.browser.resize(width, 800)
+    page.open_points(write(tmp_path, "wide.csv", "x,y,X,Y\n" + "".join(
+        f"{x}.25,{y}.75,{4500000.25 + 0.2 * x + x * y % 7:.2f},{5400000.25 + 0.2 * y:.2f}\n"
+        for x, y in ((1111, 2222), (3333, 2444), (3222, -4111), (1444, -4222), (2777, 1777), (2555, -1222)))), 6)
+    page.edit(3, "X", "-4500000.26")
+    hidden = page.browser.js("""return [...document.querySelectorAll("#points tbody :is(input[type=text], td > div)")]
+        .filter(each => each.scrollWidth > each.clientWidth).map(each => each.value ?? each.textContent)""")
+    assert hidden == []
+
+
+def test_a_view_that_shows_all_does_so_after_the_window_changed(page):
+    page.browser.resize(1500, 900)
+    page.press("sample-two")
+    page.wait_for_points(12)
+    for width, height in ((360, 640), (1000, 800)):
+        page.browser.resize(width, height)
+        page.settle()
+        hidden = page.browser.js("""return ["source", "target"].filter(side => {
+            const view = document.querySelector(`#${side}-view`).getBoundingClientRect();
+            const image = document.querySelector(`#${side}-view .base`).getBoundingClientRect();
+            return image.left < view.left || image.right > view.right || image.top < view.top || image.bottom > view.bottom
+        })""")
+        assert hidden == []
+
+
+def test_a_name_does_not_turn_the_text_around_it(page, tmp_path):
+    page.open_points(write(tmp_path, "names.csv", CSV.replace("\ne,", "\n\u202emirror,")), 5)
+    page.select("method", "conformal")
+    name = page.points()[4]["name"]
+    assert name == "\u202emirror"
+    page.edit(4, "X", "5000")
+    assert f"'\u2068{name}\u2069'" in page.browser.text("#parameters")
+    assert f"\u2068{name}\u2069" in page.browser.text("#source-view .points")
+
+
 def test_states_have_shapes_and_words(page, tmp_path):
     rows = [f"{100 * i},{100 * j},{200 * i + (i * j) % 3},{200 * j + (i + j) % 2},0" for i in range(4) for j in range(4)]
     rows[5] = "100,100,260,200,0"
