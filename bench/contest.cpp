@@ -3,6 +3,7 @@
 // SPDX-License-Identifier: MIT
 
 #include "contest.h"
+#include "run.h"
 
 #include <Eigen/Core>
 
@@ -98,12 +99,5 @@ int main(int a_iArguments, char** a_vszArguments)
         return EXIT_FAILURE;
     }
     benchmark::AddCustomContext("missing", bench::g_szMissing);
-    benchmark::Initialize(&a_iArguments, a_vszArguments);
-    if (benchmark::ReportUnrecognizedArguments(a_iArguments, a_vszArguments) ||
-        benchmark::RunSpecifiedBenchmarks() == 0)
-    {
-        return EXIT_FAILURE;
-    }
-    benchmark::Shutdown();
-    return EXIT_SUCCESS;
+    return bench::RunRegistered(a_iArguments, a_vszArguments);
 }

@@ -3,14 +3,12 @@
 // SPDX-License-Identifier: MIT
 
 #include "points.h"
+#include "run.h"
 
 #include "nuv1math.h"
 
-#include <benchmark/benchmark.h>
-
 #include <algorithm>
 #include <array>
-#include <cstdlib>
 #include <iterator>
 #include <random>
 #include <string>
@@ -374,12 +372,5 @@ int main(int a_iArguments, char** a_vszArguments)
     bench::AddLinearAlgebra();
     bench::AddEquations();
     bench::AddRandomNumbers();
-    benchmark::Initialize(&a_iArguments, a_vszArguments);
-    if (benchmark::ReportUnrecognizedArguments(a_iArguments, a_vszArguments) ||
-        benchmark::RunSpecifiedBenchmarks() == 0)
-    {
-        return EXIT_FAILURE;
-    }
-    benchmark::Shutdown();
-    return EXIT_SUCCESS;
+    return bench::RunRegistered(a_iArguments, a_vszArguments);
 }
