@@ -410,9 +410,8 @@ int LeastRemaining(int a_iCount, nuv::enumMethodUsed a_Kind)
 }
 
 // Finds groups until there is none, each among the points that are left.
-static enumReason FindGroups(const TControlPoints& a_Points, const TKindFit& a_Fit, const double* a_vdDrops,
-                             double a_dLevel, double a_dRounding, TPointSet& a_Rest, TGroup& a_Group, int* a_viOrder,
-                             int& a_iFound)
+static enumReason FindGroups(const TControlPoints& a_Points, const TKindFit& a_Fit, double a_dLevel, double a_dRounding,
+                             TPointSet& a_Rest, TGroup& a_Group, int* a_viOrder, int& a_iFound)
 {
     const int iLeast = LeastRemaining(a_Points.iCount, a_Fit.Kind);
     TKindFit Fit = a_Fit;
@@ -426,7 +425,7 @@ static enumReason FindGroups(const TControlPoints& a_Points, const TKindFit& a_F
         {
             return Reason == REASON_NO_MEMORY ? Reason : REASON_NONE;
         }
-        Reason = FindGroup(Rest, Fit, a_iFound > 0 ? NULL : a_vdDrops, a_dLevel, a_dRounding, iLeast, a_Group);
+        Reason = FindGroup(Rest, Fit, NULL, a_dLevel, a_dRounding, iLeast, a_Group);
         for (int k = 0; k < a_Group.iCount; ++k)
         {
             a_viOrder[a_Rest.viIndex[a_Group.viPoints[k]]] = ++a_iFound;
@@ -437,12 +436,6 @@ static enumReason FindGroups(const TControlPoints& a_Points, const TKindFit& a_F
 
 enumReason FindBlunders(const TControlPoints& a_Points, const TKindFit& a_Fit, double a_dLevel, double a_dRounding,
                         int* a_viOrder, int& a_iFound)
-{
-    return FindBlundersByDrops(a_Points, a_Fit, NULL, a_dLevel, a_dRounding, a_viOrder, a_iFound);
-}
-
-enumReason FindBlundersByDrops(const TControlPoints& a_Points, const TKindFit& a_Fit, const double* a_vdDrops,
-                               double a_dLevel, double a_dRounding, int* a_viOrder, int& a_iFound)
 {
     TPointSet Rest;
     TGroup Group = {0, NULL, 1};
@@ -459,7 +452,7 @@ enumReason FindBlundersByDrops(const TControlPoints& a_Points, const TKindFit& a
         {
             a_viOrder[i] = 0;
         }
-        Reason = FindGroups(a_Points, a_Fit, a_vdDrops, a_dLevel, a_dRounding, Rest, Group, a_viOrder, a_iFound);
+        Reason = FindGroups(a_Points, a_Fit, a_dLevel, a_dRounding, Rest, Group, a_viOrder, a_iFound);
     }
     ReleaseSet(Rest);
     free(Group.viPoints);

@@ -61,8 +61,11 @@ enum
 // the rounding of the step itself.
 static const double CONVERGED_STEP = 1e-13;
 
-// If rounding keeps a step of at most this size from lowering the sum of squares, the iterations have converged, too.
-static const double ROUNDED_STEP = 1e-9;
+// If rounding keeps a step of at most this size from lowering the sum of squares, the iterations have converged, too. The
+// sum changes by the square of the step, and has rounding errors of about 1e-16: of itself, and of the extent times its
+// root.
+static const double ROUNDED_STEP = 1e-9;         // part of the extent
+static const double ROUNDED_STEP_OF_ROOT = 1e-7; // part of the root of the sum of squares
 
 enum
 {
@@ -220,7 +223,8 @@ static enumStep MakeStep(const TControlPoints& a_Points, const double* a_vdStep,
             return STEP_MADE;
         }
     }
-    return dMove <= ROUNDED_STEP * a_dExtent ? STEP_CONVERGED : STEP_FAILED;
+    const double dRounded = ROUNDED_STEP * a_dExtent + ROUNDED_STEP_OF_ROOT * sqrt(a_Fit.dSumOfSquares);
+    return dMove <= dRounded ? STEP_CONVERGED : STEP_FAILED;
 }
 
 static enumStep Iterate(const TControlPoints& a_Points, double a_dExtent, TKindFit& a_Fit)

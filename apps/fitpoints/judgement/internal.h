@@ -119,10 +119,6 @@ struct TGroup
 enumReason FindGroup(const TControlPoints& a_Points, const TKindFit& a_Fit, const double* a_vdDrops, double a_dLevel,
                      double a_dRounding, int a_iLeast, TGroup& a_Group);
 
-// FindBlunders with drops that are known.
-enumReason FindBlundersByDrops(const TControlPoints& a_Points, const TKindFit& a_Fit, const double* a_vdDrops,
-                               double a_dLevel, double a_dRounding, int* a_viOrder, int& a_iFound);
-
 // The least number of points that the test of blunders leaves: half of them, and one more than the kind needs.
 int LeastRemaining(int a_iCount, nuv::enumMethodUsed a_Kind);
 

@@ -20,7 +20,8 @@ struct TCase
     TPointSet Fitted; // the fitted points, in the frame of the fit
     int* viLeftOut;   // 1 for check points, 2 for dropped points; all points
     int* viDropped;   // the order of dropping; all points
-    int* viOrder;     // ranks of suspects among the fitted points
+    int* viKind;      // the kind under which a point was dropped; all points
+    int* viOrder;     // the fitted points that FindWorst has found
     int* viGroup;     // points of a group
     double* vdLeave;  // the block of vLeave
     TLeaveArrays vLeave[KINDS];
@@ -40,6 +41,7 @@ static bool AllocateCase(const TControlPoints& a_Points, const TOptions& a_Optio
     a_Case.dRounding = RoundingLevel(a_Points);
     a_Case.viLeftOut = static_cast<int*>(Memory(n, sizeof(int)));
     a_Case.viDropped = static_cast<int*>(Memory(n, sizeof(int)));
+    a_Case.viKind = static_cast<int*>(Memory(n, sizeof(int)));
     a_Case.viOrder = static_cast<int*>(Memory(n, sizeof(int)));
     a_Case.viGroup = static_cast<int*>(Memory(n, sizeof(int)));
     a_Case.vdLeave = static_cast<double*>(Memory(n, KINDS * LEAVE_ARRAYS * sizeof(double)));
@@ -47,8 +49,8 @@ static bool AllocateCase(const TControlPoints& a_Points, const TOptions& a_Optio
     {
         a_Case.vLeave[k] = LeaveArrays(a_Case.vdLeave + static_cast<ptrdiff_t>(k) * LEAVE_ARRAYS * n, n);
     }
-    return bSet && a_Case.viLeftOut != NULL && a_Case.viDropped != NULL && a_Case.viOrder != NULL &&
-           a_Case.viGroup != NULL && a_Case.vdLeave != NULL;
+    return bSet && a_Case.viLeftOut != NULL && a_Case.viDropped != NULL && a_Case.viKind != NULL &&
+           a_Case.viOrder != NULL && a_Case.viGroup != NULL && a_Case.vdLeave != NULL;
 }
 
 static void ReleaseCase(TCase& a_Case)
@@ -56,6 +58,7 @@ static void ReleaseCase(TCase& a_Case)
     ReleaseSet(a_Case.Fitted);
     free(a_Case.viLeftOut);
     free(a_Case.viDropped);
+    free(a_Case.viKind);
     free(a_Case.viOrder);
     free(a_Case.viGroup);
     free(a_Case.vdLeave);
@@ -140,19 +143,20 @@ static const double* DropsOf(const TCase& a_Case, const TKindRow& a_Row)
 }
 
 // Leaves out the worst suspects: one, or many of very many points.
-static void Drop(TCase& a_Case, int a_iFound, TJudgement& a_Result)
+static void Drop(TCase& a_Case, int a_iFound, int a_iKind, TJudgement& a_Result)
 {
     for (int j = 0; j < a_iFound; ++j)
     {
         const int i = a_Case.Fitted.viIndex[a_Case.viOrder[j]];
         a_Case.viLeftOut[i] = 2;
         a_Case.viDropped[i] = ++a_Result.iDropped;
+        a_Case.viKind[i] = a_iKind;
     }
 }
 
 // Finds the group that is most significant under any kind. Its points go to viOrder. Of a group of up to three points only
 // the worst one counts: the others are found again, if they are suspect then.
-static enumReason FindWorst(TCase& a_Case, const TJudgement& a_Result, int& a_iFound)
+static enumReason FindWorst(TCase& a_Case, const TJudgement& a_Result, int& a_iFound, int& a_iKind)
 {
     const double dLevel = LevelOfOneKind(a_Case, a_Result);
     double dLeast = 1;
@@ -175,6 +179,7 @@ static enumReason FindWorst(TCase& a_Case, const TJudgement& a_Result, int& a_iF
         if (Group.iCount > 0 && (a_iFound == 0 || Group.dProbability < dLeast))
         {
             dLeast = Group.dProbability;
+            a_iKind = k;
             a_iFound = Group.iCount > GREATEST_GROUP ? Group.iCount : 1;
             memcpy(a_Case.viOrder, Group.viPoints, static_cast<size_t>(a_iFound) * sizeof(int));
         }
@@ -186,12 +191,13 @@ static enumReason DropBlunders(TCase& a_Case, TJudgement& a_Result)
 {
     enumReason Reason = REASON_NONE;
     int iFound = 1;
+    int iKind = nuv::METHOD_CONFORMAL;
     while (Reason == REASON_NONE && iFound > 0)
     {
-        Reason = FindWorst(a_Case, a_Result, iFound);
+        Reason = FindWorst(a_Case, a_Result, iFound, iKind);
         if (Reason == REASON_NONE && iFound > 0)
         {
-            Drop(a_Case, iFound, a_Result);
+            Drop(a_Case, iFound, iKind, a_Result);
             Reason = FitCase(a_Case, a_Result);
         }
     }
@@ -206,41 +212,24 @@ static bool IsSearched(const TCase& a_Case, const TJudgement& a_Result)
            n - GREATEST_GROUP >= LeastRemaining(n + a_Result.iDropped, nuv::METHOD_OMOGRAPHIC);
 }
 
-static void MarkSuspects(const TCase& a_Case, int a_iKind, TJudgement& a_Result, TPointJudgement* a_vPoints)
+// Marks what DropBlunders would drop. It may also change the kind: the blunders may be why this one was taken, and under it
+// good points would be suspect for its misfit. The fit of a_Result stays; that of a_Case does not.
+static enumReason FindSuspects(TCase& a_Case, TJudgement& a_Result, TPointJudgement* a_vPoints)
 {
-    for (int j = 0; j < a_Case.Fitted.iCount; ++j)
+    TJudgement Search = a_Result;
+    Search.iDropped = 0;
+    const enumReason Reason = DropBlunders(a_Case, Search);
+    for (int i = 0; i < a_Case.Points.iCount; ++i)
     {
-        TPointJudgement& Point = a_vPoints[a_Case.Fitted.viIndex[j]];
-        if (a_Case.viOrder[j] > 0 && !Point.bSuspect)
+        TPointJudgement& Point = a_vPoints[i];
+        if (Point.Role == ROLE_FITTED && a_Case.viLeftOut[i] != 0)
         {
             Point.bSuspect = 1;
-            Point.SuspectKind = static_cast<nuv::enumMethodUsed>(a_iKind);
+            Point.SuspectKind = static_cast<nuv::enumMethodUsed>(a_Case.viKind[i]);
             ++a_Result.iSuspects;
         }
     }
-}
-
-static enumReason FindSuspects(TCase& a_Case, TJudgement& a_Result, TPointJudgement* a_vPoints)
-{
-    const double dLevel = LevelOfOneKind(a_Case, a_Result);
-    for (int k = a_Result.Fit.Kind; k < KINDS; ++k)
-    {
-        int iFound = 0;
-        const TKindRow& Row = a_Result.vKinds[k];
-        const enumReason Reason = Row.Reason != REASON_NONE
-                                      ? REASON_NO_REDUNDANCY
-                                      : FindBlundersByDrops(PointsOf(a_Case.Fitted), Row.Fit, DropsOf(a_Case, Row),
-                                                            dLevel, a_Case.dRounding, a_Case.viOrder, iFound);
-        if (Reason == REASON_NO_MEMORY)
-        {
-            return Reason;
-        }
-        if (Reason == REASON_NONE)
-        {
-            MarkSuspects(a_Case, k, a_Result, a_vPoints);
-        }
-    }
-    return REASON_NONE;
+    return Reason == REASON_NO_MEMORY ? Reason : REASON_NONE;
 }
 
 // ---------------------------------------------------------------------------------------------------------------------
@@ -276,7 +265,7 @@ static void AddAllResiduals(const TCase& a_Case, TJudgement& a_Result, TPointJud
         Point.Role = static_cast<enumRole>(a_Case.viLeftOut[i]);
         Point.iDropped = a_Case.viDropped[i];
         Point.bSuspect = Point.Role == ROLE_DROPPED ? 1 : 0;
-        Point.SuspectKind = a_Result.Fit.Kind;
+        Point.SuspectKind = static_cast<nuv::enumMethodUsed>(Point.bSuspect ? a_Case.viKind[i] : a_Result.Fit.Kind);
         if (Point.Role == ROLE_CHECK)
         {
             ++a_Result.iChecks;

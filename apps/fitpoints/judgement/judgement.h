@@ -255,7 +255,7 @@ struct TPointJudgement
     double dProbability;  /**< of a dStudentised at least as large by chance, at this one point. Multiply it by the
                                 number of points before you compare it with a level (Bonferroni) */
     int bSuspect;         /**< 1 for a suspected blunder (FindBlunders) and for a dropped point */
-    nuv::enumMethodUsed SuspectKind; /**< the kind under which the point is suspect: the fit's kind or a richer one */
+    nuv::enumMethodUsed SuspectKind; /**< the kind under which the point is suspect; that of the fit if it is not */
 };
 
 /** What Judge is asked for. */
@@ -395,7 +395,8 @@ void FindSupport(const TControlPoints& a_Points, TSupport& a_Support);
  *  Method of going on: a Gauss-Newton step from the library's normal equations (UpdateNormMatrixLowTri, CholeskyLowTri,
  *  SolveCholLowTri). It is halved until the sum of squares does not grow. The iterations have converged when a step
  *  changes no image of a point by more than 1e-13 of the extent of the target points; such a step is not made, so that
- *  a result of the library that has converged keeps its bits. They fail after 100 steps.
+ *  a result of the library that has converged keeps its bits. They have also converged when rounding hides whether a
+ *  small step lowers the sum. They fail after 100 steps, and where no part of a greater step lowers the sum.
  *
  *  An affine transformation exists if |ae - db| > 1e-12 (a^2 + b^2 + d^2 + e^2): other than the tolerance of CalcCoefs,
  *  this does not depend on the units.
@@ -622,11 +623,12 @@ enumReason InversePoint(const nuv::TOmographicParams& a_Coefs, const TOrigins& a
 
 /** Fits control points and judges the result. Allocates memory: about 200 bytes for each point.
  *
- *  Method: local origins of the fitted points (FindOrigins); FindSupport; JudgeKinds; the kind by a_Options.Method;
- *  FindBlunders under this kind and under the richer ones that exist, each at the level a_Options.dLevel divided by
- *  their number. A richer kind contains the poorer one, so a point that is suspect under it is a blunder for both: the
- *  misfit of the poorer kind hides it there. With bRobust the worst suspect is dropped and everything is repeated, until
- *  there is no suspect or only LeastPoints + 1 points are left.
+ *  Method: local origins of the fitted points (FindOrigins); FindSupport; JudgeKinds; the kind by a_Options.Method; the
+ *  test of FindBlunders under this kind and under the richer ones that exist, each at the level a_Options.dLevel divided
+ *  by their number. A richer kind contains the poorer one, so a point that is suspect under it is a blunder for both:
+ *  the misfit of the poorer kind hides it there. The worst suspect is left out and everything is repeated, until there is
+ *  no suspect, or half of the points or only LeastPoints + 1 are left. With bRobust the last fit is the result. Without
+ *  it the points that were left out are only marked as suspect, and the fit of all points is the result.
  *
  *  @param a_Points   all points, in coordinates as given
  *  @param a_pRoles   ROLE_FITTED or ROLE_CHECK for each point, a_Points.iCount values; null: all are fitted

@@ -187,6 +187,28 @@ TEST(Blunders, RobustDropsTheBlundersAndListsThem)
     EXPECT_LT(Result.Judgement.dRms, 1e-8);
 }
 
+// A blunder of 500 units can make a poorer kind the best one. Its misfit must not accuse good points: they are tested under
+// the kind that is the best one without the blunder.
+TEST(Blunders, GoodPointsAreNotSuspectForTheMisfitOfAKindThatABlunderHasChosen)
+{
+    int iPoorer = 0;
+    int iAccused = 0;
+    for (std::uint64_t iSeed = 0; iSeed < 100; ++iSeed)
+    {
+        TSet Set = RandomSet(12, Omographic, 1, iSeed);
+        Set.vdYa[7] -= 500;
+        const TResult Result = Judged(Set, {ASK_AUTO, 0, 0, 0, USUAL_LEVEL});
+        const std::set<int> viSuspects = Suspects(Result);
+        iPoorer += Result.Judgement.Fit.Kind != nuv::METHOD_OMOGRAPHIC ? 1 : 0;
+        iAccused += viSuspects.size() > 1 ? 1 : 0;
+        EXPECT_EQ(1u, viSuspects.count(7)) << iSeed;
+        EXPECT_EQ(viSuspects, Suspects(Judged(Set, {ASK_AUTO, 0, 0, 1, USUAL_LEVEL}))) << iSeed;
+        EXPECT_EQ(static_cast<int>(viSuspects.size()), Result.Judgement.iSuspects);
+    }
+    EXPECT_GT(iPoorer, 50);
+    EXPECT_LE(iAccused, 3);
+}
+
 TEST(Blunders, RobustKeepsOnePointMoreThanTheKindNeeds)
 {
     // Four points cannot tell which one is wrong, five can.

@@ -98,6 +98,22 @@ TEST(Images, AreInvertedInAllKinds)
     EXPECT_EQ(REASON_COEFS_NOT_FINITE, TransformPoint({1, 2, 1, 2, 4, 1, -1, 0}, {0, 0, 0, 0}, {1, 0}, Nowhere));
 }
 
+// The sum of squares of the omographic fit by an independent solver.
+double ReferenceSum(const TSet& a_Set)
+{
+    std::vector<nuv_reference::TControlPoint> vPoints;
+    for (std::size_t i = 0; i < a_Set.vdX.size(); ++i)
+    {
+        vPoints.push_back({a_Set.vdX[i], a_Set.vdY[i], a_Set.vdXa[i], a_Set.vdYa[i]});
+    }
+    double dSum = 0;
+    for (const auto& R : nuv_reference::OmographicFit(vPoints).vResiduals)
+    {
+        dSum += static_cast<double>(R[0] * R[0] + R[1] * R[1]);
+    }
+    return dSum;
+}
+
 // A set with errors so large that the four iterations of the library do not converge.
 TEST(FitKind, GoesOnUntilTheOmographicFitHasConverged)
 {
@@ -107,22 +123,28 @@ TEST(FitKind, GoesOnUntilTheOmographicFitHasConverged)
     TKindFit Fit;
     ASSERT_EQ(1, nuv::CalcOmographicCoefs(P.iCount, P.vdX, P.vdY, P.vdXa, P.vdYa, Library));
     ASSERT_EQ(REASON_NONE, FitKind(P, nuv::METHOD_OMOGRAPHIC, false, Fit));
-    std::vector<nuv_reference::TControlPoint> vPoints;
-    for (int i = 0; i < P.iCount; ++i)
-    {
-        vPoints.push_back({P.vdX[i], P.vdY[i], P.vdXa[i], P.vdYa[i]});
-    }
-    double dExpected = 0;
-    for (const auto& R : nuv_reference::OmographicFit(vPoints).vResiduals)
-    {
-        dExpected += static_cast<double>(R[0] * R[0] + R[1] * R[1]);
-    }
+    const double dExpected = ReferenceSum(Set);
     std::vector<double> vdDx(40), vdDy(40);
     const double dLibrary = Residuals(P, Library, vdDx.data(), vdDy.data());
     EXPECT_GT(dLibrary, dExpected * (1 + 1e-9)); // the library alone has not converged
     EXPECT_NEAR(dExpected, Fit.dSumOfSquares, 1e-13 * dExpected);
     EXPECT_GT(Fit.iIterations, 0);
     EXPECT_EQ(1, Fit.bConverged);
+}
+
+// With large residuals rounding hides the last steps: they lower the sum of squares by less than its last digit.
+TEST(FitKind, HasConvergedWhenRoundingHidesTheStepsThatAreLeft)
+{
+    for (std::uint64_t iSeed = 0; iSeed < 40; ++iSeed)
+    {
+        TSet Set = RandomSet(16, Omographic, 1, iSeed);
+        Set.vdXa[3] += 500;
+        TKindFit Fit;
+        ASSERT_EQ(REASON_NONE, FitKind(Points(Set), nuv::METHOD_OMOGRAPHIC, false, Fit));
+        EXPECT_EQ(1, Fit.bConverged) << iSeed << ", " << Fit.iIterations << " steps";
+        const double dExpected = ReferenceSum(Set);
+        EXPECT_NEAR(dExpected, Fit.dSumOfSquares, 1e-12 * dExpected) << iSeed;
+    }
 }
 
 TEST(FitKind, KeepsTheBitsOfAFitThatHasConverged)
