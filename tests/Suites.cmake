@@ -35,7 +35,7 @@ function(nuv_discover_tests target)
   endif()
   foreach(label IN LISTS labels)
     gtest_discover_tests(${target} TEST_PREFIX "${ARG_PREFIX}" TEST_FILTER "${${label}}"
-      TEST_LIST "${target}_${ARG_PREFIX}${label}" DISCOVERY_TIMEOUT 60 PROPERTIES
+      TEST_LIST "${target}_${ARG_PREFIX}${label}" DISCOVERY_TIMEOUT 600 PROPERTIES
       TIMEOUT 900 FAIL_REGULAR_EXPRESSION "assertion failure:" LABELS ${label} ${ARG_PROPERTIES})
   endforeach()
 endfunction()

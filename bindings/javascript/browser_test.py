@@ -45,7 +45,7 @@ def shown(chromium, folder):
         page = subprocess.run(
             [chromium, "--headless", "--no-sandbox", "--disable-gpu", f"--user-data-dir={profile}",
              "--virtual-time-budget=20000", "--dump-dom", f"http://127.0.0.1:{server.server_port}/"],
-            check=True, stdout=subprocess.PIPE, stderr=subprocess.DEVNULL, text=True, timeout=120).stdout
+            check=True, stdout=subprocess.PIPE, stderr=subprocess.DEVNULL, text=True, timeout=600).stdout
     server.shutdown()
     return page
 

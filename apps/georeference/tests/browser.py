@@ -18,7 +18,7 @@ from selenium.webdriver.chrome.service import Service
 from selenium.webdriver.common.by import By
 from selenium.webdriver.common.utils import is_connectable
 
-PATIENCE = 30.0 # seconds until a condition that does not come true is a failure
+PATIENCE = 120.0 # seconds until a condition that does not come true is a failure
 OPTIONS = [
     "--headless=new", "--no-first-run", "--disable-gpu", "--disable-dev-shm-usage", "--disable-background-networking",
     "--disable-component-update", "--disable-extensions", "--force-device-scale-factor=1", "--font-render-hinting=none",
