@@ -50,11 +50,11 @@ export class App {
     constructor(engine, messages) {
         this.engine = engine;
         this.messages = messages;
-        this.chosen = null;
         const kept = keptDocument(EMPTY);
         this.settings = { ...SETTINGS, ...kept?.settings };
         this.keptNames = kept?.images ?? {};
         this.store = new Store(kept?.document ?? EMPTY);
+        this.chosen = this.document.points.findLast((point) => !isComplete(point))?.id ?? null;
         this.fitting = new Fitting(engine);
         this.scenes = new Scenes(engine, this.fitting);
         this.views = { source: this.#makeView('source'), target: this.#makeView('target') };
@@ -203,7 +203,7 @@ export class App {
         this.#drag = null;
         this.store.endMerge();
         if (isCancelled) {
-            this.store.undo();
+            this.store.cancel();
         }
         this.redraw();
     }

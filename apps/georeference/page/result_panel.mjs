@@ -97,6 +97,7 @@ export class ResultPanel {
             cell.className = className;
             cell.colSpan = className === 'why' ? 6 - index : 1;
             cell.dataset.value = value ?? '';
+            cell.title = className === 'why' ? value : '';
             write(cell, typeof value === 'number' ? this.fitting.number(value) : value ?? 'none');
         });
     }

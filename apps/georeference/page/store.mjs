@@ -72,6 +72,11 @@ export class Store {
         this.#move(this.#future, this.#past);
     }
 
+    // Takes the last step back for good.
+    cancel() {
+        this.#move(this.#past, []);
+    }
+
     #move(from, to) {
         if (from.length > 0) {
             to.push(this.document);

@@ -245,6 +245,23 @@ def test_two_fingers_zoom_and_add_nothing(image):
     assert image.points() == []
 
 
+def test_a_second_finger_takes_back_the_drag_of_the_first(points):
+    before = points.points()
+    points.browser.touch_screen()
+    points.middle("source")
+    x, y = points.symbols("source")[1]
+    points.browser.touch("touchStart", (x, y))
+    for right in (20, 40):
+        points.browser.touch("touchMove", (x - right, y))
+    points.frame()
+    assert points.points() != before
+    points.browser.touch("touchStart", (x - 40, y), (x, y + 60))
+    points.browser.touch("touchEnd")
+    points.settle()
+    assert points.points() == before
+    assert not points.is_enabled("redo")
+
+
 def test_the_wheel_zooms_where_the_pointer_is(image):
     x, y = image.screen("source", 100, 60)
     other = image.screen("source", 101, 60)[0]

@@ -44,6 +44,13 @@ def test_a_reload_keeps_everything(page, tmp_path):
     wait_until(lambda: page.image_size("source") == [400, 300], "the kept image")
 
 
+def test_a_reload_asks_again_for_the_place_that_a_point_lacks(page):
+    page.press("add")
+    page.open(fresh=False)
+    assert page.browser.text("#entry-text").startswith("Point 1:")
+    assert page.browser.find("#entry").is_displayed()
+
+
 def test_a_new_start_can_be_undone(page):
     page.press("sample")
     page.wait_for_points(12)
@@ -92,6 +99,13 @@ def test_a_view_that_shows_all_does_so_after_the_window_changed(page):
             return image.left < view.left || image.right > view.right || image.top < view.top || image.bottom > view.bottom
         })""")
         assert hidden == []
+
+
+def test_a_long_name_does_not_widen_the_page(page, tmp_path):
+    page.open_points(write(tmp_path, "long.csv", CSV.replace("\ne,", "\n" + 300 * "long" + ",")), 5)
+    page.edit(4, "X", "5000")
+    assert "longlong" in page.verdict()
+    assert overflow(page) <= 0
 
 
 def test_a_name_does_not_turn_the_text_around_it(page, tmp_path):
