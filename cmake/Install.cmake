@@ -27,6 +27,7 @@ install(FILES ${msvc_libraries} DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT de
 
 set(config_dir ${CMAKE_INSTALL_LIBDIR}/cmake/nuv1math)
 install(EXPORT nuv1math-targets NAMESPACE nuv:: DESTINATION ${config_dir} COMPONENT devel)
+export(EXPORT nuv1math-targets NAMESPACE nuv::) # for find_package in the directory of the build
 configure_package_config_file(${CMAKE_CURRENT_LIST_DIR}/nuv1math-config.cmake.in
   ${PROJECT_BINARY_DIR}/nuv1math-config.cmake INSTALL_DESTINATION ${config_dir} PATH_VARS CMAKE_INSTALL_LIBDIR)
 write_basic_package_version_file(${PROJECT_BINARY_DIR}/nuv1math-config-version.cmake COMPATIBILITY SameMajorVersion)
@@ -35,11 +36,16 @@ install(FILES ${PROJECT_BINARY_DIR}/nuv1math-config.cmake ${PROJECT_BINARY_DIR}/
 
 # ---- pkg-config ----
 
-# The file finds the installation from its own place, so the installation can be moved. A static library needs the
-# mathematical library, and on Windows a definition. A directory outside the prefix stays as it is.
+# The file finds the installation from its own place, so the installation can be moved, unless its place is absolute. A
+# static library needs the mathematical library, and on Windows a definition.
 set(pkgconfig_dir ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
-file(RELATIVE_PATH to_prefix /prefix/${pkgconfig_dir} /prefix)
-string(REGEX REPLACE "/$" "" to_prefix "${to_prefix}")
+if(IS_ABSOLUTE "${CMAKE_INSTALL_LIBDIR}")
+  set(pc_prefix "${CMAKE_INSTALL_PREFIX}")
+else()
+  file(RELATIVE_PATH to_prefix /prefix/${pkgconfig_dir} /prefix)
+  string(REGEX REPLACE "/$" "" to_prefix "${to_prefix}")
+  set(pc_prefix "\${pcfiledir}/${to_prefix}")
+endif()
 foreach(kind IN ITEMS LIB INCLUDE)
   string(TOLOWER pc_${kind}dir variable)
   set(${variable} "\${prefix}/${CMAKE_INSTALL_${kind}DIR}")

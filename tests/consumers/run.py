@@ -105,6 +105,11 @@ class FoundByCMake(unittest.TestCase):
         self.assertEqual(run(program), "ok\n")
         self.assertNotIn("nuv1math", run("ldd", program))
 
+    def test_in_the_directory_of_its_build(self):
+        """Without an installation."""
+        shared() # builds it
+        self.assertEqual(run(self.use("found-build", WORK / "library-shared")), "ok\n")
+
     def test_a_component_that_does_not_exist_is_an_error(self):
         with self.assertRaisesRegex(AssertionError, "bogus"):
             configure(HERE / "found", fresh("found-component"), f"-DCMAKE_PREFIX_PATH={shared()}", "-DCOMPONENT=bogus")
@@ -136,6 +141,15 @@ class FoundByPkgConfig(unittest.TestCase):
     def test_static_brings_what_its_link_needs(self):
         """GCC as a C compiler links neither the C++ run-time library nor the mathematical one by itself."""
         self.assertEqual(self.use(static(), "gcc"), "ok\n")
+
+    def test_an_absolute_directory_of_libraries(self):
+        """Such an installation cannot be moved, and its headers are not beside its libraries."""
+        folder, build = fresh("absolute"), fresh("library-absolute")
+        configure(ROOT, build, *ALONE, f"-DCMAKE_INSTALL_PREFIX={folder / 'prefix'}",
+                  f"-DCMAKE_INSTALL_LIBDIR={folder / 'elsewhere/lib'}")
+        run("cmake", "--build", build)
+        run("cmake", "--install", build)
+        self.assertEqual(self.use(folder / "elsewhere", "g++", f"-Wl,-rpath,{folder / 'elsewhere/lib'}"), "ok\n")
 
     def test_by_meson(self):
         source, build = fresh("meson") / "source", WORK / "meson/build"
@@ -225,6 +239,11 @@ class Parent(unittest.TestCase):
         self.assertEqual(run(program), "ok\n")
         run("cmake", "--install", build, "--prefix", prefix)
         self.assertEqual([path.name for path in prefix.rglob("*") if path.is_file()], ["consumer"])
+
+    def test_builds_the_c_interface_if_it_asks(self):
+        build = fresh("parent-c")
+        build_project(HERE / "parent", build, f"-DLIBRARY={ROOT}", "-DNUV1MATH_BUILD_BINDINGS=ON")
+        self.assertEqual(run(build / "consumer_c"), C_PRINTS)
 
     def test_meson_builds_the_library_as_a_subproject(self):
         for kind in ("shared", "static"):
