@@ -94,6 +94,10 @@ set(CPACK_DEBIAN_DOC_PACKAGE_SUGGESTS fonts-dejavu-extra) # for the formulas
 package_section(DOC doc foreign)
 set(CPACK_DEBIAN_DOC_PACKAGE_SHLIBDEPS OFF)
 
+# Programs that list the documents of a system find the pages.
+install(FILES ${packaging}/nuv1math-doc/doc-base
+  DESTINATION ${CMAKE_INSTALL_DATADIR}/doc-base RENAME nuv1math-doc.nuv1math COMPONENT doc)
+
 # Each package has the licence and a changelog. The date is that of SOURCE_DATE_EPOCH if it is set.
 string(TIMESTAMP date "%a, %d %b %Y %H:%M:%S +0000" UTC)
 configure_file(${packaging}/changelog.in ${PROJECT_BINARY_DIR}/changelog @ONLY)

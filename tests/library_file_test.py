@@ -51,6 +51,11 @@ class Interface(unittest.TestCase):
         symbols = [symbol for symbol in exported_symbols(LIBRARY) if not symbol.startswith("?")]
         self.assertEqual(sorted(readable(symbols)), EXPORTS)
 
+    @unittest.skipUnless(IS_ELF, "not a library of Debian")
+    def test_the_debian_package_lists_what_is_exported(self):
+        listed = re.findall(r"^ (\S+)@Base ", (ROOT / "packaging/libnuv1math1/symbols").read_text(), re.MULTILINE)
+        self.assertEqual(sorted(exported_symbols(LIBRARY)), sorted(listed))
+
     @unittest.skipIf(IS_ELF or PROCESSOR == "wince", "not a DLL of desktop Windows")
     def test_exports_each_function_under_the_name_of_microsofts_compiler_too(self):
         machine = "x86" if PROCESSOR == "x86" else "x64"
