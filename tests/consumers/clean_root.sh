@@ -58,7 +58,7 @@ expect "$digits" python3 tree/bindings/python/examples/fit.py
 expect conformal python3 -c 'import nuv1math; print(nuv1math.fit([[0, 0], [1, 0]], [[5, 3], [7, 3]]))'
 expect 'fitpoints 1' fitpoints --version
 expect 'degrees of freedom' fitpoints tree/apps/fitpoints/sample.csv
-expect 'html' ls /usr/share/doc/nuv1math
+expect 'index.html' ls "$(sed -n 's/^Index: //p' /usr/share/doc-base/nuv1math-doc.nuv1math)"
 expect 'fitpoints.1.gz' ls /usr/share/man/man1
 # dpkg-shlibdeps is not here; what it reads is.
 expect 'libnuv1math 1 libnuv1math1' cat /var/lib/dpkg/info/libnuv1math1:*.shlibs
