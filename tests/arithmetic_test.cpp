@@ -1,4 +1,5 @@
-// arithmetic_test.cpp: the integer forms of the division and the square root have the bits of the platform's operations.
+// arithmetic_test.cpp: the integer forms of the division, the square root and the comparison of magnitudes give what the
+// platform's operations give.
 // Copyright (c) 2026 the nuv1math authors
 // SPDX-License-Identifier: MIT
 //
@@ -54,6 +55,15 @@ double Compose(int a_iExponent, std::uint64_t a_iMantissa)
     return ::testing::AssertionFailure() << "the root of " << HexText(a_dX) << " gives " << HexText(dRoot);
 }
 
+::testing::AssertionResult RightComparison(double a_dA, double a_dB)
+{
+    if (nuv::IsSmallerByIntegers(a_dA, a_dB) == (std::fabs(Opaque(a_dA)) < std::fabs(a_dB)))
+    {
+        return ::testing::AssertionSuccess();
+    }
+    return ::testing::AssertionFailure() << HexText(a_dA) << " < " << HexText(a_dB) << " in magnitude is wrong";
+}
+
 class Arithmetic : public ::testing::Test
 {
 protected:
@@ -105,6 +115,7 @@ TEST_F(Arithmetic, OfSpecialValues)
         for (const double dB : Specials())
         {
             ASSERT_TRUE(RightQuotient(dA, dB));
+            ASSERT_TRUE(RightComparison(dA, dB));
         }
     }
 }
@@ -119,6 +130,7 @@ TEST_F(Arithmetic, OfEveryExponent)
         for (int j = i % iStep; j <= ExponentSpecial; j += iStep)
         {
             ASSERT_TRUE(RightQuotient(dA, Compose(j, Random())));
+            ASSERT_TRUE(RightQuotient(dA, Compose(j, 0)));
         }
     }
 }
@@ -278,6 +290,8 @@ void ExpectRandomPairs(std::uint64_t a_iSeed, int a_iPairs)
         const double dB = FromBits(Random());
         ASSERT_TRUE(RightQuotient(dA, dB));
         ASSERT_TRUE(RightRoot(std::fabs(dA)));
+        ASSERT_TRUE(RightComparison(dA, dB));
+        ASSERT_TRUE(RightComparison(dA, -std::nextafter(dA, dB)));
     }
 }
 

@@ -57,6 +57,7 @@ TEST(Bits, TellWhatComparisonsTell)
         EXPECT_EQ(dValue < 0.0, nuv::IsBelowZero(dValue));
         EXPECT_EQ(dValue >= 0.0, nuv::IsAtLeastZero(dValue));
         EXPECT_EQ(std::isfinite(dValue), nuv::IsFinite(dValue));
+        EXPECT_SAME_BITS(Opaque(dValue) + 0.0, nuv::PlusZero(dValue));
     }
 }
 

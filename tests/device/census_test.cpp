@@ -4,8 +4,8 @@
 //
 // The linker option --wrap redirects the library's calls of the compiler's arithmetic helpers and of the mathematical
 // functions to this file. The mathematical library has helpers of its own, so the operations inside its functions are
-// not counted. A division and a square root are calls of the library's own integer forms, under the names that the
-// compiler gives them. A plain division or root would be missing in the count.
+// not counted. A division, a square root and a comparison of magnitudes are calls of the library's own integer forms, under
+// the names that the compiler gives them. A plain division or root would be missing in the count.
 
 #include "census.h"
 #include "device_cases.h"
@@ -89,6 +89,7 @@ NUV_WATCH_BINARY(int, __aeabi_dcmple, OPERATION_COMPARE)
 NUV_WATCH_BINARY(int, __aeabi_dcmpge, OPERATION_COMPARE)
 NUV_WATCH_BINARY(int, __aeabi_dcmpgt, OPERATION_COMPARE)
 NUV_WATCH_BINARY(int, __aeabi_dcmpun, OPERATION_COMPARE)
+NUV_WATCH_BINARY(bool, _ZN3nuv19IsSmallerByIntegersEdd, OPERATION_COMPARE)
 NUV_WATCH_CONVERSION(int, __aeabi_i2d)
 NUV_WATCH_CONVERSION(unsigned int, __aeabi_ui2d)
 NUV_WATCH_UNARY(_ZN3nuv20SquareRootByIntegersEd, OPERATION_SQRT)

@@ -63,16 +63,16 @@ g++ {compiler_version(compiler)} with its arithmetic helpers,
 - The columns from "add" to "others" count the double operations and the calls of the C library's functions.
 - "In operations" is the number of instructions that these operations take when they are called alone with the same
   operands.
-- Divisions and square roots are the library's own (`nuv/nuv1math/src/fast/arithmetic.cpp`): about 90 and 68
-  instructions. The operations of the compiler and the C library, which give the same bits, take about 510 and 2550. Those
-  of Windows CE were not measured.
+- Divisions, square roots and comparisons of magnitudes are the library's own (`nuv/nuv1math/src/fast/arithmetic.cpp`):
+  about 90, 68 and 16 instructions. A division by a power of 2 takes 43. The operations of the compiler and the C library,
+  which give the same bits, take about 510, 2550 and 35. Those of Windows CE were not measured.
 - "Add and mul" is the part of the instructions that the additions, subtractions and multiplications take. They are calls
   of the compiler's helpers, 40 to 65 instructions each, and the order of the operations is part of the result. So this
   part is the floor.
 - "Ratio" is instructions divided by "in operations". The rest of a call moves 64-bit operands between memory and 32-bit
   registers: adding a product to a sum in memory takes at least 7 instructions beside the multiplication and the
   addition. Ratios near 1.1 are such loops. Ratios above 1.2 are integer arithmetic (random numbers), indices (sparse
-  rows), the allocator (roots of degree 2) and the search for zeros.
+  rows, the small system of an affine fit of three points), the allocator (roots of degree 2) and the search for zeros.
 
 The tests in `tests/device` check the counts of operations exactly, by formulas, and the instructions to 3 %.
 

@@ -98,7 +98,7 @@ static void StoreOpposites(double a_dAngle, double* a_vdAngles)
 static int SolveSine(double a_dB, double a_dC, double* a_vdAngles)
 {
     const double dSine = -Quotient(a_dC, a_dB);
-    if (fabs(dSine) > 1.0)
+    if (IsSmaller(1.0, dSine))
     {
         return RET_IMPOSSIBLE;
     }
@@ -120,7 +120,7 @@ static int SolveSine(double a_dB, double a_dC, double* a_vdAngles)
 static int SolveCosine(double a_dA, double a_dC, double* a_vdAngles)
 {
     const double dCosine = -Quotient(a_dC, a_dA);
-    if (fabs(dCosine) > 1.0)
+    if (IsSmaller(1.0, dCosine))
     {
         return RET_IMPOSSIBLE;
     }
@@ -321,7 +321,8 @@ static int CopyDistinctAngles(int a_iCount, const double* a_vdSorted, double* a_
         do
         {
             ++i;
-        } while (i < a_iCount && fabs(a_vdSorted[i] - dFirst) < DUPLICATE_TOLERANCE); // equivalent: the angles ascend
+            // equivalent: the angles ascend
+        } while (i < a_iCount && IsSmaller(a_vdSorted[i] - dFirst, DUPLICATE_TOLERANCE));
         a_vdAngles[iDistinct] = dFirst;
         ++iDistinct;
     }

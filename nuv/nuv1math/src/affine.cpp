@@ -99,13 +99,13 @@ int MaxAbsIndex(int a_iN, const double* a_vdX, int a_iIncX)
         return 0;
     }
     int iMax = 0;
-    double dMax = fabs(a_vdX[0]);
+    double dMax = a_vdX[0];
     for (int i = 1; i < a_iN; ++i)
     {
-        const double dMagnitude = fabs(a_vdX[static_cast<ptrdiff_t>(i) * a_iIncX]);
-        if (dMagnitude > dMax)
+        const double dValue = a_vdX[static_cast<ptrdiff_t>(i) * a_iIncX];
+        if (IsSmaller(dMax, dValue))
         {
-            dMax = dMagnitude;
+            dMax = dValue;
             iMax = i;
         }
     }
@@ -231,6 +231,17 @@ static void NormaliseRow(const TGaussSystem& a_System, ptrdiff_t k)
     }
 }
 
+// Adds to each element of a row the multiple of the pivot row's element in the same column, a_iToPivot further on.
+static void AddMultiples(ptrdiff_t a_iColumns, double a_dFactor, ptrdiff_t a_iToPivot, double* a_pElement,
+                         ptrdiff_t a_iStride)
+{
+    for (ptrdiff_t j = 0; j < a_iColumns; ++j)
+    {
+        *a_pElement = a_pElement[a_iToPivot] * a_dFactor + *a_pElement;
+        a_pElement += a_iStride;
+    }
+}
+
 // Adds the multiple of pivot row k to row i that makes A(i,k) zero.
 static void EliminateRow(const TGaussSystem& a_System, ptrdiff_t k, ptrdiff_t i)
 {
@@ -241,16 +252,8 @@ static void EliminateRow(const TGaussSystem& a_System, ptrdiff_t k, ptrdiff_t i)
     {
         return;
     }
-    for (ptrdiff_t j = k + 1; j < a_System.iN; ++j)
-    {
-        double* const vdColumn = a_System.vdA + j * a_System.iLda;
-        vdColumn[i] = vdColumn[k] * dFactor + vdColumn[i];
-    }
-    for (ptrdiff_t j = 0; j < a_System.iNrhs; ++j)
-    {
-        double* const vdColumn = a_System.vdB + j * a_System.iLdb;
-        vdColumn[i] = vdColumn[k] * dFactor + vdColumn[i];
-    }
+    AddMultiples(a_System.iN - (k + 1), dFactor, k - i, &dBelowPivot + a_System.iLda, a_System.iLda);
+    AddMultiples(a_System.iNrhs, dFactor, k - i, a_System.vdB + i, a_System.iLdb);
 }
 
 int SolveGauss(int a_iN, int a_iNrhs, double* a_vdA, int a_iLda, double* a_vdB, int a_iLdb, double* a_vdX, int a_iLdx)

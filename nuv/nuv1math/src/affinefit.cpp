@@ -72,6 +72,33 @@ void CalcMean(unsigned int a_iCount, const double* a_vdValues, double& a_dMean)
 
 static const unsigned int AFFINE_MINIMUM_POINTS = 3;
 
+// Adds a term to a sum, which is 0 before the first point.
+static NUV_INLINE void AddTerm(bool a_bFirst, double a_dTerm, double& a_dSum)
+{
+    a_dSum = a_bFirst ? PlusZero(a_dTerm) : a_dTerm + a_dSum;
+}
+
+// Adds the terms of point i to all sums.
+static NUV_INLINE void AddAffineTerms(bool a_bFirst, unsigned int i, const TControlPoints& a_Points,
+                                      const TMeans& a_Means, TAffineSums& a_Sums)
+{
+    const double du = a_Points.vdX[i] - a_Means.dX;
+    const double dv = a_Points.vdY[i] - a_Means.dY;
+    const double dU = a_Points.vdXa[i] - a_Means.dXa;
+    const double dV = a_Points.vdYa[i] - a_Means.dYa;
+    AddTerm(a_bFirst, du * du, a_Sums.dSuu);
+    AddTerm(a_bFirst, du * dv, a_Sums.dSuv);
+    AddTerm(a_bFirst, dv * dv, a_Sums.dSvv);
+    AddTerm(a_bFirst, dU * du, a_Sums.dSUu);
+    AddTerm(a_bFirst, dV * du, a_Sums.dSVu);
+    AddTerm(a_bFirst, dU * dv, a_Sums.dSUv);
+    AddTerm(a_bFirst, dV * dv, a_Sums.dSVv);
+    AddTerm(a_bFirst, du, a_Sums.dSu);
+    AddTerm(a_bFirst, dv, a_Sums.dSv);
+    AddTerm(a_bFirst, dU, a_Sums.dSU);
+    AddTerm(a_bFirst, dV, a_Sums.dSV);
+}
+
 static void CalcAffineSums(const TControlPoints& a_Points, const TMeans& a_Means, TAffineSums& a_Sums)
 {
     if (HAS_VECTORS)
@@ -79,24 +106,11 @@ static void CalcAffineSums(const TControlPoints& a_Points, const TMeans& a_Means
         SumAffineByVectors(a_Points, a_Means, a_Sums);
         return;
     }
-    TAffineSums Sums = {0.0, 0.0, 0.0, 0.0, 0.0, 0.0, 0.0, 0.0, 0.0, 0.0, 0.0};
-    for (unsigned int i = 0; i < a_Points.iCount; ++i)
+    TAffineSums Sums;
+    AddAffineTerms(true, 0, a_Points, a_Means, Sums);
+    for (unsigned int i = 1; i < a_Points.iCount; ++i)
     {
-        const double du = a_Points.vdX[i] - a_Means.dX;
-        const double dv = a_Points.vdY[i] - a_Means.dY;
-        const double dU = a_Points.vdXa[i] - a_Means.dXa;
-        const double dV = a_Points.vdYa[i] - a_Means.dYa;
-        Sums.dSuu = du * du + Sums.dSuu;
-        Sums.dSuv = du * dv + Sums.dSuv;
-        Sums.dSvv = dv * dv + Sums.dSvv;
-        Sums.dSUu = dU * du + Sums.dSUu;
-        Sums.dSVu = dV * du + Sums.dSVu;
-        Sums.dSUv = dU * dv + Sums.dSUv;
-        Sums.dSVv = dV * dv + Sums.dSVv;
-        Sums.dSu = du + Sums.dSu;
-        Sums.dSv = dv + Sums.dSv;
-        Sums.dSU = dU + Sums.dSU;
-        Sums.dSV = dV + Sums.dSV;
+        AddAffineTerms(false, i, a_Points, a_Means, Sums);
     }
     a_Sums = Sums;
 }

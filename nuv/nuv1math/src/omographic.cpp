@@ -146,17 +146,16 @@ static void FormEquations(const TControlPoints& a_Points, const double* a_vdCoef
     }
 }
 
-// Adds the correction to the coefficients. Returns its greatest magnitude; a NaN does not count.
+// Adds the correction to the coefficients. Returns its element of greatest magnitude; a NaN does not count.
 static double ApplyCorrection(const double* a_vdCorrection, double* a_vdCoefs)
 {
     double dGreatest = 0.0;
     for (int j = 0; j < OMOGRAPHIC_UNKNOWNS; ++j)
     {
         a_vdCoefs[j] += a_vdCorrection[j];
-        const double dMagnitude = fabs(a_vdCorrection[j]);
-        if (dMagnitude > dGreatest) // equivalent: of equal magnitudes either is the greatest
+        if (IsSmaller(dGreatest, a_vdCorrection[j])) // equivalent: of equal magnitudes either is the greatest
         {
-            dGreatest = dMagnitude;
+            dGreatest = a_vdCorrection[j];
         }
     }
     return dGreatest;
@@ -184,7 +183,7 @@ static bool Refine(const TControlPoints& a_Points, double* a_vdCoefs)
 {
     TOmographicSystem System;
     return SolveEquations(a_Points, a_vdCoefs, System) &&
-           !(ApplyCorrection(System.vdVector, a_vdCoefs) < OMOGRAPHIC_CONVERGENCE);
+           !IsSmaller(ApplyCorrection(System.vdVector, a_vdCoefs), OMOGRAPHIC_CONVERGENCE);
 }
 
 static int FitOmographic(const TControlPoints& a_Points, TOmographicParams& a_Params)

@@ -103,18 +103,18 @@ static bool BalanceRowAndColumn(double* const* A, int a_iN, int i)
     const double dLow = dRow * 0.5;
     const double dHigh = dRow * 2.0;
     double dFactor = 1.0;
-    while (dColumn < dLow)
+    while (IsSmaller(dColumn, dLow))
     {
         dFactor *= 2.0;
         dColumn *= 4.0;
     }
-    while (dColumn > dHigh)
+    while (IsSmaller(dHigh, dColumn))
     {
         dFactor *= 0.5;
         dColumn *= 0.25;
     }
     const double dReciprocal = Quotient(1.0, dFactor);
-    if (!((dColumn + dRow) * dReciprocal < BALANCE_GAIN * dNorm))
+    if (!IsSmaller((dColumn + dRow) * dReciprocal, BALANCE_GAIN * dNorm))
     {
         return false;
     }
@@ -160,7 +160,7 @@ static double PivotHessenbergColumn(double* const* A, int a_iN, int m)
     int iPivot = m;
     for (int j = m; j <= a_iN; ++j)
     {
-        if (fabs(At(A, j, m - 1)) > fabs(dPivot))
+        if (IsSmaller(dPivot, At(A, j, m - 1)))
         {
             dPivot = At(A, j, m - 1);
             iPivot = j;

@@ -128,7 +128,7 @@ double Randn()
         dX = 2.0 * Rand() - 1.0;
         dY = 2.0 * Rand() - 1.0;
         dS = dY * dY + dX * dX;
-    } while (!(dS < 1.0) || IsZero(dS)); // unreachable: no seed is known that draws 1/2 twice in a row
+    } while (!IsSmaller(dS, 1.0) || IsZero(dS)); // unreachable: no seed is known that draws 1/2 twice in a row
     const double dFactor = SquareRoot(Quotient(log(dS), dS) * -2.0);
     g_State.spareNormal = dFactor * dX;
     g_State.hasSpareNormal = true;

@@ -19,16 +19,16 @@ namespace nuv {
 // The result code of success: all outputs are computed. nuv1math.h has the codes of failure.
 const int RET_SUCCESS = 1;
 
-// A quantity of at most this magnitude counts as zero. The bound is absolute: it does not follow the size of the data.
-const double TOLERANCE_DEGENERATE = 1e-12;
+// A quantity of at most 1e-12 in magnitude counts as zero. The bound is absolute: it does not follow the size of the data.
+// This is the double that follows 1e-12, the least magnitude that does not count as zero.
+const double LEAST_NOT_NEGLIGIBLE = 1.0000000000000002e-12;
 
 const double ANGLE_2PI = 6.283185307179586; // the double nearest to 2 pi
 
 // True for -1e-12 <= a_dValue <= 1e-12, false for a NaN. The band is symmetric, so one comparison tests both bounds.
-// fabs is a single bit operation, also without floating-point hardware.
 inline bool IsNegligible(double a_dValue)
 {
-    return fabs(a_dValue) <= TOLERANCE_DEGENERATE;
+    return IsSmaller(a_dValue, LEAST_NOT_NEGLIGIBLE);
 }
 
 // The bits of a double. A test of the bits takes a few instructions. A comparison of doubles is a call on a processor
@@ -61,6 +61,16 @@ inline bool IsNegativeZero(double a_dValue)
 {
     const TDoubleBits Bits = BitsOf(a_dValue);
     return Bits.iHigh == 0x80000000U && Bits.iLow == 0;
+}
+
+// a_dValue + 0.0, which makes +0.0 of -0.0: a sum of one term.
+inline double PlusZero(double a_dValue)
+{
+    if (!SOFTWARE_FLOATING_POINT) // equivalent: both forms give the same bits
+    {
+        return a_dValue + 0.0;
+    }
+    return IsNegativeZero(a_dValue) ? 0.0 : a_dValue;
 }
 
 // a_dValue == 1.0.
@@ -123,7 +133,7 @@ inline double CalcHypot(double a_dA, double a_dB)
 {
     const double dA = fabs(a_dA);
     const double dB = fabs(a_dB);
-    if (dA > dB)
+    if (IsSmaller(dB, dA))
     {
         const double dRatio = Quotient(dB, dA);
         return SquareRoot(dRatio * dRatio + 1.0) * dA;
@@ -146,7 +156,7 @@ inline double ReduceToPeriod(double x, double y)
     // unreachable: the library always passes 2 pi
     NUV_ASSERT_AT("nuv\\nuv_math\\include\\functionsimp.h", 254, y>0);
     // clang-format on
-    const double dRemainder = fabs(x) < y ? x : fmod(x, y); // fmod is not needed for an angle of atan2
+    const double dRemainder = IsSmaller(x, y) ? x : fmod(x, y); // fmod is not needed for an angle of atan2
     return IsBelowZero(x) ? y + dRemainder : dRemainder;
 }
 

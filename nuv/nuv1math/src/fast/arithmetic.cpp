@@ -1,4 +1,4 @@
-// arithmetic.cpp: division and square root by integer operations.
+// arithmetic.cpp: division, square root and comparison by integer operations.
 // Copyright (c) 2026 the nuv1math authors
 // SPDX-License-Identifier: MIT
 
@@ -128,6 +128,7 @@ static bool IsNearMiddle(TWide a_iJoined, int a_iBelow, int a_iAbove)
 //            1. A table gives 1/b to 8 bits. Two Newton steps x := x (2 - b x) make it 30 bits.
 //            2. q1 = a x to 30 bits, less a margin, is not above q. The rest r = a - q1 b is exact. q2 = r x.
 //            3. q1 + q2 is rounded. If a middle is near, the exact sign of a - middle b decides.
+//            A power of 2 as divisor has the mantissa 1 and leaves that of a.
 // Bounds     A seed differs from 1/b by 2^-8: its cell is 2^-7 wide. A Newton step squares the error and rounds three
 //            times, down to units of 2^-31 and 2^-32. So b x - 1 is at most 2^-16 + 2^-30 in magnitude after the first
 //            step, and from -2^-29.4 to 2^-31 after the second one. The roundings of b and of b x are those that can
@@ -233,6 +234,10 @@ static TWord CalcReciprocal(TWord a_iB)
 // a/b, rounded, in units of 2^-52, where a and b are in these units too, and b <= a < 2b.
 static TWide DivideMantissas(TWide a_iA, TWide a_iB)
 {
+    if (a_iB == LEADING_BIT) // equivalent: a division by 1 is the same
+    {
+        return a_iA;
+    }
     const TWord iReciprocal = CalcReciprocal(static_cast<TWord>(a_iB >> 21));
     const TWord iUpper = HighProduct(static_cast<TWord>(a_iA >> 22), iReciprocal) - QUOTIENT_MARGIN;
     const TWide iRest = (a_iA << 30) - iUpper * a_iB;
@@ -348,6 +353,21 @@ double SquareRootByIntegers(double a_dX)
         iM += iM;
     }
     return DoubleOf(Compose(TakeRootOfMantissa(iM), (iExponent >> 1) - 1));
+}
+
+// ---------------------------------------------------------------------------------------------------------------------
+// Comparison of magnitudes
+//
+// Equals     fabs(a) < fabs(b).
+// Method     Without their signs doubles are in the order of their bits. A NaN is above infinity.
+// Pays       always: 16 instructions on soft-float ARM, 35 in the platform's operation.
+// ---------------------------------------------------------------------------------------------------------------------
+
+bool IsSmallerByIntegers(double a_dA, double a_dB)
+{
+    const TWide iA = WideOf(a_dA) & ~SIGN;
+    const TWide iB = WideOf(a_dB) & ~SIGN;
+    return iA < iB && iB <= INFINITE;
 }
 
 } // namespace nuv

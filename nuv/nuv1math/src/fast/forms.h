@@ -5,8 +5,8 @@
 // The source of a family has the plain form of each of its functions. The plain form defines the result: its bits and
 // the order of its operations. The files of this directory have forms that give the same bits faster. The plain
 // function hands its work over in one line, where a faster form exists and pays:
-//   software floating point   leaves out operations whose result is known, and divides and takes roots by integers (the
-//                             device);
+//   software floating point   leaves out operations whose result is known, and divides, takes roots and compares by
+//                             integers (the device);
 //   vectors                   computes two doubles at once, or four or eight on a processor that has such vectors;
 //   products of 64 bits       give the quotients of the random numbers' generators (64-bit processors).
 // The head of a faster form tells what it gains. Times are those of one Intel Xeon with vectors of eight.
@@ -27,6 +27,14 @@
 #if !defined(NUV_PLAIN_FORMS) && (defined(__clang__) || (defined(__GNUC__) && __GNUC__ >= 12)) &&                      \
     (defined(__SSE2__) || defined(__aarch64__) || defined(__wasm_simd128__)) && !defined(__SOFTFP__)
 #define NUV_VECTORS
+#endif
+
+// A function that must be compiled into its caller: it takes on the caller's instruction set, or one of its arguments is
+// known there.
+#if defined(__GNUC__)
+#define NUV_INLINE inline __attribute__((always_inline))
+#else
+#define NUV_INLINE inline
 #endif
 
 // A short function that a host compiles into each caller: the call and the way through memory would cost a small fit a

@@ -10,13 +10,6 @@
 
 #include <string.h>
 
-// A function that must be compiled into its caller, because it takes on the caller's instruction set.
-#if defined(__GNUC__)
-#define NUV_INLINE inline __attribute__((always_inline))
-#else
-#define NUV_INLINE inline
-#endif
-
 namespace nuv {
 
 // Load a vector from an array and store it there. The address need not be aligned. Without vectors Load takes a double.
