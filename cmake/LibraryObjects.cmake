@@ -31,6 +31,11 @@ list(TRANSFORM NUV1MATH_UNJOINED_SOURCES PREPEND ${NUV1MATH_SOURCE_DIR}/)
 # factorisation of 500 unknowns takes 20 % longer. The kernel is a short loop, which must be aligned to a cache line.
 set(NUV1MATH_KERNEL_SOURCES ${NUV1MATH_SOURCE_DIR}/fast/choleskyfast.cpp)
 
+# Functions that begin at a cache line, and the short loops of the plain factorisation at half of one, are as fast
+# wherever the linker puts them. In another place the factorisation of 12 to 27 unknowns takes up to 25 % longer, and the
+# roots take 2 % longer.
+set(NUV1MATH_PLAIN_KERNEL_SOURCES ${NUV1MATH_SOURCE_DIR}/cholesky.cpp)
+
 # Compiles the sources as objects of the given name, as every use of them is compiled.
 function(nuv1math_compile name)
   add_library(${name} OBJECT ${ARGN})
@@ -45,7 +50,9 @@ function(nuv1math_compile name)
   if(CMAKE_SYSTEM_PROCESSOR STREQUAL "arm" AND NOT MSVC)
     set_source_files_properties(${NUV1MATH_SMALL_SOURCES} PROPERTIES COMPILE_OPTIONS $<$<NOT:$<CONFIG:Debug>>:-Os>)
   elseif(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
+    target_compile_options(${name} PRIVATE -falign-functions=64)
     set_source_files_properties(${NUV1MATH_UNJOINED_SOURCES} PROPERTIES COMPILE_OPTIONS -fno-tree-slp-vectorize)
+    set_source_files_properties(${NUV1MATH_PLAIN_KERNEL_SOURCES} PROPERTIES COMPILE_OPTIONS -falign-loops=32)
     set_source_files_properties(${NUV1MATH_KERNEL_SOURCES} PROPERTIES
       COMPILE_OPTIONS "-fno-tree-slp-vectorize;-falign-loops=64")
   endif()
