@@ -16,6 +16,7 @@ import sys
 ROOT = pathlib.Path(__file__).resolve().parents[1]
 LIBRARY = ROOT / "nuv/nuv_math/include/nuv1math.h"
 JUDGEMENT = ROOT / "apps/fitpoints/judgement/judgement.h"
+SUPPORT = ROOT / "apps/fitpoints/support.cpp"
 
 # Names without overloads for languages that have none. The key is a function and its number of arguments.
 NAMES_OF_OVERLOADS = {
@@ -143,6 +144,15 @@ def read_interface(path):
     if len(set(names)) != len(names):
         raise NotUnderstood(f"{path.name}: an overload has no name of its own in NAMES_OF_OVERLOADS")
     return interface
+
+
+def read_reasons():
+    """The sentences that fitpoints has for reasons of the judgement module: name of the reason, and text."""
+    table = re.search(r" TEXTS = \{(.*?)\};", SUPPORT.read_text(encoding="utf-8"), re.DOTALL).group(1)
+    rows = re.findall(r'\{judgement::(REASON_\w+),((?:\s*"[^"\\]*")+)\}', table)
+    if len(rows) != table.count("REASON_"):
+        raise NotUnderstood(f"{SUPPORT.name}: a row of TEXTS")
+    return {name: "".join(re.findall('"(.*?)"', text)) for name, text in rows}
 
 
 def write_or_check(directory, files, usage):

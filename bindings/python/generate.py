@@ -19,14 +19,14 @@ import textwrap
 HERE = pathlib.Path(__file__).resolve().parent
 sys.path.insert(0, str(HERE.parent))
 sys.dont_write_bytecode = True
-from interface import JUDGEMENT, LIBRARY, NAMES_OF_OVERLOADS, read_interface, write_or_check
+from interface import JUDGEMENT, LIBRARY, NAMES_OF_OVERLOADS, read_interface, read_reasons, write_or_check
 
 PACKAGE = HERE / "src/nuv1math"
 WIDTH = 120
 HEAD = '''\
 """_interface.py: constants, enumerations and records of the headers of C++.
 
-Made by generate.py from nuv1math.h and judgement.h; change those, and run it again.
+Made by generate.py from nuv1math.h, judgement.h and support.cpp of fitpoints; change those, and run it again.
 
 Copyright (c) 2026 the nuv1math authors
 SPDX-License-Identifier: MIT
@@ -326,6 +326,8 @@ def interface_text(header, interface, comments, judgement_header, judgement):
     types_of_judgement = comments_of_types(judgement_header)
     parts += ["\n" + enumeration_text(enumeration, types_of_judgement[enumeration.name]) + "\n"
               for enumeration in judgement.enumerations]
+    parts.append("\n# The sentences of fitpoints.\nREASON_TEXTS = {\n" + "".join(
+        f'    Reason.{name[len("REASON_"):]}:\n        "{text}",\n' for name, text in read_reasons().items()) + "}\n")
     parts += ["\n" + record_text(record, types[record.name]) + "\n" for record in interface.records]
     parts += ["\n" + parameters_text(function, comments[function.name]) + "\n"
               for function in interface.functions if function.name in PARAMETERS]

@@ -1,6 +1,6 @@
 """_interface.py: constants, enumerations and records of the headers of C++.
 
-Made by generate.py from nuv1math.h and judgement.h; change those, and run it again.
+Made by generate.py from nuv1math.h, judgement.h and support.cpp of fitpoints; change those, and run it again.
 
 Copyright (c) 2026 the nuv1math authors
 SPDX-License-Identifier: MIT
@@ -171,6 +171,41 @@ class Role(enum.IntEnum):
     FITTED = 0
     CHECK = 1
     DROPPED = 2
+
+
+# The sentences of fitpoints.
+REASON_TEXTS = {
+    Reason.NO_MEMORY:
+        "not enough memory",
+    Reason.SOURCE_EQUAL:
+        "all source points are equal",
+    Reason.TARGET_EQUAL:
+        "all target points are equal",
+    Reason.SOURCE_TOO_LARGE:
+        "the source points are more than 1e150 apart: their squares are beyond a double",
+    Reason.TARGET_TOO_LARGE:
+        "the target points are more than 1e150 apart: their squares are beyond a double",
+    Reason.SOURCE_ON_LINE:
+        "the source points lie on one line",
+    Reason.TARGET_ON_LINE:
+        "the target points lie on one line",
+    Reason.SOURCE_NO_FOUR:
+        "all source points, or all but one, lie on one line: the omographic kind needs four of which no three do",
+    Reason.TARGET_NO_FOUR:
+        "all target points, or all but one, lie on one line: the omographic kind needs four of which no three do",
+    Reason.SPREAD_IS_ZERO:
+        "the spread of the source points counts as zero (below about 1e-6)",
+    Reason.AFFINE_COLLAPSES:
+        "the affine fit collapses the plane (its determinant counts as zero)",
+    Reason.OMOGRAPHIC_UNSOLVABLE:
+        "the equations of the omographic fit cannot be solved",
+    Reason.COEFS_NOT_FINITE:
+        "the omographic fit gives coefficients that are not finite",
+    Reason.DEPENDS_ON_POINT:
+        "without one of the points the others do not determine it",
+    Reason.SINGULAR:
+        "the equations of the fit are singular",
+}
 
 
 class AffineCoefs(NamedTuple):

@@ -12,7 +12,7 @@ import numpy as np
 import numpy.typing as npt
 
 from ._arrays import GREATEST_INT, NUMBERS, plain
-from ._interface import Reason, Role
+from ._interface import REASON_TEXTS, Reason, Role
 from ._native import ffi, lib
 
 Array = npt.NDArray[Any]
@@ -21,26 +21,6 @@ Method = Literal["auto", "richest", "conformal", "affine", "omographic"]
 
 KINDS: Tuple[Kind, ...] = ("conformal", "affine", "omographic")  # the index is the value of enumMethodUsed
 METHODS: Tuple[Method, ...] = (*KINDS, "richest", "auto")  # the index is the value of enumMethod
-
-TEXTS = {
-    Reason.NO_MEMORY: "not enough memory",
-    Reason.SOURCE_EQUAL: "all source points are equal",
-    Reason.TARGET_EQUAL: "all target points are equal",
-    Reason.SOURCE_TOO_LARGE: "the source points are more than 1e150 apart: their squares are beyond a double",
-    Reason.TARGET_TOO_LARGE: "the target points are more than 1e150 apart: their squares are beyond a double",
-    Reason.SOURCE_ON_LINE: "the source points lie on one line",
-    Reason.TARGET_ON_LINE: "the target points lie on one line",
-    Reason.SOURCE_NO_FOUR: "all source points, or all but one, lie on one line: the omographic kind needs four of "
-                           "which no three do",
-    Reason.TARGET_NO_FOUR: "all target points, or all but one, lie on one line: the omographic kind needs four of "
-                           "which no three do",
-    Reason.SPREAD_IS_ZERO: "the spread of the source points counts as zero (below about 1e-6)",
-    Reason.AFFINE_COLLAPSES: "the affine fit collapses the plane (its determinant counts as zero)",
-    Reason.OMOGRAPHIC_UNSOLVABLE: "the equations of the omographic fit cannot be solved",
-    Reason.COEFS_NOT_FINITE: "the omographic fit gives coefficients that are not finite",
-    Reason.DEPENDS_ON_POINT: "without one of the points the others do not determine it",
-    Reason.SINGULAR: "the equations of the fit are singular",
-}
 
 
 class FitError(ValueError):
@@ -78,7 +58,7 @@ def text_of(reason: Reason, kind: int, count: int) -> str:
         return f"{few} {least + 1} to be judged"
     if reason == Reason.RESIDUALS_NOT_FINITE:
         return f"the residuals of the {name} fit are not finite"
-    return TEXTS[reason]
+    return REASON_TEXTS[reason]
 
 
 def dtype_of(ctype: Any) -> np.dtype[Any]:
@@ -168,7 +148,7 @@ def judge(source: npt.ArrayLike, target: npt.ArrayLike, checks: Optional[npt.Arr
     result, told = ffi.new("nuv_TJudgement *"), ffi.new("nuv_TPointJudgement[]", count)
     reason = Reason(lib.nuv_Judge(points, ffi.from_buffer("int[]", roles), asked, result, told))
     if reason == Reason.NO_MEMORY:
-        raise MemoryError(TEXTS[reason])
+        raise MemoryError(REASON_TEXTS[reason])
     if reason != Reason.NONE:
         raise failure(reason, kind, int(np.count_nonzero(roles == Role.FITTED)))
     return Judged(bytes(ffi.buffer(result)), bytes(ffi.buffer(told)))
