@@ -32,7 +32,12 @@ static std::size_t FittedCount(const TPoints& a_Points)
     const bool bAsked = a_Options.Method < judgement::ASK_RICHEST;
     const nuv::enumMethodUsed Kind =
         bAny && bAsked ? static_cast<nuv::enumMethodUsed>(a_Options.Method) : nuv::METHOD_CONFORMAL;
-    const std::string szReason = ReasonText(a_Reason, Kind, FittedCount(a_Points));
+    const std::size_t iFitted = FittedCount(a_Points);
+    const std::size_t iChecks = a_Points.vPoints.size() - iFitted;
+    const bool bChecks = a_Reason == judgement::REASON_TOO_FEW_POINTS && iChecks > 0;
+    const std::string szReason =
+        ReasonText(a_Reason, Kind, iFitted) +
+        (bChecks ? ", and " + Count(iChecks, "check point") + (iChecks == 1 ? " is" : " are") + " not fitted" : "");
     const std::string szKind = Kind == nuv::METHOD_CONFORMAL ? "" : std::string(KindName(Kind)) + " ";
     Fail(a_Points.szFile, bAny ? "no " + szKind + "transformation: " + szReason : szReason);
 }
