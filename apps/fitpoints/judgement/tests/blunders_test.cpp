@@ -209,6 +209,71 @@ TEST(Blunders, GoodPointsAreNotSuspectForTheMisfitOfAKindThatABlunderHasChosen)
     EXPECT_LE(iAccused, 3);
 }
 
+// The order in which FindBlunders finds the points of a set under the affine kind: 1 for the worst one.
+std::vector<int> Ranks(const TSet& a_Set)
+{
+    TKindFit Fit;
+    std::vector<int> viOrder(a_Set.vdX.size());
+    int iFound = 0;
+    EXPECT_EQ(REASON_NONE, FitKind(Points(a_Set), nuv::METHOD_AFFINE, false, Fit));
+    EXPECT_EQ(REASON_NONE, FindBlunders(Points(a_Set), Fit, USUAL_LEVEL, 1e-9, viOrder.data(), iFound));
+    return viOrder;
+}
+
+// The best pair of these sets is not part of the best three points, so that adding the best third point to it is not enough.
+TEST(Blunders, ThreeAreFoundThatDoNotContainTheBestPair)
+{
+    for (const std::uint64_t iSeed : {9u, 27u})
+    {
+        TSet Set = RandomSet(8, Affine, 0.1, iSeed);
+        TNumbers Numbers(iSeed + 77);
+        for (std::size_t i = 0; i < 3; ++i)
+        {
+            const double dSize = 10 * (0.3 + Numbers.Uniform());
+            Set.vdXa[i] += Numbers.Uniform() < 0.5 ? -dSize : dSize;
+            Set.vdYa[i] += 10 * (Numbers.Uniform() - 0.5);
+        }
+        const std::vector<int> viRanks = Ranks(Set);
+        for (std::size_t i = 0; i < 8; ++i)
+        {
+            EXPECT_EQ(i<3, viRanks[i]> 0) << "point " << i << ", seed " << iSeed;
+        }
+    }
+}
+
+// Blunders of about the same size hide each other, so that they are found as a pair.
+TEST(Blunders, TheWorstOneComesFirst)
+{
+    for (std::size_t i = 0; i < 8; ++i)
+    {
+        for (std::size_t j = 0; j < 8; ++j)
+        {
+            TSet Set = ExactSet();
+            Set.vdXa[i] += 90;
+            Set.vdXa[j] += i == j ? 0 : 50;
+            const std::vector<int> viRanks = Ranks(Set);
+            EXPECT_EQ(1, viRanks[i]);
+            EXPECT_EQ(i == j ? 1 : 2, viRanks[j]);
+        }
+    }
+}
+
+TEST(Blunders, AtLeastHalfOfThePointsRemain)
+{
+    for (const int iCount : {10, 11})
+    {
+        TSet Set = RandomSet(iCount, Similarity, 0, 5);
+        for (int i = 0; i < iCount; ++i)
+        {
+            Set.vdYa[static_cast<std::size_t>(i)] +=
+                std::pow(10, i); // without the last points these are blunders again
+        }
+        const TResult Result = Judged(Set, {ASK_CONFORMAL, 0, 0, 1, USUAL_LEVEL});
+        ASSERT_EQ(REASON_NONE, Result.Reason);
+        EXPECT_EQ(5, Result.Judgement.iDropped) << iCount;
+    }
+}
+
 TEST(Blunders, RobustKeepsOnePointMoreThanTheKindNeeds)
 {
     // Four points cannot tell which one is wrong, five can.

@@ -198,6 +198,12 @@ TEST(Covariance, OfTheShapeFollowsTheDerivatives)
                 EXPECT_EQ(1, nuv::AffineCoefsToParam(A, S(0), S(1), S(2), S(3), dTx, dTy));
                 return S;
             };
+            const Eigen::VectorXd Expected = Shape(J.Fit.Coefs);
+            ASSERT_EQ(1, J.Shape.bExists);
+            EXPECT_NEAR(Expected(0), J.Shape.dSx, 1e-14 * Expected(0));
+            EXPECT_NEAR(Expected(1), J.Shape.dSy, 1e-14 * Expected(0));
+            EXPECT_NEAR(Expected(2), J.Shape.dSkew, 1e-14);
+            EXPECT_NEAR(Expected(3), J.Shape.dRotation, 1e-14);
             const TMatrix8 C = Matrix(J.Covariance);
             const Eigen::MatrixXd D = Derivatives(J.Fit.Coefs, C, Shape);
             const Eigen::MatrixXd V = D * C * D.transpose();
@@ -214,8 +220,12 @@ TEST(Covariance, OfASimilarityTiesItsCoefficients)
 {
     for (const bool bMirrored : {false, true})
     {
-        const TMatrix8 C = Matrix(Judged(RandomSet(9, Similarity, 0.5, 4), ASK_CONFORMAL, bMirrored).Covariance);
+        const TCoefsCovariance Covariance =
+            Judged(RandomSet(9, Similarity, 0.5, 4), ASK_CONFORMAL, bMirrored).Covariance;
+        const TMatrix8 C = Matrix(Covariance);
         const double dSign = bMirrored ? -1 : 1;
+        EXPECT_DOUBLE_EQ(std::sqrt(C(2, 2)), SigmaOfCoef(Covariance, 2));
+        EXPECT_EQ(0, SigmaOfCoef(Covariance, 6)); // G
         EXPECT_GT(C(0, 0), 0);
         EXPECT_DOUBLE_EQ(C(0, 0), C(4, 4));
         EXPECT_DOUBLE_EQ(dSign * C(0, 0), C(4, 0));
