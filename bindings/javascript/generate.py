@@ -15,13 +15,13 @@ import sys
 HERE = pathlib.Path(__file__).resolve().parent
 sys.path.insert(0, str(HERE.parent))
 sys.dont_write_bytecode = True
-from interface import JUDGEMENT, LIBRARY, read_interface, write_or_check
+from interface import JUDGEMENT, LIBRARY, read_interface, read_reasons, write_or_check
 
 HEAD = """\
 // {name}: {what}
 // Copyright (c) 2026 the nuv1math authors
 // SPDX-License-Identifier: MIT
-// Made by generate.py from nuv1math.h and judgement.h; change those, and run it again.
+// Made by generate.py from nuv1math.h, judgement.h and support.cpp of fitpoints; change those, and run it again.
 """
 SIZES = {"double": 8, "int": 4, "unsigned int": 4}
 
@@ -73,6 +73,8 @@ def module(interfaces, layouts):
         for enumeration in interface.enumerations:
             values = ", ".join(f"{name}: {value}" for name, value in enumeration.values)
             lines.append(f"export const {enumeration.name} = Object.freeze({{ {values} }});")
+    lines.append("\n// The sentences of fitpoints.\nexport const REASON_TEXTS = {")
+    lines += [f"    [enumReason.{name}]: '{text}'," for name, text in read_reasons().items()] + ["};"]
     lines.append("\n// Record: size, and [name, type, place, number of elements or 0 if it is no array] of each field.")
     lines.append("export const records = {")
     for name, layout in layouts.records.items():
@@ -95,6 +97,8 @@ def types(interfaces, layouts):
         for enumeration in interface.enumerations:
             values = "; ".join(f"readonly {name}: {value}" for name, value in enumeration.values)
             lines.append(f"export const {enumeration.name}: {{ {values} }};")
+    lines += ["/** The sentences of fitpoints for reasons that need no numbers. */",
+              "export const REASON_TEXTS: { readonly [reason: number]: string | undefined };"]
     for name, layout in layouts.records.items():
         lines.append(f"\nexport interface {name} {{")
         for field, kind, _, count in layout["fields"]:

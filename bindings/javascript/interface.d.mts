@@ -1,7 +1,7 @@
 // interface.d.mts: types of the records, and the functions of the C interface.
 // Copyright (c) 2026 the nuv1math authors
 // SPDX-License-Identifier: MIT
-// Made by generate.py from nuv1math.h and judgement.h; change those, and run it again.
+// Made by generate.py from nuv1math.h, judgement.h and support.cpp of fitpoints; change those, and run it again.
 
 export const RET_IMPOSSIBLE: -1;
 export const RET_INDETERMINATE: -2;
@@ -14,6 +14,8 @@ export const enumReason: { readonly REASON_NONE: 0; readonly REASON_NO_MEMORY: 1
 export const enumMethod: { readonly ASK_CONFORMAL: 0; readonly ASK_AFFINE: 1; readonly ASK_OMOGRAPHIC: 2; readonly ASK_RICHEST: 3; readonly ASK_AUTO: 4 };
 export const enumChoice: { readonly CHOICE_ASKED: 0; readonly CHOICE_RICHEST: 1; readonly CHOICE_LEAST_ERROR: 2; readonly CHOICE_POORER_AS_GOOD: 3; readonly CHOICE_NOT_JUDGED: 4 };
 export const enumRole: { readonly ROLE_FITTED: 0; readonly ROLE_CHECK: 1; readonly ROLE_DROPPED: 2 };
+/** The sentences of fitpoints for reasons that need no numbers. */
+export const REASON_TEXTS: { readonly [reason: number]: string | undefined };
 
 export interface TAffineCoefs {
     dA: number;

@@ -1,7 +1,7 @@
 // interface.mjs: values of enumerations, and where the fields of records are.
 // Copyright (c) 2026 the nuv1math authors
 // SPDX-License-Identifier: MIT
-// Made by generate.py from nuv1math.h and judgement.h; change those, and run it again.
+// Made by generate.py from nuv1math.h, judgement.h and support.cpp of fitpoints; change those, and run it again.
 
 export const RET_IMPOSSIBLE = -1;
 export const RET_INDETERMINATE = -2;
@@ -14,6 +14,25 @@ export const enumReason = Object.freeze({ REASON_NONE: 0, REASON_NO_MEMORY: 1, R
 export const enumMethod = Object.freeze({ ASK_CONFORMAL: 0, ASK_AFFINE: 1, ASK_OMOGRAPHIC: 2, ASK_RICHEST: 3, ASK_AUTO: 4 });
 export const enumChoice = Object.freeze({ CHOICE_ASKED: 0, CHOICE_RICHEST: 1, CHOICE_LEAST_ERROR: 2, CHOICE_POORER_AS_GOOD: 3, CHOICE_NOT_JUDGED: 4 });
 export const enumRole = Object.freeze({ ROLE_FITTED: 0, ROLE_CHECK: 1, ROLE_DROPPED: 2 });
+
+// The sentences of fitpoints.
+export const REASON_TEXTS = {
+    [enumReason.REASON_NO_MEMORY]: 'not enough memory',
+    [enumReason.REASON_SOURCE_EQUAL]: 'all source points are equal',
+    [enumReason.REASON_TARGET_EQUAL]: 'all target points are equal',
+    [enumReason.REASON_SOURCE_TOO_LARGE]: 'the source points are more than 1e150 apart: their squares are beyond a double',
+    [enumReason.REASON_TARGET_TOO_LARGE]: 'the target points are more than 1e150 apart: their squares are beyond a double',
+    [enumReason.REASON_SOURCE_ON_LINE]: 'the source points lie on one line',
+    [enumReason.REASON_TARGET_ON_LINE]: 'the target points lie on one line',
+    [enumReason.REASON_SOURCE_NO_FOUR]: 'all source points, or all but one, lie on one line: the omographic kind needs four of which no three do',
+    [enumReason.REASON_TARGET_NO_FOUR]: 'all target points, or all but one, lie on one line: the omographic kind needs four of which no three do',
+    [enumReason.REASON_SPREAD_IS_ZERO]: 'the spread of the source points counts as zero (below about 1e-6)',
+    [enumReason.REASON_AFFINE_COLLAPSES]: 'the affine fit collapses the plane (its determinant counts as zero)',
+    [enumReason.REASON_OMOGRAPHIC_UNSOLVABLE]: 'the equations of the omographic fit cannot be solved',
+    [enumReason.REASON_COEFS_NOT_FINITE]: 'the omographic fit gives coefficients that are not finite',
+    [enumReason.REASON_DEPENDS_ON_POINT]: 'without one of the points the others do not determine it',
+    [enumReason.REASON_SINGULAR]: 'the equations of the fit are singular',
+};
 
 // Record: size, and [name, type, place, number of elements or 0 if it is no array] of each field.
 export const records = {

@@ -62,7 +62,7 @@ export class Fit {
     readonly points: TPointJudgement[];
     /** Images of source points. Throws a FitError for a point without an image; all must be pairs of finite numbers. */
     transform(points: Points): Point[];
-    /** Source points of images. */
+    /** Source points of images. Throws a FitError for an image without a source point. */
     inverse(points: Points): Point[];
     toString(): string;
 }

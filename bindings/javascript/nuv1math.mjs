@@ -6,7 +6,9 @@
 
 import * as constants from './interface.mjs';
 
-const { enumChoice, enumMethod, enumMethodUsed, enumReason, enumRole, records, KINDS, USUAL_LEVEL } = constants;
+const {
+    enumChoice, enumMethod, enumMethodUsed, enumReason, enumRole, records, KINDS, REASON_TEXTS, USUAL_LEVEL,
+} = constants;
 export { constants };
 
 const DOUBLE = 8;
@@ -31,6 +33,22 @@ export class FitError extends Error {
 function nameOf(enumeration, value, prefix) {
     const found = Object.keys(enumeration).find((name) => enumeration[name] === value);
     return found.slice(prefix.length).toLowerCase().replaceAll('_', ' ');
+}
+
+function kindName(kind) {
+    return nameOf(enumMethodUsed, kind, 'METHOD_');
+}
+
+// Why there is no transformation of a kind for so many points, in the words of fitpoints.
+function textOf(functions, reason, kind, count) {
+    if (reason === enumReason.REASON_TOO_FEW_POINTS && count === 0) {
+        return 'no points: a transformation needs at least 2';
+    }
+    if (reason === enumReason.REASON_TOO_FEW_POINTS) {
+        const points = `${count} point${count === 1 ? '' : 's'}`;
+        return `only ${points}: the ${kindName(kind)} kind needs ${functions.nuv_LeastPoints(kind)}`;
+    }
+    return REASON_TEXTS[reason] ?? nameOf(enumReason, reason, 'REASON_');
 }
 
 // A value in a message. Not every one can become a text.
@@ -259,6 +277,13 @@ function levelOf(options) {
     return level;
 }
 
+function failure(functions, reason, method, count) {
+    if (method >= KINDS) { // no kind was asked for: the poorest one does not exist either
+        return new FitError(reason, textOf(functions, reason, enumMethodUsed.METHOD_CONFORMAL, count));
+    }
+    return new FitError(reason, `no ${kindName(method)} transformation: ${textOf(functions, reason, method, count)}`);
+}
+
 function judge(library, arena, functions, source, target, options) {
     requirePairs(source, 'source');
     requirePairs(target, 'target');
@@ -280,9 +305,11 @@ function judge(library, arena, functions, source, target, options) {
     const result = arena.record('TJudgement');
     const size = records.TPointJudgement.size;
     const told = arena.allocate(count * size);
-    const reason = functions.nuv_Judge(points, arena.ints(roleOf(options, count)), asked, result, told);
+    const roles = roleOf(options, count);
+    const reason = functions.nuv_Judge(points, arena.ints(roles), asked, result, told);
     if (reason !== enumReason.REASON_NONE) {
-        throw new FitError(reason, `no transformation: ${nameOf(enumReason, reason, 'REASON_')}`);
+        throw failure(functions, reason, methodOf(options),
+            roles.filter((role) => role === enumRole.ROLE_FITTED).length);
     }
     const each = Array.from({ length: count }, (_, i) => arena.read('TPointJudgement', told + i * size));
     return new Fit(library, arena.read('TJudgement', result), each);
@@ -299,7 +326,7 @@ export class Fit {
     }
 
     get kind() {
-        return nameOf(enumMethodUsed, this.judgement.Fit.Kind, 'METHOD_');
+        return kindName(this.judgement.Fit.Kind);
     }
 
     // A to H, for coordinates that count from judgement.Origins.
@@ -314,8 +341,8 @@ export class Fit {
     // The table of kinds, poorest first; `reason` is empty for a kind that exists.
     get kinds() {
         return this.judgement.vKinds.slice(0, KINDS).map((row, kind) => ({
-            ...row, kind: nameOf(enumMethodUsed, kind, 'METHOD_'),
-            reason: row.Reason === enumReason.REASON_NONE ? '' : nameOf(enumReason, row.Reason, 'REASON_'),
+            ...row, kind: kindName(kind), reason: row.Reason === enumReason.REASON_NONE ? ''
+                : textOf(this.#library.functions, row.Reason, kind, this.judgement.iFitted),
         }));
     }
 
@@ -342,15 +369,15 @@ export class Fit {
 
     // Images of source points, as an array of [X, Y].
     transform(points) {
-        return this.#map('nuv_TransformPoint', points);
+        return this.#map('nuv_TransformPoint', 'image', points);
     }
 
     // Source points of images, as an array of [x, y].
     inverse(points) {
-        return this.#map('nuv_InversePoint', points);
+        return this.#map('nuv_InversePoint', 'source point', points);
     }
 
-    #map(name, points) {
+    #map(name, what, points) {
         requirePairs(points, 'given');
         return this.#library.using((arena, functions) => {
             const coefs = arena.record('TOmographicParams', this.judgement.Fit.Coefs);
@@ -360,7 +387,7 @@ export class Fit {
                 arena.write('TVector', from, { dX: x, dY: y });
                 const reason = functions[name](coefs, origins, from, to);
                 if (reason !== enumReason.REASON_NONE) {
-                    throw new FitError(reason, `point ${index}: ${nameOf(enumReason, reason, 'REASON_')}`);
+                    throw new FitError(reason, `point ${index} has no ${what}`);
                 }
                 const { dX, dY } = arena.read('TVector', to);
                 return [dX, dY];

@@ -79,7 +79,15 @@ test('both modules give the same bits', () => {
 test('a failure is an error that tells the reason', () => {
     const same = SOURCE.map(() => [1, 1]);
     assert.throws(() => libraries.plain.fit(same, TARGET), (error) => error instanceof FitError
-        && error.reason === constants.enumReason.REASON_SOURCE_EQUAL && /source equal/.test(error.message));
+        && error.reason === constants.enumReason.REASON_SOURCE_EQUAL
+        && error.message === 'all source points are equal');
+    const few = (options) => () => libraries.plain.fit(SOURCE.slice(0, 3), TARGET.slice(0, 3), options);
+    assert.throws(few({ kind: 'omographic' }),
+        { message: 'no omographic transformation: only 3 points: the omographic kind needs 4' });
+    assert.throws(few({ checks: [0, 1] }), { message: 'only 1 point: the conformal kind needs 2' });
+    assert.throws(few({ checks: [0, 1, 2] }), { message: 'no points: a transformation needs at least 2' });
+    assert.deepEqual(few({ kind: 'affine' })().kinds.map((row) => row.reason),
+        ['', '', 'only 3 points: the omographic kind needs 4']);
     assert.throws(() => libraries.plain.fit(SOURCE, TARGET.slice(1)), /7 source points and 6 target points/);
     assert.throws(() => libraries.plain.fit([...SOURCE.slice(1), [NaN, 1]], TARGET), /source point 6 is not a pair/);
     assert.throws(() => libraries.plain.fit(SOURCE, TARGET, { kind: 'cubic' }), /unknown kind cubic/);
@@ -101,6 +109,14 @@ test('a failure is an error that tells the reason', () => {
     const fit = libraries.plain.fit(SOURCE, TARGET);
     assert.throws(() => fit.transform([[1, 2], ['1', 2]]), /given point 1 is not a pair/);
     assert.throws(() => fit.inverse([[1, 2, 3]]), /given point 0 is not a pair/);
+});
+
+test('a point on the horizon has no image', () => {
+    const fit = libraries.plain.fit([[0, 0], [1, 0], [0, 1], [1, 1]], [[0, 0], [0.5, 0], [0, 0.5], [1 / 3, 1 / 3]],
+        { kind: 'omographic', localOrigin: false });
+    fit.judgement.Fit.Coefs = { dA: 1, dB: 0, dC: 0, dD: 0, dE: 1, dF: 0, dG: 1, dH: 1 };
+    assert.throws(() => fit.transform([[1, 1], [-1, 0]]), /^FitError: point 1 has no image$/);
+    assert.throws(() => fit.inverse([[0.25, 0.25], [0.5, 0.5]]), /^FitError: point 1 has no source point$/);
 });
 
 test('an option that is on is any true value', () => {
