@@ -60,7 +60,6 @@ std::string ClassName(HWND a_Window)
 }
 
 // --- the child
-// --------------------------------------------------------------------------------------------------------
 
 // A visible dialog of this process, or null.
 HWND FindDialog()
@@ -152,7 +151,6 @@ void AnswerMessageBoxes()
 }
 
 // --- the parent
-// -------------------------------------------------------------------------------------------------------
 
 // A pipe whose end for writing a child inherits.
 struct TPipe

@@ -20,7 +20,7 @@ using nuv_tests::Wilkinson;
 
 namespace {
 
-// --- Polynomials
+// --- Polynomials -----------------------------------------------------------------------------------------------------
 
 using TComplex = std::complex<TDigits>;
 
