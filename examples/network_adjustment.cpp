@@ -10,33 +10,39 @@
 #include <cmath>
 #include <cstdio>
 
+//! [lines]
 constexpr int POINTS = 3, LINES = 6;
-constexpr int BENCHMARK = -1; // the library skips a negative index: this height is known
+constexpr int BENCHMARK = -1;              // the library skips a negative index: this height is known
+constexpr double BENCHMARK_HEIGHT = 100.0; // m
+
+struct TLine
+{
+    int iFrom, iTo;
+    double dRise;   // m
+    double dLength; // km
+};
+
+constexpr TLine LEVELLED[LINES] = {{BENCHMARK, 0, 5.102, 4.0}, {BENCHMARK, 1, 2.341, 3.0}, {0, 1, -2.748, 2.0},
+                                   {0, 2, 1.231, 3.5},         {1, 2, 3.994, 2.5},         {BENCHMARK, 2, 6.343, 6.0}};
+//! [lines]
 
 int main()
 {
-    //! [lines]
-    const int viFrom[LINES] = {BENCHMARK, BENCHMARK, 0, 0, 1, BENCHMARK};
-    const int viTo[LINES] = {0, 1, 1, 2, 2, 2};
-    const double vdRise[LINES] = {5.102, 2.341, -2.748, 1.231, 3.994, 6.343}; // m
-    const double vdLength[LINES] = {4.0, 3.0, 2.0, 3.5, 2.5, 6.0};            // km
-    //! [lines]
-
     //! [observations]
     double *vdMatrix, *vdHeights;
     nuv::InitCholLowTri(POINTS, &vdMatrix, &vdHeights);
     if (vdMatrix == nullptr)
     {
-        return 1;
+        return 1; // no memory
     }
-    for (int i = 0; i < LINES; ++i)
+    for (const TLine& Line : LEVELLED)
     {
-        const double dRoot = std::sqrt(1.0 / vdLength[i]);
+        const double dRoot = std::sqrt(1.0 / Line.dLength);
         const double vdCoefficients[] = {-dRoot, dRoot};
-        const int viColumns[] = {viFrom[i], viTo[i]};
-        const double dKnown = viFrom[i] == BENCHMARK ? 100.0 : 0.0;
+        const int viColumns[] = {Line.iFrom, Line.iTo};
+        const double dKnown = Line.iFrom == BENCHMARK ? BENCHMARK_HEIGHT : 0.0;
         nuv::UpdateNormMatrixLowTri(POINTS, vdMatrix, vdHeights, 2, vdCoefficients, viColumns,
-                                    (vdRise[i] + dKnown) * dRoot);
+                                    (Line.dRise + dKnown) * dRoot);
     }
     //! [observations]
     //! [solution]
@@ -46,16 +52,15 @@ int main()
     }
     nuv::SolveCholLowTri(POINTS, vdMatrix, vdHeights);
     //! [solution]
-
     //! [residuals]
     double dSquares = 0.0, dAtLast = 0.0; // at the minimum the weighted residuals at a point add up to 0
-    for (int i = 0; i < LINES; ++i)
+    for (const TLine& Line : LEVELLED)
     {
-        const double dFrom = viFrom[i] == BENCHMARK ? 100.0 : vdHeights[viFrom[i]];
-        const double dResidual = vdHeights[viTo[i]] - dFrom - vdRise[i];
-        std::printf("line %2d to %d: residual %+5.2f mm\n", viFrom[i], viTo[i], dResidual * 1000.0);
-        dSquares += dResidual * dResidual / vdLength[i];
-        dAtLast += viTo[i] == POINTS - 1 ? dResidual / vdLength[i] : 0.0;
+        const double dFrom = Line.iFrom == BENCHMARK ? BENCHMARK_HEIGHT : vdHeights[Line.iFrom];
+        const double dResidual = vdHeights[Line.iTo] - dFrom - Line.dRise;
+        std::printf("line %2d to %d: residual %+5.2f mm\n", Line.iFrom, Line.iTo, dResidual * 1000.0);
+        dSquares += dResidual * dResidual / Line.dLength;
+        dAtLast += Line.iTo == POINTS - 1 ? dResidual / Line.dLength : 0.0;
     }
     const double dSigma = std::sqrt(dSquares / (LINES - POINTS)); // standard deviation of a line of one kilometre
     //! [residuals]
