@@ -3,6 +3,7 @@
 // SPDX-License-Identifier: MIT
 //
 // All numbers are computed by the module of WebAssembly. This file only moves them into its memory and out of it.
+// nuv1math.d.mts documents what it exports.
 
 import * as constants from './interface.mjs';
 
@@ -20,7 +21,6 @@ const OPTIONS = ['kind', 'mirrored', 'localOrigin', 'robust', 'level', 'checks']
 const VECTOR_PROBE = new Uint8Array([0, 97, 115, 109, 1, 0, 0, 0, 1, 5, 1, 96, 0, 1, 123, 3, 2, 1, 0, 10, 10, 1, 8, 0,
     65, 0, 253, 15, 253, 98, 11]);
 
-// The library could not do what it was asked for. `reason` is one of enumReason, or of the result codes of nuv1math.h.
 export class FitError extends Error {
     constructor(reason, text) {
         super(text);
@@ -92,16 +92,12 @@ async function readModule(vectors) {
     return applyDifference(bytes, await readBytes('nuv1math-plain.difference'));
 }
 
-// Loads a module. options.bytes: its contents, instead of the files beside this one. options.vectors: whether to take
-// the module with vectors; by default if the engine has them. options.report: gets the text of an assertion report.
 export async function load(options = {}) {
     const vectors = options.vectors ?? WebAssembly.validate(VECTOR_PROBE);
     const bytes = options.bytes ?? await readModule(vectors);
     return new Library(await WebAssembly.compile(bytes), options.report ?? ((text) => console.error(text)));
 }
 
-// An instance of the module. `functions` are the C functions, for which arrays and records are addresses in the memory
-// of the module. A report of a broken invariant makes this instance useless: `using` and all that calls it then throw.
 export class Library {
     constructor(module, report) {
         this.broken = null;
@@ -113,7 +109,6 @@ export class Library {
         this.functions._initialize();
     }
 
-    // Calls a function with an arena: what is allocated in it is released when the function ends, also by an exception.
     using(work) {
         if (this.broken !== null) {
             throw new Error(`the library has stopped: ${this.broken}`);
@@ -128,7 +123,6 @@ export class Library {
         }
     }
 
-    // Fits control points and judges the result. source and target: arrays of [x, y]. See Fit and nuv1math.d.mts.
     fit(source, target, options = {}) {
         return this.using((arena, functions) => judge(this, arena, functions, source, target, options));
     }
@@ -202,7 +196,6 @@ class Arena {
         return address;
     }
 
-    // Writes the fields; those that the values lack become 0.
     write(name, address, values) {
         const view = new DataView(this.memory);
         const fields = fieldsOf(name);
@@ -315,7 +308,6 @@ function judge(library, arena, functions, source, target, options) {
     return new Fit(library, arena.read('TJudgement', result), each);
 }
 
-// A transformation with all that is known of it. `judgement` and `points` are the records of judgement.h.
 export class Fit {
     #library;
 
@@ -329,7 +321,6 @@ export class Fit {
         return kindName(this.judgement.Fit.Kind);
     }
 
-    // A to H, for coordinates that count from judgement.Origins.
     get coefficients() {
         return this.judgement.Fit.Coefs;
     }
@@ -338,7 +329,6 @@ export class Fit {
         return nameOf(enumChoice, this.judgement.Choice, 'CHOICE_');
     }
 
-    // The table of kinds, poorest first; `reason` is empty for a kind that exists.
     get kinds() {
         return this.judgement.vKinds.slice(0, KINDS).map((row, kind) => ({
             ...row, kind: kindName(kind), reason: row.Reason === enumReason.REASON_NONE ? ''
@@ -346,33 +336,27 @@ export class Fit {
         }));
     }
 
-    // The matrix of the transformation in original coordinates, or null if it has none.
     get matrix() {
         const c = this.judgement.Original;
         return this.judgement.bOriginal ? [[c.dA, c.dB, c.dC], [c.dD, c.dE, c.dF], [c.dG, c.dH, 1]] : null;
     }
 
-    // Root mean square of the residuals by degrees of freedom, or null without redundancy.
     get rms() {
         return this.judgement.iFreedom > 0 ? this.judgement.dRms : null;
     }
 
-    // Computed less given, [dX, dY] of each point.
     get residuals() {
         return this.points.map((point) => [point.dX, point.dY]);
     }
 
-    // Scales, skew and rotation in radians, or null if there are none.
     get parameters() {
         return this.judgement.Shape.bExists ? this.judgement.Shape : null;
     }
 
-    // Images of source points, as an array of [X, Y].
     transform(points) {
         return this.#map('nuv_TransformPoint', 'image', points);
     }
 
-    // Source points of images, as an array of [x, y].
     inverse(points) {
         return this.#map('nuv_InversePoint', 'source point', points);
     }
