@@ -321,9 +321,12 @@ class Microsoft(unittest.TestCase):
                 self.assertIn(f"Name: {symbol}", exports)
 
     def test_package_gives_the_import_library_of_microsofts_linker(self):
-        printed = configure(HERE / "microsoft", fresh("microsoft-package"), f"-DCMAKE_PREFIX_PATH={windows('x64')}")
-        for library in self.PROGRAMS:
-            self.assertIn(f"links {windows('x64')}/lib/{library}.lib\n", printed)
+        for compiler in ("MSVC;ON", "CMAKE_C_SIMULATE_ID;MSVC", "CMAKE_CXX_SIMULATE_ID;MSVC"):
+            with self.subTest(compiler):
+                printed = configure(HERE / "microsoft", fresh("microsoft-package"), f"-DCOMPILER={compiler}",
+                                    f"-DCMAKE_PREFIX_PATH={windows('x64')}")
+                for library in self.PROGRAMS:
+                    self.assertIn(f"links {windows('x64')}/lib/{library}.lib\n", printed)
 
 
 class Header(unittest.TestCase):
