@@ -16,6 +16,7 @@ ROOT = pathlib.Path(__file__).resolve().parent.parent
 sys.path[:0] = [str(ROOT / "scripts/pages"), str(ROOT / "tests/tools")]
 sys.dont_write_bytecode = True
 import build_site
+import site_inputs
 import site_links
 from binary import EXPORTS
 
@@ -68,6 +69,11 @@ class Site(unittest.TestCase):
             prose = re.sub(r'<div class="fragment">.*?</div><!-- fragment -->', "", text, flags=re.DOTALL)
             self.assertEqual(re.findall(r"\\[a-z(\[]\w*|@(?:f|ref|param|image|limits)\b", prose), [], name)
             self.assertEqual(re.findall(r"&lt;/?(?:em|sub|sup|code|b)&gt;", prose), [], name)
+            self.assertNotIn("`", re.sub("<pre.*?</pre>", "", prose, flags=re.DOTALL), name)
+
+    def test_begins_no_line_of_a_document_with_a_number_that_makes_it_a_list(self):
+        for document in site_inputs.DOCUMENTS:
+            self.assertEqual(re.findall(r"^ *\d\d+\. .*", document.read_text(), re.MULTILINE), [], document)
 
     def test_is_small(self):
         """The pages with their drawings are, and so are the pictures of pixels."""

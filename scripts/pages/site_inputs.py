@@ -151,6 +151,12 @@ def from_readme(match):
     return show_links(README, part[0].strip()) + "\n"
 
 
+def show_prose(text, with_powers):
+    """Code with single quotes in a form in which doxygen does not take them for its end; powers as raised numbers."""
+    text = re.sub(r"(?<!`)`([^`\n]*'[^`\n]*)`(?!`)", r"``\1``", text)
+    return re.sub(r"(?<=[\w)])\^(-?\w+)", r"<sup>\1</sup>", text) if with_powers else text
+
+
 def show_document(document, label, with_georeference):
     text = re.sub(r"<!-- README: ([\w ]+?)(?:, (.*?))? -->\n", from_readme, document.read_text())
     if with_georeference:
@@ -159,6 +165,8 @@ def show_document(document, label, with_georeference):
     title, rest = text.lstrip().split("\n", 1)
     rest = re.sub(r"^(##+) +(.+)$", lambda m: f"{m[1]} {m[2]} {{#{anchor(label, m[2])}}}", rest, flags=re.MULTILINE)
     rest = re.sub(r"!\[(.*?)\]\((?:[^)]*/)?([^)/]+)\)", r'@image html \2 "\1"', rest, flags=re.DOTALL)
+    rest = "".join(part if part.startswith("```") else show_prose(part, document in MEASURED)
+                   for part in re.split(r"(^```.*?^```$)", rest, flags=re.DOTALL | re.MULTILINE))
     rest = show_links(document, rest)
     rest = re.sub(r"(two-unknown )?`Roots`", lambda m: f'{m[1] or ""}<code>@ref {ROOTS[bool(m[1])]} "Roots"</code>', rest)
     rest = CODE.sub(r'<code>@ref nuv::\1 "\1"</code>', rest)
