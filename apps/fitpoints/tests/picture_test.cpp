@@ -259,12 +259,12 @@ TEST_F(Picture, DegreesHaveTheAspectOfTheirLatitude)
     Write("p.points", "#CRS: PROJCRS[\"x\",BASEGEOGCRS[\"y\"]]\n" + szQgis);
     Scale = PixelsPerUnit(Draw({"p.points", "--method", "affine"}), 0.002, 0.00101);
     EXPECT_NEAR(1, Scale[0] / Scale[1], 0.002);
-    Write("q.csv", Header + "0,0,10,60\n1000,0,10.001,60\n0,1000,10,60.001\n1000,1000,10.001,60.00101\n");
+    const std::string szSquares = Header + "0,0,10,60\n1000,0,10.001,60\n0,1000,10,60.001\n1000,1000,10.001,60.00101\n";
+    Write("q.csv", szSquares);
     Scale = PixelsPerUnit(Draw({"q.csv", "--method", "affine"}), 0.001, 0.00101);
     EXPECT_NEAR(1, Scale[0] / Scale[1], 0.002); // squares in the source are squares in the target
-    Write("q.points", "#CRS: GEOGCRS[\"WGS 84\"]\nmapX,mapY,sourceX,sourceY,enable\n10,60,0,0,1\n10.001,60,1000,0,1\n"
-                      "10,60.001,0,1000,1\n10.001,60.00101,1000,1000,1\n");
-    Scale = PixelsPerUnit(Draw({"q.points", "--method", "affine"}), 0.001, 0.00101);
+    Write("q.csv", "#CRS: GEOGCRS[\"WGS 84\"]\n" + szSquares);
+    Scale = PixelsPerUnit(Draw({"q.csv", "--method", "affine"}), 0.001, 0.00101);
     EXPECT_NEAR(0.5, Scale[0] / Scale[1], 0.002);
 }
 
