@@ -14,7 +14,7 @@ import { Scenes, asFields, positionOf } from './scenes.mjs';
 import { EMPTY, Store, isComplete } from './store.mjs';
 import { View } from './view.mjs';
 
-const SETTLED = 250;        // milliseconds without a change
+const SETTLED = 150;        // milliseconds without a change
 const EDGE = 24;            // pixels at the edge of a view, in which a point is not well seen
 const IMAGES = { sourceImage: 'source', targetImage: 'target' };
 const SETTINGS = { blend: 60, mode: 'fade', theme: 'system' };

@@ -8,6 +8,7 @@ import { wordsOfState } from './fitting.mjs';
 const ALL = 40;         // points up to which all rows exist: fields take much of the time of a frame
 const BEYOND = 6;       // rows above and below the visible ones
 const FIELDS = ['name', 'x', 'y', 'X', 'Y'];
+const CONTROL = /\p{Cc}+/gu; // characters that a name must not have, as the tab behind a cell of a spreadsheet
 const PARTNER = { x: 'y', X: 'Y' };
 const RESULTS = ['dX', 'dY', 'length', 'leave'];
 
@@ -129,7 +130,7 @@ export class PointsTable {
         if (name === 'check') {
             this.actions.edit(id, { check: input.checked });
         } else if (name === 'name') {
-            this.actions.edit(id, { name: input.value });
+            this.actions.edit(id, { name: input.value.replaceAll(CONTROL, ' ').trim() });
         } else {
             this.#coordinate(id, name, input);
         }

@@ -179,6 +179,13 @@ def test_typed_numbers_and_names(points, fitpoints):
     assert numbers(rows[0], "X") + numbers(rows[2], "y") == [12.5, -100]
     assert rows[1]["name"] == "Grüße 😀, \"Nord\""
     assert_as_fitpoints(points, fitpoints)
+    points.browser.press(points.cell(3, "name"))
+    points.browser.key("a", "Control")
+    points.browser.paste("from a\tspreadsheet\t")
+    points.browser.key("Tab")
+    points.settle()
+    assert points.points()[3]["name"] == "from a spreadsheet"
+    assert_as_fitpoints(points, fitpoints)
 
 
 @pytest.mark.parametrize("text", ["NaN", "1.5.1", "0x10", "1e999", "abc", "--1"])
