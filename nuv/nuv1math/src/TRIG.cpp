@@ -321,7 +321,6 @@ static int CopyDistinctAngles(int a_iCount, const double* a_vdSorted, double* a_
         do
         {
             ++i;
-            // equivalent: the angles ascend
         } while (i < a_iCount && IsSmaller(a_vdSorted[i] - dFirst, DUPLICATE_TOLERANCE));
         a_vdAngles[iDistinct] = dFirst;
         ++iDistinct;

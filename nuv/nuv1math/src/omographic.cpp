@@ -153,7 +153,7 @@ static double ApplyCorrection(const double* a_vdCorrection, double* a_vdCoefs)
     for (int j = 0; j < OMOGRAPHIC_UNKNOWNS; ++j)
     {
         a_vdCoefs[j] += a_vdCorrection[j];
-        if (IsSmaller(dGreatest, a_vdCorrection[j])) // equivalent: of equal magnitudes either is the greatest
+        if (IsSmaller(dGreatest, a_vdCorrection[j]))
         {
             dGreatest = a_vdCorrection[j];
         }

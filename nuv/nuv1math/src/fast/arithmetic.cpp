@@ -234,7 +234,7 @@ static TWord CalcReciprocal(TWord a_iB)
 // a/b, rounded, in units of 2^-52, where a and b are in these units too, and b <= a < 2b.
 static TWide DivideMantissas(TWide a_iA, TWide a_iB)
 {
-    if (a_iB == LEADING_BIT) // equivalent: a division by 1 is the same
+    if (a_iB == LEADING_BIT)
     {
         return a_iA;
     }
