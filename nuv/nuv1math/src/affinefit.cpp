@@ -73,30 +73,31 @@ void CalcMean(unsigned int a_iCount, const double* a_vdValues, double& a_dMean)
 static const unsigned int AFFINE_MINIMUM_POINTS = 3;
 
 // Adds a term to a sum, which is 0 before the first point.
-static NUV_INLINE void AddTerm(bool a_bFirst, double a_dTerm, double& a_dSum)
+template <bool FIRST> static NUV_INLINE void AddTerm(double a_dTerm, double& a_dSum)
 {
-    a_dSum = a_bFirst ? PlusZero(a_dTerm) : a_dTerm + a_dSum;
+    a_dSum = FIRST ? PlusZero(a_dTerm) : a_dTerm + a_dSum;
 }
 
 // Adds the terms of point i to all sums.
-static NUV_INLINE void AddAffineTerms(bool a_bFirst, unsigned int i, const TControlPoints& a_Points,
-                                      const TMeans& a_Means, TAffineSums& a_Sums)
+template <bool FIRST>
+static NUV_INLINE void AddAffineTerms(unsigned int i, const TControlPoints& a_Points, const TMeans& a_Means,
+                                      TAffineSums& a_Sums)
 {
     const double du = a_Points.vdX[i] - a_Means.dX;
     const double dv = a_Points.vdY[i] - a_Means.dY;
     const double dU = a_Points.vdXa[i] - a_Means.dXa;
     const double dV = a_Points.vdYa[i] - a_Means.dYa;
-    AddTerm(a_bFirst, du * du, a_Sums.dSuu);
-    AddTerm(a_bFirst, du * dv, a_Sums.dSuv);
-    AddTerm(a_bFirst, dv * dv, a_Sums.dSvv);
-    AddTerm(a_bFirst, dU * du, a_Sums.dSUu);
-    AddTerm(a_bFirst, dV * du, a_Sums.dSVu);
-    AddTerm(a_bFirst, dU * dv, a_Sums.dSUv);
-    AddTerm(a_bFirst, dV * dv, a_Sums.dSVv);
-    AddTerm(a_bFirst, du, a_Sums.dSu);
-    AddTerm(a_bFirst, dv, a_Sums.dSv);
-    AddTerm(a_bFirst, dU, a_Sums.dSU);
-    AddTerm(a_bFirst, dV, a_Sums.dSV);
+    AddTerm<FIRST>(du * du, a_Sums.dSuu);
+    AddTerm<FIRST>(du * dv, a_Sums.dSuv);
+    AddTerm<FIRST>(dv * dv, a_Sums.dSvv);
+    AddTerm<FIRST>(dU * du, a_Sums.dSUu);
+    AddTerm<FIRST>(dV * du, a_Sums.dSVu);
+    AddTerm<FIRST>(dU * dv, a_Sums.dSUv);
+    AddTerm<FIRST>(dV * dv, a_Sums.dSVv);
+    AddTerm<FIRST>(du, a_Sums.dSu);
+    AddTerm<FIRST>(dv, a_Sums.dSv);
+    AddTerm<FIRST>(dU, a_Sums.dSU);
+    AddTerm<FIRST>(dV, a_Sums.dSV);
 }
 
 static void CalcAffineSums(const TControlPoints& a_Points, const TMeans& a_Means, TAffineSums& a_Sums)
@@ -107,10 +108,10 @@ static void CalcAffineSums(const TControlPoints& a_Points, const TMeans& a_Means
         return;
     }
     TAffineSums Sums;
-    AddAffineTerms(true, 0, a_Points, a_Means, Sums);
+    AddAffineTerms<true>(0, a_Points, a_Means, Sums);
     for (unsigned int i = 1; i < a_Points.iCount; ++i)
     {
-        AddAffineTerms(false, i, a_Points, a_Means, Sums);
+        AddAffineTerms<false>(i, a_Points, a_Means, Sums);
     }
     a_Sums = Sums;
 }

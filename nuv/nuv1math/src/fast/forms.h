@@ -29,8 +29,8 @@
 #define NUV_VECTORS
 #endif
 
-// A function that must be compiled into its caller: it takes on the caller's instruction set, or one of its arguments is
-// known there.
+// A function that must be compiled into its caller: it takes on the caller's instruction set, or a call would cost what it
+// saves.
 #if defined(__GNUC__)
 #define NUV_INLINE inline __attribute__((always_inline))
 #else
