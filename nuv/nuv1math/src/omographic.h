@@ -13,6 +13,7 @@ namespace nuv {
 enum
 {
     OMOGRAPHIC_UNKNOWNS = 8,
+    // equivalent: room that is not used changes nothing
     OMOGRAPHIC_PACKED = OMOGRAPHIC_UNKNOWNS * (OMOGRAPHIC_UNKNOWNS + 1) / 2
 };
 

@@ -227,6 +227,7 @@ static NUV_INLINE void AddPointBy(const double* a_vdValues, double a_dR, TPointS
         Load(a_vdValues + v * TPointSums<TVector>::LANES, Values);
         NUV_UNROLL for (int k = 0; k < SHARED_VALUES; ++k)
         {
+            // equivalent: without these sums there is no factor, and the plain form takes over
             a_Sums.vvShared[k][v] = vdFactors[k] * Values + a_Sums.vvShared[k][v];
         }
     }
