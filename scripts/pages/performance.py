@@ -18,7 +18,8 @@ REASONS = {
                        "vectors.",
     "Cholesky": "OpenBLAS uses fused multiply-add, which would change the bits.",
     "CholeskyLowTri": "OpenBLAS uses fused multiply-add, which would change the bits.",
-    "Cholesky and SolveChol": "OpenBLAS uses fused multiply-add, which would change the bits.",
+    "Cholesky and SolveChol": "OpenBLAS, by which OpenCV computes too, uses fused multiply-add, which would change the "
+                              "bits.",
     "Roots, polynomial": "Degree 2 goes through the companion matrix like every other, where GSL has a formula: the "
                          "five requests for memory alone take half of its time; above, the methods need different "
                          "numbers of iterations.",
