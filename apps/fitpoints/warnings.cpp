@@ -109,6 +109,35 @@ static void WarnOfNoRedundancy(const TFit& a_Fit, std::vector<std::string>& a_vs
     }
 }
 
+// A blunder spoils the fit of a richer kind more than that of a poorer one, which then has the least error. Without the
+// suspects the choice may be another one.
+static void WarnOfChoiceByBlunders(const TArrays& a_Points, const judgement::TOptions& a_Options, const TFit& a_Fit,
+                                   std::vector<std::string>& a_vszWarnings)
+{
+    const judgement::TJudgement& Taken = a_Fit.Judgement;
+    if (Taken.iSuspects == 0 || a_Options.bRobust != 0 || Taken.Choice == judgement::CHOICE_ASKED)
+    {
+        return;
+    }
+    std::vector<judgement::enumRole> vRoles;
+    for (const judgement::TPointJudgement& Point : a_Fit.vPoints)
+    {
+        vRoles.push_back(Point.Role);
+    }
+    judgement::TOptions Robust = a_Options;
+    Robust.bRobust = 1;
+    judgement::TJudgement Without;
+    std::vector<judgement::TPointJudgement> vPoints(a_Fit.vPoints.size());
+    if (judgement::Judge(ControlPoints(a_Points), vRoles.data(), Robust, Without, vPoints.data()) ==
+            judgement::REASON_NONE &&
+        Without.Fit.Kind != a_Fit.Kind)
+    {
+        a_vszWarnings.push_back(std::string("without the suspected ") +
+                                (Taken.iSuspects == 1 ? "blunder" : "blunders") + " the " + KindName(Without.Fit.Kind) +
+                                " kind would be taken: correct the points, or drop them with --robust");
+    }
+}
+
 std::vector<std::string> Warnings(const TArrays& a_Points, const judgement::TOptions& a_Options, const TFit& a_Fit)
 {
     std::vector<std::string> vszWarnings;
@@ -120,6 +149,7 @@ std::vector<std::string> Warnings(const TArrays& a_Points, const judgement::TOpt
                               " kind takes either orientation");
     }
     WarnOfNoRedundancy(a_Fit, vszWarnings);
+    WarnOfChoiceByBlunders(a_Points, a_Options, a_Fit, vszWarnings);
     WarnOfIterations(a_Fit, vszWarnings);
     WarnOfSpoiledFit(Fitted, a_Fit, vszWarnings);
     WarnOfOtherOrientation(Fitted, bMirrored, a_Fit, vszWarnings);

@@ -227,6 +227,22 @@ TEST_F(FitPoints, SaysThatTheOtherOrientationFitsBetter)
         Result.szError);
 }
 
+// The exact image of an omographic transformation, but for one blunder as large as the square of the points.
+TEST_F(FitPoints, WarnsThatABlunderHasMadeAPoorerKindTheBestOne)
+{
+    std::vector<TPoint> vPoints = Images(Omographic);
+    const std::vector<TPoint> vMore = Images(Omographic, 300, 200);
+    vPoints.insert(vPoints.end(), vMore.begin(), vMore.end());
+    vPoints[4][3] -= 1000;
+    Write("p.csv", Csv(vPoints));
+    EXPECT_EQ(
+        "fitpoints: p.csv: warning: without the suspected blunder the omographic kind would be taken: correct the "
+        "points, or drop them with --robust\n",
+        Run({"p.csv"}).szError);
+    EXPECT_EQ("", Run({"p.csv", "--robust"}).szError);
+    EXPECT_EQ("", Run({"p.csv", "--method", "affine"}).szError);
+}
+
 TEST_F(FitPoints, SaysThatMirroredMeansNothingToTheOtherKinds)
 {
     Write("p.csv", Csv(Images(Affine)));
