@@ -260,9 +260,10 @@ test('the quick fit leaves out the search for blunders and nothing else', () => 
     const points = makePoints(30);
     const full = engine.fit(points);
     assert.equal(full.suspects[0].point, 4);
+    assert.match(full.warnings.join(), /^without the suspected blunders the affine kind would be taken: [^,]*, [^,]*$/);
     const quick = engine.fit(points, { quick: true });
     assert.deepEqual(quick, {
-        ...full, level: 0, suspects: [], points: full.points.map((point) => ({ ...point, suspect: false })),
+        ...full, level: 0, suspects: [], warnings: [], points: full.points.map((point) => ({ ...point, suspect: false })),
     });
 });
 

@@ -68,7 +68,7 @@ export class Fitting {
     }
 
     #fit({ options, kind, crs, file, unread }, complete) {
-        const suspects = this.report?.suspects ?? [];
+        const { suspects, warnings } = this.report ?? { suspects: [], warnings: [] };
         this.#results = new Map();
         this.report = null;
         this.error = '';
@@ -77,17 +77,17 @@ export class Fitting {
         }
         try {
             this.report = this.engine.fit(complete, { ...options, kind, crs, file, unread, quick: this.#isQuick });
-            this.#keepSuspects(suspects);
+            this.#keep(suspects, warnings);
             this.report.points.forEach((result, index) => this.#results.set(complete[index].id, result));
         } catch (error) {
             this.error = error.message;
         }
     }
 
-    // The points are those of the search.
-    #keepSuspects(suspects) {
+    // The points are those of the search, which some warnings tell of.
+    #keep(suspects, warnings) {
         if (this.#isQuick) {
-            this.report.suspects = suspects;
+            Object.assign(this.report, { suspects, warnings });
             suspects.forEach(({ point }) => (this.report.points[point - 1].suspect = true));
         }
     }
